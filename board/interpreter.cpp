@@ -1,0 +1,219 @@
+#include "interpreter.h"
+
+#include "descriptors.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+#include <tuple>
+#include <utility>
+
+namespace {
+
+constexpr std::size_t kHeaderSize = 18;
+constexpr std::size_t kMaximumTraceback = 1'000'000;
+constexpr const char* kHeapSize = "heapsize=4m";
+
+struct Pipes {
+    std::array<int, 2> input{-1, -1};
+    std::array<int, 2> output{-1, -1};
+    std::array<int, 2> control{-1, -1};
+};
+
+std::optional<Pipes> MakePipes()
+{
+    Pipes pipes;
+    if (MakePipe(pipes.input) && MakePipe(pipes.output) &&
+        socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pipes.control.data()) == 0) {
+        // Little is under way between program and line, so an interrupt is seen at once.
+        LimitPipe(pipes.output[1], 4096);
+        SetNonBlocking(pipes.input[1]);
+        return pipes;
+    }
+    for (const auto& pair : {pipes.input, pipes.output, pipes.control}) {
+        CloseDescriptor(pair[0]);
+        CloseDescriptor(pair[1]);
+    }
+    return std::nullopt;
+}
+
+// In the new process, between fork and exec: only async-signal-safe calls.
+[[noreturn]] void BecomeInterpreter(const Pipes& pipes, const char* const* arguments)
+{
+    EndWithParent(SIGKILL);
+    dup2(pipes.input[0], STDIN_FILENO);
+    dup2(pipes.output[1], STDOUT_FILENO);
+    dup2(pipes.output[1], STDERR_FILENO);
+    dup2(pipes.control[1], 3);
+    sigset_t none;
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+    signal(SIGPIPE, SIG_DFL);
+    signal(SIGINT, SIG_DFL);
+    execv(arguments[0], const_cast<char* const*>(arguments));
+    _exit(127);
+}
+
+bool ReadFully(int fd, char* data, std::size_t size)
+{
+    while (size > 0) {
+        const ssize_t n = read(fd, data, size);
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n <= 0) {
+            return false;
+        }
+        data += n;
+        size -= static_cast<std::size_t>(n);
+    }
+    return true;
+}
+
+bool SendFully(int fd, std::string_view data)
+{
+    while (!data.empty()) {
+        const ssize_t n = send(fd, data.data(), data.size(), MSG_NOSIGNAL);
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n <= 0) {
+            return false;
+        }
+        data.remove_prefix(static_cast<std::size_t>(n));
+    }
+    return true;
+}
+
+std::string Header(char mode, int sequence, std::size_t length)
+{
+    std::array<char, 40> text{};
+    std::snprintf(text.data(), text.size(), "%c%08d %08zu", mode, sequence, length);
+    return {text.data(), kHeaderSize};
+}
+
+}  // namespace
+
+std::expected<Interpreter, std::string> Interpreter::Start(const InterpreterFiles& files,
+                                                           const std::string& folder)
+{
+    const auto pipes = MakePipes();
+    if (!pipes) {
+        return std::unexpected(std::string("cannot make pipes: ") + std::strerror(errno));
+    }
+    const std::array<const char*, 6> arguments{files.program.c_str(), "-X",           kHeapSize,
+                                               files.script.c_str(),  folder.c_str(), nullptr};
+    Interpreter self;
+    self.pid_ = fork();
+    if (self.pid_ == 0) {
+        BecomeInterpreter(*pipes, arguments.data());
+    }
+    const int forkError = errno;
+    CloseDescriptor(pipes->control[1]);
+    CloseDescriptor(pipes->output[1]);
+    self.control_ = pipes->control[0];
+    self.output_ = pipes->output[0];
+    self.inputRead_ = pipes->input[0];
+    self.inputWrite_ = pipes->input[1];
+    if (self.pid_ < 0) {
+        return std::unexpected(std::string("cannot start a process: ") + std::strerror(forkError));
+    }
+    return self;
+}
+
+Interpreter::Interpreter(Interpreter&& other) noexcept
+{
+    *this = std::move(other);
+}
+
+Interpreter& Interpreter::operator=(Interpreter&& other) noexcept
+{
+    if (this != &other) {
+        End();
+        pid_ = std::exchange(other.pid_, -1);
+        control_ = std::exchange(other.control_, -1);
+        output_ = std::exchange(other.output_, -1);
+        inputRead_ = std::exchange(other.inputRead_, -1);
+        inputWrite_ = std::exchange(other.inputWrite_, -1);
+        sequence_ = other.sequence_;
+        busy_ = other.busy_;
+        hasAnswered_ = other.hasAnswered_;
+    }
+    return *this;
+}
+
+Interpreter::~Interpreter()
+{
+    End();
+}
+
+void Interpreter::End()
+{
+    if (pid_ > 0) {
+        kill(pid_, SIGKILL);
+        while (waitpid(pid_, nullptr, 0) < 0 && errno == EINTR) {
+        }
+        pid_ = -1;
+    }
+    for (int* fd : {&control_, &output_, &inputRead_, &inputWrite_}) {
+        CloseDescriptor(std::exchange(*fd, -1));
+    }
+}
+
+bool Interpreter::Execute(SourceKind kind, std::string_view source)
+{
+    ++sequence_;
+    busy_ = true;
+    return SendFully(control_, Header(static_cast<char>(kind), sequence_, source.size())) &&
+           SendFully(control_, source);
+}
+
+std::string Interpreter::TakeOutput()
+{
+    return ReadAvailable(output_);
+}
+
+std::expected<std::optional<Answer>, std::string> Interpreter::TakeAnswer()
+{
+    std::array<char, kHeaderSize> header{};
+    int sequence = 0;
+    std::size_t length = 0;
+    if (!ReadFully(control_, header.data(), header.size())) {
+        return std::unexpected("the interpreter has ended");
+    }
+    std::from_chars(header.data() + 1, header.data() + 9, sequence);
+    std::from_chars(header.data() + 10, header.data() + kHeaderSize, length);
+    std::string traceback(std::min(length, kMaximumTraceback), '\0');
+    if (!ReadFully(control_, traceback.data(), traceback.size())) {
+        return std::unexpected("the interpreter has ended");
+    }
+    hasAnswered_ = true;
+    if (sequence != sequence_ || !busy_) {
+        return std::nullopt;
+    }
+    busy_ = false;
+    return Answer{static_cast<Ending>(header[0]), std::move(traceback)};
+}
+
+void Interpreter::WriteInput(std::string_view bytes)
+{
+    std::ignore = write(inputWrite_, bytes.data(), bytes.size());
+}
+
+std::string Interpreter::TakeUnreadInput()
+{
+    return ReadAvailable(inputRead_);
+}
+
+void Interpreter::Interrupt()
+{
+    kill(pid_, SIGINT);
+}

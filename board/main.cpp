@@ -1,0 +1,125 @@
+// virtual-board: a MicroPython board that needs no hardware.
+
+#include "board.h"
+#include "descriptors.h"
+
+#include <getopt.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <tuple>
+
+namespace {
+
+constexpr const char* kUsage =
+    "usage: virtual-board [--link PATH] [--with-parent] DIR\n"
+    "Serves the folder DIR as the files of a MicroPython board on a serial line, and prints the\n"
+    "line-device's path when the board is ready. SIGUSR1 unplugs the board, SIGUSR2 plugs it\n"
+    "again, SIGINT and SIGTERM end it.\n"
+    "  --link PATH    make PATH a link to the line-device while the board is plugged\n"
+    "  --with-parent  end when the program that started this one ends\n";
+
+int commandsWriteEnd = -1;
+
+void PassOnSignal(int number)
+{
+    const char command = number == SIGUSR1 ? 'u' : number == SIGUSR2 ? 'p' : 'q';
+    const int error = errno;
+    std::ignore = write(commandsWriteEnd, &command, 1);
+    errno = error;
+}
+
+// Signals become bytes on a pipe, read by the board's loop.
+int CommandsFromSignals()
+{
+    std::array<int, 2> ends{-1, -1};
+    if (!MakePipe(ends)) {
+        return -1;
+    }
+    commandsWriteEnd = ends[1];
+    SetNonBlocking(commandsWriteEnd);
+    struct sigaction action {};
+    action.sa_handler = PassOnSignal;
+    action.sa_flags = SA_RESTART;
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGUSR1, SIGUSR2}) {
+        sigaction(number, &action, nullptr);
+    }
+    signal(SIGPIPE, SIG_IGN);
+    return ends[0];
+}
+
+// Exits for bad usage.
+BoardOptions ParseArguments(int argc, char** argv)
+{
+    BoardOptions options;
+    const std::array<option, 4> longOptions{{{"link", required_argument, nullptr, 'l'},
+                                             {"with-parent", no_argument, nullptr, 'p'},
+                                             {"help", no_argument, nullptr, 'h'},
+                                             {}}};
+    for (int c = 0; (c = getopt_long(argc, argv, "", longOptions.data(), nullptr)) != -1;) {
+        if (c == 'l') {
+            options.link = optarg;
+        } else if (c == 'p') {
+            EndWithParent(SIGTERM);
+        } else {
+            std::fputs(kUsage, c == 'h' ? stdout : stderr);
+            std::exit(c == 'h' ? 0 : 2);
+        }
+    }
+    if (optind + 1 != argc) {
+        std::fputs(kUsage, stderr);
+        std::exit(2);
+    }
+    options.folder = argv[optind];
+    return options;
+}
+
+std::string OwnFolder()
+{
+    std::error_code error;
+    const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
+    return error ? std::string(".") : self.parent_path().string();
+}
+
+std::string FromEnvironment(const char* name, const std::string& otherwise)
+{
+    const char* value = std::getenv(name);
+    return value != nullptr && *value != '\0' ? value : otherwise;
+}
+
+int Fail(const std::string& message)
+{
+    std::fprintf(stderr, "virtual-board: %s\n", message.c_str());
+    return 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    const int commands = CommandsFromSignals();
+    BoardOptions options = ParseArguments(argc, argv);
+    std::error_code error;
+    std::filesystem::create_directories(options.folder, error);
+    options.folder = std::filesystem::canonical(options.folder, error).string();
+    if (error || !std::filesystem::is_directory(options.folder, error)) {
+        return Fail(std::string(argv[argc - 1]) + " is not a folder");
+    }
+    options.interpreter.program = FromEnvironment("QUILP_MICROPYTHON", QUILP_MICROPYTHON);
+    options.interpreter.script = OwnFolder() + "/" QUILP_INTERPRETER_SCRIPT;
+
+    Board board(std::move(options));
+    if (const auto plugged = board.Plug(); !plugged) {
+        return Fail(plugged.error());
+    }
+    std::printf("%s\n", board.devicePath().c_str());
+    std::fflush(stdout);
+    const auto served = board.Run(commands);
+    return served ? 0 : Fail(served.error());
+}

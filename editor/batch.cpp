@@ -1,0 +1,86 @@
+#include "batch.h"
+
+#include <QTimer>
+
+#include <chrono>
+#include <cstdio>
+#include <utility>
+
+Batch::Batch(EditorHost& host, Runtime& runtime, const PluginModule& plugin,
+             std::vector<BatchCommand> commands, std::function<void(int)> onEnd)
+    : host_(host),
+      runtime_(runtime),
+      plugin_(plugin),
+      commands_(std::move(commands)),
+      onEnd_(std::move(onEnd))
+{
+    runtime_.SetIdleHandler([this] {
+        if (std::exchange(awaitsIdle_, false)) {
+            Next();
+        }
+    });
+}
+
+// By way of the queue, so that everything posted before has arrived.
+void Batch::GoOnWhenIdle()
+{
+    runtime_.queue().Post([this] {
+        if (runtime_.IsIdle()) {
+            Next();
+        } else {
+            awaitsIdle_ = true;
+        }
+    });
+}
+
+void Batch::Next()
+{
+    if (next_ == commands_.size()) {
+        return onEnd_(status_);
+    }
+    const BatchCommand& command = commands_[next_++];
+    if (const auto* wait = std::get_if<Wait>(&command)) {
+        const auto time = std::chrono::ceil<std::chrono::milliseconds>(*wait);
+        QTimer::singleShot(time, Qt::PreciseTimer, &timerContext_, [this] { Next(); });
+        return;
+    }
+    Perform(std::get<BatchAction>(command));
+    if (next_ < commands_.size() && std::holds_alternative<Wait>(commands_[next_])) {
+        Next();
+    } else {
+        GoOnWhenIdle();
+    }
+}
+
+void Batch::Perform(BatchAction action)
+{
+    switch (action) {
+        case BatchAction::Run: return PerformNamed("QuilpRun", true);
+        case BatchAction::Stop: return PerformNamed("QuilpStop", false);
+        case BatchAction::Upload: return PerformNamed("QuilpUpload", true);
+        case BatchAction::UploadAsMain: return PerformNamed("QuilpUploadAsMain", true);
+        case BatchAction::List: return PerformNamed("QuilpList", false);
+        case BatchAction::Help: return host_.InsertInWorksheet(plugin_.Help(), "", 1, 1, -1);
+        case BatchAction::Status:
+        case BatchAction::CopyTemplate: return;
+    }
+}
+
+void Batch::PerformNamed(const char* command, bool needsRunnable)
+{
+    if (needsRunnable && !host_.HasRunnable()) {
+        std::fputs("quilp-editor: there is no Python document or target to act on\n", stderr);
+        status_ = 1;
+    }
+    if (!host_.Perform(command)) {
+        std::fprintf(stderr, "quilp-editor: the plug-in has no command %s\n", command);
+    }
+}
+
+void Batch::Interrupt(int status)
+{
+    status_ = status;
+    next_ = commands_.size();
+    PerformNamed("QuilpStop", false);
+    GoOnWhenIdle();
+}

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "PluginInterface.h"
+#include "plugin_module.h"
+#include "runtime.h"
+
+#include <expected>
+#include <functional>
+#include <string>
+#include <vector>
+
+// The editor as the plug-in sees it: it answers the plug-in's questions and sends it messages.
+// Used on the user-interface thread; outlives the Runtime's last task.
+class EditorHost final : public PluginInterface {
+  public:
+    using Worksheet = std::function<void(const std::string& text)>;
+
+    // `plugin` and `runtime` must outlive this object.
+    EditorHost(const PluginModule& plugin, Runtime& runtime, Worksheet worksheet);
+
+    // Full paths; empty for none.
+    void SetDocument(std::string path) { document_ = EntryRef(std::move(path)); }
+    void SetTarget(std::string path) { target_ = EntryRef(std::move(path)); }
+
+    // Loads the plug-in: it must take the host on, and registers its commands. The error is a
+    // sentence.
+    std::expected<void, std::string> Start();
+
+    // Has the plug-in perform a registered command. False when it does not know it.
+    bool Perform(const std::string& command);
+
+    // Whether a command that acts on a file would find one.
+    bool HasRunnable() const;
+
+    // Whether the plug-in offers its control for the front document.
+    bool OffersButton();
+
+    void AddButton(const std::string& name, void* pluginBundle) override;
+    BRect ButtonFrame() override;
+    void RegisterSettingsKey(const std::string& key) override;
+    void RegisterCommand(const std::string& name, const std::string& description) override;
+    EntryRef DocumentRef() override;
+    bool HasCurrentTarget() override;
+    bool HasProjectTarget() override;
+    std::uint32_t DocumentLanguage() override;
+    [[gnu::format(printf, 2, 3)]] void WriteSettings(const char* format, ...) override;
+    std::pair<std::uint32_t, std::uint32_t> CommandShortcut(const std::string& name) override;
+    Rebinder MakeRebinder(std::int32_t kind) override;
+    void InsertInWorksheet(const std::string& text, const std::string& second, std::int32_t third,
+                           std::int32_t fourth, std::int32_t fifth) override;
+    std::uint32_t TargetLanguage(std::uint32_t target) override;
+    EntryRef TargetRef(std::uint32_t target) override;
+    std::uint32_t CurrentTarget() override;
+
+  private:
+    struct Command {
+        std::string name;
+        std::string description;
+    };
+
+    const PluginModule& plugin_;
+    Runtime& runtime_;
+    Worksheet worksheet_;
+    EntryRef document_;
+    EntryRef target_;
+    std::vector<Command> commands_;
+    std::vector<std::string> settingsKeys_;
+    std::string settings_;
+    bool buttonOffered_ = false;
+};

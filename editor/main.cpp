@@ -1,0 +1,165 @@
+// quilp-editor: the stand-alone host of the plug-in.
+
+#include "batch.h"
+#include "descriptors.h"
+#include "editor_host.h"
+#include "options.h"
+#include "plugin_module.h"
+#include "runtime.h"
+#include "virtual_board.h"
+
+#include <QCoreApplication>
+#include <QSocketNotifier>
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <optional>
+#include <tuple>
+
+namespace {
+
+enum ExitStatus : int { kSuccess = 0, kFailure = 1, kUsageError = 2, kNoPlugin = 3 };
+
+int signalPipe = -1;
+
+int Complain(const std::string& message, int status)
+{
+    std::fprintf(stderr, "quilp-editor: %s\n", message.c_str());
+    return status;
+}
+
+void PassOnSignal(int number)
+{
+    const int error = errno;
+    const char byte = static_cast<char>(number);
+    std::ignore = write(signalPipe, &byte, 1);
+    errno = error;
+}
+
+// Has `onSignal` called on the user-interface thread with the signal's number.
+std::unique_ptr<QSocketNotifier> HandleSignals(std::function<void(int)> onSignal)
+{
+    std::array<int, 2> ends{-1, -1};
+    if (!MakePipe(ends)) {
+        return nullptr;
+    }
+    signalPipe = ends[1];
+    SetNonBlocking(signalPipe);
+    struct sigaction action {};
+    action.sa_handler = PassOnSignal;
+    action.sa_flags = SA_RESTART;
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        sigaction(number, &action, nullptr);
+    }
+    auto notifier = std::make_unique<QSocketNotifier>(ends[0], QSocketNotifier::Read);
+    QObject::connect(notifier.get(), &QSocketNotifier::activated,
+                     [fd = ends[0], onSignal = std::move(onSignal)] {
+                         for (const char number : ReadAvailable(fd)) {
+                             onSignal(number);
+                         }
+                     });
+    return notifier;
+}
+
+// The full path of a file that can be read. The error is a sentence.
+std::expected<std::string, std::string> ReadableFile(const std::string& name)
+{
+    std::error_code error;
+    const auto path = std::filesystem::absolute(name, error).lexically_normal();
+    if (std::filesystem::is_directory(path, error)) {
+        return std::unexpected(path.string() + " is a folder");
+    }
+    if (access(path.c_str(), R_OK) != 0) {
+        return std::unexpected(path.string() + " cannot be read: " + std::strerror(errno));
+    }
+    return path.string();
+}
+
+struct Files {
+    std::string document;
+    std::string target;
+};
+
+std::expected<Files, std::string> FindFiles(const Options& options)
+{
+    Files files;
+    for (const auto& [name, path] : {std::pair(&options.document, &files.document),
+                                     std::pair(&options.target, &files.target)}) {
+        if (name->empty()) {
+            continue;
+        }
+        auto found = ReadableFile(*name);
+        if (!found) {
+            return std::unexpected(found.error());
+        }
+        *path = *found;
+    }
+    return files;
+}
+
+int RunBatch(const Options& options, const Files& files, const PluginModule& plugin)
+{
+    std::optional<VirtualBoard> board;
+    const std::string folder = QCoreApplication::applicationDirPath().toStdString();
+    if (options.virtualBoard) {
+        const auto boardFolder =
+            options.boardFolder.empty() ? DefaultBoardFolder() : options.boardFolder;
+        auto started = VirtualBoard::Start(folder + "/virtual-board", boardFolder);
+        if (!started) {
+            return Complain(started.error(), kFailure);
+        }
+        board.emplace(std::move(*started));
+    }
+    Runtime runtime;
+    Batch* running = nullptr;
+    EditorHost host(plugin, runtime, [&running](const std::string& text) {
+        if (!WriteFully(STDOUT_FILENO, text) && running != nullptr) {
+            std::exchange(running, nullptr)->Interrupt(kFailure);
+        }
+    });
+    host.SetDocument(files.document);
+    host.SetTarget(files.target);
+    if (const auto started = host.Start(); !started) {
+        return Complain(started.error(), kNoPlugin);
+    }
+    Batch batch(host, runtime, plugin, options.commands, QCoreApplication::exit);
+    running = &batch;
+    const auto signalNotifier =
+        HandleSignals([&batch](int number) { batch.Interrupt(128 + number); });
+    batch.Start();
+    const int status = QCoreApplication::exec();
+    runtime.ShutDown();
+    return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    signal(SIGPIPE, SIG_IGN);
+    const auto options = ParseOptions({argv + 1, argv + argc});
+    if (!options) {
+        return Complain(options.error() + "\n" + kUsage, kUsageError);
+    }
+    if (options->help) {
+        std::fputs(kUsage, stdout);
+        return kSuccess;
+    }
+    const auto files = FindFiles(*options);
+    if (!files) {
+        return Complain(files.error(), kUsageError);
+    }
+    QCoreApplication application(argc, argv);
+    const std::string ownPlugin = QCoreApplication::applicationDirPath().toStdString() +
+                                  "/../lib/quilp/Quilp.bundle/quilp.so";
+    const auto plugin = PluginModule::Load(options->plugin.empty() ? ownPlugin : options->plugin);
+    if (!plugin) {
+        return Complain(plugin.error(), kNoPlugin);
+    }
+    return RunBatch(*options, *files, *plugin);
+}

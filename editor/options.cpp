@@ -1,0 +1,124 @@
+#include "options.h"
+
+#include <getopt.h>
+
+#include <array>
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+#include <string_view>
+#include <utility>
+
+const char* const kUsage =
+    "usage: quilp-editor [OPTION]... --batch COMMAND...\n"
+    "  --document FILE        the front document\n"
+    "  --target FILE          the current target, which runs when the document is not Python\n"
+    "  --virtual-board[=DIR]  attach a virtual board, with its files in DIR\n"
+    "  --plugin FILE          load this plug-in instead of the one that comes with the editor\n"
+    "  --help                 show this text\n"
+    "Commands: run, stop, upload, upload-as-main, list, status, copy-template, help, and\n"
+    "wait=SECONDS, which goes on after that time although a command still runs.\n";
+
+namespace {
+
+constexpr std::array<std::pair<std::string_view, BatchAction>, 8> kActions{{
+    {"run", BatchAction::Run},
+    {"stop", BatchAction::Stop},
+    {"upload", BatchAction::Upload},
+    {"upload-as-main", BatchAction::UploadAsMain},
+    {"list", BatchAction::List},
+    {"status", BatchAction::Status},
+    {"copy-template", BatchAction::CopyTemplate},
+    {"help", BatchAction::Help},
+}};
+
+constexpr std::string_view kWait = "wait=";
+constexpr double kLongestWait = 86400;
+
+std::optional<Wait> ParseWait(const std::string& seconds)
+{
+    char* end = nullptr;
+    errno = 0;
+    const double value = std::strtod(seconds.c_str(), &end);
+    const bool whole = !seconds.empty() && *end == '\0' && errno == 0;
+    if (!whole || !std::isfinite(value) || value < 0 || value > kLongestWait) {
+        return std::nullopt;
+    }
+    return Wait(value);
+}
+
+std::optional<BatchCommand> ParseCommand(const std::string& word)
+{
+    if (word.starts_with(kWait)) {
+        const auto wait = ParseWait(word.substr(kWait.size()));
+        return wait ? std::optional<BatchCommand>(*wait) : std::nullopt;
+    }
+    for (const auto& [name, action] : kActions) {
+        if (word == name) {
+            return action;
+        }
+    }
+    return std::nullopt;
+}
+
+const std::array<option, 7> kLongOptions{{
+    {"document", required_argument, nullptr, 'd'},
+    {"target", required_argument, nullptr, 't'},
+    {"virtual-board", optional_argument, nullptr, 'v'},
+    {"plugin", required_argument, nullptr, 'p'},
+    {"batch", no_argument, nullptr, 'b'},
+    {"help", no_argument, nullptr, 'h'},
+    {},
+}};
+
+// False for an option that is not known or lacks its argument.
+bool TakeOption(Options& options, int option, const char* argument)
+{
+    switch (option) {
+        case 'd': options.document = argument; return true;
+        case 't': options.target = argument; return true;
+        case 'p': options.plugin = argument; return true;
+        case 'b': options.batch = true; return true;
+        case 'h': options.help = true; return true;
+        case 'v':
+            options.virtualBoard = true;
+            options.boardFolder = argument != nullptr ? argument : "";
+            return true;
+        default: return false;
+    }
+}
+
+}  // namespace
+
+std::expected<Options, std::string> ParseOptions(const std::vector<std::string>& arguments)
+{
+    std::vector<char*> words{const_cast<char*>("quilp-editor")};
+    for (const auto& argument : arguments) {
+        words.push_back(const_cast<char*>(argument.c_str()));
+    }
+    words.push_back(nullptr);
+    const int count = static_cast<int>(words.size()) - 1;
+
+    Options options;
+    optind = 0;  // Begins anew, also in glibc's sense.
+    opterr = 0;
+    for (int c = 0;
+         (c = getopt_long(count, words.data(), "", kLongOptions.data(), nullptr)) != -1;) {
+        if (!TakeOption(options, c, optarg)) {
+            return std::unexpected(std::string(words[static_cast<std::size_t>(optind) - 1]) +
+                                   " is not an option, or lacks its value");
+        }
+    }
+    for (int i = optind; i < count; ++i) {
+        const std::string word = words[static_cast<std::size_t>(i)];
+        const auto command = ParseCommand(word);
+        if (!command) {
+            return std::unexpected(word + " is not a command");
+        }
+        options.commands.push_back(*command);
+    }
+    if (!options.help && (!options.batch || options.commands.empty())) {
+        return std::unexpected("--batch and at least one command are needed");
+    }
+    return options;
+}

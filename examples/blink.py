@@ -1,0 +1,18 @@
+# Blinks until it is stopped: with the board's LED where there is one, else in words.
+
+import time
+
+try:
+    from machine import Pin
+
+    led = Pin("LED", Pin.OUT)
+except (ImportError, TypeError, ValueError):
+    led = None
+
+state = False
+while True:
+    state = not state
+    if led:
+        led.value(state)
+    print("on" if state else "off")
+    time.sleep(0.5)

@@ -1,0 +1,13 @@
+# Fails two functions deep: every line of the traceback leads to a line of this file.
+
+
+def ratio(part, whole):
+    return part / whole
+
+
+def report(counts):
+    for name, count in counts.items():
+        print(name, ratio(count, sum(counts.values()) - 10))
+
+
+report({"red": 7, "green": 3})

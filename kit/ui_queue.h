@@ -1,0 +1,51 @@
+#pragma once
+
+#include "unique_function.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <cstddef>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+// The one way to the user-interface thread: what is posted runs there, first in, first out.
+//
+// Made and destroyed on the user-interface thread, by the Runtime. The queue is emptied for at most
+// about 8 ms in each turn of the event loop, so that a flood of output cannot freeze the windows;
+// and it is bounded: a thread that posts faster than the other can follow waits.
+class UiQueue {
+  public:
+    using Task = unique_function<void()>;
+
+    UiQueue();
+    ~UiQueue();
+    UiQueue(const UiQueue&) = delete;
+    UiQueue& operator=(const UiQueue&) = delete;
+
+    // From any thread. Waits while the queue is full, but never on the user-interface thread and
+    // never after Close.
+    void Post(Task task);
+
+    // From here on nothing runs and nobody waits; what is posted is kept for Purge.
+    void Close();
+
+    // Destroys, on the user-interface thread, what has not run. Only after Close, and when no
+    // other thread posts any more.
+    void Purge();
+
+  private:
+    class Waker;
+
+    void Drain();
+    bool RunNext();
+    bool MustWait() const;
+
+    std::mutex mutex_;
+    std::condition_variable room_;
+    std::deque<Task> tasks_;
+    bool closed_ = false;
+    const std::thread::id uiThread_;
+    std::unique_ptr<Waker> waker_;
+};
