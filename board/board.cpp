@@ -193,7 +193,7 @@ void Board::TakeAnswer()
 
 void Board::InterpreterLost(std::string_view why)
 {
-    if (!interpreter_->hasAnswered()) {
+    if (!interpreter_->isReady()) {
         failure_ = std::string(why) + " before it did anything: " + options_.interpreter.program;
         return;
     }

@@ -145,7 +145,8 @@ Interpreter& Interpreter::operator=(Interpreter&& other) noexcept
         inputWrite_ = std::exchange(other.inputWrite_, -1);
         sequence_ = other.sequence_;
         busy_ = other.busy_;
-        hasAnswered_ = other.hasAnswered_;
+        ready_ = other.ready_;
+        interruptWhenReady_ = other.interruptWhenReady_;
     }
     return *this;
 }
@@ -195,7 +196,10 @@ std::expected<std::optional<Answer>, std::string> Interpreter::TakeAnswer()
     if (!ReadFully(control_, traceback.data(), traceback.size())) {
         return std::unexpected("the interpreter has ended");
     }
-    hasAnswered_ = true;
+    ready_ = true;
+    if (std::exchange(interruptWhenReady_, false)) {
+        Interrupt();
+    }
     if (sequence != sequence_ || !busy_) {
         return std::nullopt;
     }
@@ -215,5 +219,9 @@ std::string Interpreter::TakeUnreadInput()
 
 void Interpreter::Interrupt()
 {
-    kill(pid_, SIGINT);
+    if (ready_) {
+        kill(pid_, SIGINT);
+    } else {
+        interruptWhenReady_ = true;
+    }
 }

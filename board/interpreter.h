@@ -39,7 +39,8 @@ class Interpreter {
     // Starts a program. False when the process is gone.
     bool Execute(SourceKind kind, std::string_view source);
     bool busy() const { return busy_; }
-    bool hasAnswered() const { return hasAnswered_; }
+    // Whether the interpreter has ever worked.
+    bool isReady() const { return ready_; }
 
     // What the program has printed and is there to read now; at most 64 KiB.
     std::string TakeOutput();
@@ -51,7 +52,8 @@ class Interpreter {
     void WriteInput(std::string_view bytes);
     // Input that the program has left unread.
     std::string TakeUnreadInput();
-    // Raises KeyboardInterrupt in the program that runs.
+    // Raises KeyboardInterrupt in the program that runs; as soon as the interpreter is ready, when
+    // it has only just been started.
     void Interrupt();
 
   private:
@@ -65,5 +67,6 @@ class Interpreter {
     int inputWrite_ = -1;
     int sequence_ = 0;
     bool busy_ = false;
-    bool hasAnswered_ = false;
+    bool ready_ = false;
+    bool interruptWhenReady_ = false;
 };

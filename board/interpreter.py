@@ -135,8 +135,10 @@ def execute(mode, text, namespace):
 
 def serve(channel):
     namespace = {"__name__": "__main__"}
-    sequence = None  # Of the request that has no answer yet.
-    status, text = "E", INTERRUPTED
+    # Of the request that has no answer yet. The first answer, to a request that nobody made, tells
+    # that an interrupt does no harm from here on.
+    sequence = 0
+    status, text = "N", ""
     while True:
         try:
             if sequence is not None:

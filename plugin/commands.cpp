@@ -11,6 +11,9 @@ namespace {
 // What the board calls a program that came over the line, in its tracebacks.
 constexpr std::string_view kAnonymousScript = "\"<stdin>\"";
 
+// What a line of the tool's list of ports begins with.
+constexpr std::string_view kPortPrefix = "/dev/";
+
 }  // namespace
 
 bool Run(PluginInterface* pi)
@@ -33,4 +36,44 @@ void Stop(PluginInterface* pi)
     const std::string path = pi->DocumentRef().path();
     Execute(pi, MPRemoteExecutable(pi) + " disconnect " + path + "\n", {}, {});
     Stop();
+}
+
+void Upload(PluginInterface* pi, std::string name)
+{
+    const EntryRef ref = RunnableDocumentOrTargeRef(pi);
+    if (ref.path().empty()) {
+        return;
+    }
+    if (name.empty()) {
+        name = ref.name();
+    }
+    const std::string line = MPRemoteExecutable(pi) + " cp " + ref.path() + " :'" + name + "'\n";
+    Execute(pi, line, {}, {});
+}
+
+void List(PluginInterface* pi)
+{
+    Execute(pi, MPRemoteExecutable(pi) + " ls \n", {}, {});
+}
+
+bool IsBoard(std::string_view line)
+{
+    // The fixed name is a port that counts as a board whatever the tool makes of it.
+    return line.starts_with(kPortPrefix) && (line.find("MicroPython") != std::string_view::npos ||
+                                             line.find("usbmodem1101") != std::string_view::npos);
+}
+
+void Status(PluginInterface* pi)
+{
+    const auto hideOtherPorts = [](PluginInterface* p, const std::string& text) {
+        if (!text.starts_with(kPortPrefix) || IsBoard(text)) {
+            WriteToWorksheet(p, text);
+        }
+    };
+    Execute(pi, MPRemoteExecutable(pi) + " devs df \n", hideOtherPorts, {});
+}
+
+void DumpUpload(PluginInterface* pi)
+{
+    WriteToWorksheet(pi, MPRemoteExecutable(pi) + " cp '<from>':'<to>'");
 }

@@ -4,9 +4,11 @@
 #include "commands.h"
 #include "runnable.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 extern "C" {
 [[gnu::visibility("default")]] std::int32_t PluginMain(int message, PluginInterface* pi, ...);
@@ -27,23 +29,29 @@ enum Message : int {
     kSaveSettings = 400,
 };
 
-struct CommandDescription {
-    const char* name;
-    const char* description;
+struct Command {
+    std::string_view name;
+    std::string_view description;
+    bool needsRunnable;
+    void (*perform)(PluginInterface*);
 };
 
-constexpr std::array<CommandDescription, 5> kCommands{{
-    {"QuilpRun", "Run Python source on attached Micro Python device"},
-    {"QuilpStop", "Stop Running on Micro Python Device"},
-    {"QuilpUpload", "Upload Python source on attached Micro Python device"},
-    {"QuilpUploadAsMain", "Upload Python source on attached Micro Python device as main.py"},
-    {"QuilpList", "List the contents of Micro Python device"},
+constexpr std::array<Command, 5> kCommands{{
+    {"QuilpRun", "Run Python source on attached Micro Python device", true,
+     [](PluginInterface* pi) { Run(pi); }},
+    {"QuilpStop", "Stop Running on Micro Python Device", false, Stop},
+    {"QuilpUpload", "Upload Python source on attached Micro Python device", true,
+     [](PluginInterface* pi) { Upload(pi, ""); }},
+    {"QuilpUploadAsMain", "Upload Python source on attached Micro Python device as main.py", true,
+     [](PluginInterface* pi) { Upload(pi, "main.py"); }},
+    {"QuilpList", "List the contents of Micro Python device", false, List},
 }};
 
 constexpr const char* kSettingsKey = "QuilpWindowFrame";
 
 std::int32_t AnswerLoad(PluginInterface* pi)
 {
+    // The host's own: which kind of plug-in this is, and what it can do.
     pi->loadReply[0] = 19;
     pi->loadReply[1] = 5;
     return 1;
@@ -52,7 +60,7 @@ std::int32_t AnswerLoad(PluginInterface* pi)
 std::int32_t Register(PluginInterface* pi)
 {
     for (const auto& command : kCommands) {
-        pi->RegisterCommand(command.name, command.description);
+        pi->RegisterCommand(std::string(command.name), std::string(command.description));
     }
     pi->RegisterSettingsKey(kSettingsKey);
     return 1;
@@ -62,17 +70,14 @@ std::int32_t Register(PluginInterface* pi)
 std::int32_t PerformCommand(PluginInterface* pi)
 {
     const std::string name = pi->commandName;
-    if (name == "QuilpRun") {
-        if (IsDocumentOrTargetRunnable(pi)) {
-            Run(pi);
-        }
-        return 2;
+    const auto command = std::ranges::find(kCommands, name, &Command::name);
+    if (command == kCommands.end()) {
+        return 0;
     }
-    if (name == "QuilpStop") {
-        Stop(pi);
-        return 2;
+    if (!command->needsRunnable || IsDocumentOrTargetRunnable(pi)) {
+        command->perform(pi);
     }
-    return 0;
+    return 2;
 }
 
 std::int32_t OfferButton(PluginInterface* pi)

@@ -1,0 +1,218 @@
+#include "board_process.h"
+#include "program.h"
+#include "wait.h"
+
+#include <gtest/gtest.h>
+
+#include <signal.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Words = std::vector<std::string>;
+
+const std::string kExamples = QUILP_SOURCE "/examples/";
+
+Words Editor(const Words& arguments)
+{
+    Words words{QUILP_BIN "/quilp-editor"};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    return words;
+}
+
+ProgramResult RunEditor(const Words& arguments, const Words& variables = {})
+{
+    return RunProgram(Editor(arguments), variables);
+}
+
+// Resident memory in KiB.
+long ResidentMemory(const std::string& program)
+{
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+        const std::string folder = entry.path().string();
+        if (ReadFile(folder + "/comm") == program + "\n") {
+            const std::string status = ReadFile(folder + "/status");
+            return std::stol(status.substr(status.find("VmRSS:") + 6));
+        }
+    }
+    return 0;
+}
+
+}  // namespace
+
+TEST(Batch, RunsTheDocumentOnItsOwnVirtualBoard)
+{
+    const TemporaryFolder folder;
+    const auto result = RunEditor({"--virtual-board=" + folder.path(), "--document",
+                                   kExamples + "hello.py", "--batch", "run"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(
+        result.output,
+        "Hello from micropython on linux\r\nline 1\r\nline 2\r\nline 3\r\nline 4\r\nline 5\r\n"
+        "Done.\r\n");
+}
+
+TEST(Batch, OutputArrivesWhileTheProgramRuns)
+{
+    const BoardProcess board;
+    // The program tells when it printed a line by making a file.
+    const TemporaryFolder local;
+    const auto script = local.Write("live.py",
+                                    "import time\n"
+                                    "for i in range(5):\n"
+                                    "  open('/mark%d' % i, 'w').close()\n"
+                                    "  print('line', i)\n"
+                                    "  time.sleep(0.25)\n");
+    BackgroundProgram editor(Editor({"--document", script, "--batch", "run"}), board.variables());
+    for (int i = 0; i < 5; ++i) {
+        const std::string number = std::to_string(i);
+        ASSERT_TRUE(
+            WaitUntil([&] { return std::filesystem::exists(board.files() / ("mark" + number)); }));
+        const auto printed = Clock::now();
+        ASSERT_TRUE(editor.WaitForOutput("line " + number + "\r\n"));
+        EXPECT_LT(Clock::now() - printed, std::chrono::milliseconds(100));
+    }
+}
+
+TEST(Batch, EveryLineOfATracebackShowsTheFilesPath)
+{
+    const BoardProcess board;
+    const auto file = kExamples + "traceback.py";
+    const auto result = RunEditor({"--document", file, "--batch", "run"}, board.variables());
+    EXPECT_EQ(result.output, "Traceback (most recent call last):\r\n  File " + file +
+                                 ", line 13, in <module>\r\n  File " + file +
+                                 ", line 10, in report\r\n  File " + file +
+                                 ", line 5, in ratio\r\nZeroDivisionError: divide by zero\r\n");
+}
+
+TEST(Batch, StopStopsTheBoardItselfAndTheNextRunsAllWork)
+{
+    const BoardProcess board;
+    EXPECT_TRUE(board.IsAtPrompt());
+    const auto stopped =
+        RunEditor({"--document", kExamples + "blink.py", "--batch", "run", "wait=1", "stop"},
+                  board.variables());
+    EXPECT_EQ(stopped.status, 0);
+    EXPECT_TRUE(stopped.output.starts_with("on\r\noff\r\n")) << stopped.output;
+    EXPECT_TRUE(board.IsAtPrompt());
+
+    const TemporaryFolder local;
+    const auto script = local.Write("s.py", "print('x')\n");
+    Words fifty{"--document", script, "--batch"};
+    fifty.insert(fifty.end(), 50, "run");
+    std::string expected;
+    for (int i = 0; i < 50; ++i) {
+        expected += "x\r\n";
+    }
+    EXPECT_EQ(RunEditor(fifty, board.variables()).output, expected);
+}
+
+TEST(Batch, AnInterruptedEditorStopsTheBoardAndEnds)
+{
+    const BoardProcess board;
+    for (const int number : {SIGINT, SIGTERM}) {
+        BackgroundProgram editor(Editor({"--document", kExamples + "blink.py", "--batch", "run"}),
+                                 board.variables());
+        ASSERT_TRUE(editor.WaitForOutput("on"));
+        editor.Signal(number);
+        EXPECT_TRUE(editor.WaitForExit(std::chrono::seconds(2)));
+        EXPECT_TRUE(board.IsAtPrompt());
+    }
+}
+
+TEST(Batch, AProgramThatPrintsWithoutEndNeedsNoMoreMemoryAndStopsAtOnce)
+{
+    const BoardProcess board;
+    const TemporaryFolder local;
+    const auto script = local.Write("e.py", "while True: print('x' * 70)\n");
+    BackgroundProgram editor(
+        Editor({"--document", script, "--batch", "wait=0.5", "run", "wait=3", "stop"}),
+        board.variables());
+    WaitUntil([] { return ResidentMemory("quilp-editor") > 0; });
+    const long idle = ResidentMemory("quilp-editor");
+    const auto begin = Clock::now();
+    long most = 0;
+    while (!editor.WaitForExit(std::chrono::milliseconds(100)) &&
+           Clock::now() - begin < std::chrono::seconds(30)) {
+        most = std::max(most, ResidentMemory("quilp-editor"));
+    }
+    EXPECT_LT(Clock::now() - begin, std::chrono::seconds(8));
+    EXPECT_GT(editor.output().size(), 10000u);
+#ifndef __SANITIZE_THREAD__
+    EXPECT_LT(most - idle, 64 * 1024);
+#endif
+    EXPECT_TRUE(board.IsAtPrompt());
+}
+
+TEST(Batch, NoNameOfADocumentStartsAnythingButTheTool)
+{
+    const BoardProcess board;
+    const TemporaryFolder local;
+    const auto before = std::filesystem::current_path();
+    std::filesystem::current_path(local.path());
+    for (const char* name :
+         {"a b.py", "it's.py", "x;touch y.py", "$(touch y.py).py", "a|touch y.py"}) {
+        const auto script = local.Write(name, "print('x')\n");
+        const auto result = RunEditor({"--document", script, "--batch", "run"}, board.variables());
+        EXPECT_EQ(result.status, 0) << name;
+        EXPECT_FALSE(result.output.empty()) << name;
+        EXPECT_FALSE(std::filesystem::exists("y.py")) << name;
+    }
+    std::filesystem::current_path(before);
+}
+
+TEST(Batch, BadInputGetsAMessageAndItsStatus)
+{
+    const TemporaryFolder local;
+    const auto text = local.Write("notes.txt", "");
+    const auto nonsense = local.Write("nonsense.so", "nonsense");
+    const std::string plugins = QUILP_TEST_BIN;
+    struct Row {
+        Words arguments;
+        int status;
+        const char* message;
+    };
+    const Row rows[] = {
+        {{"--batch", "dance"}, 2, "dance is not a command"},
+        {{"--document", local / "no.py", "--batch", "run"},
+         2,
+         "no.py cannot be read: No such file"},
+        {{"--document", local.path(), "--batch", "run"}, 2, "is a folder"},
+        {{"--plugin", local / "no.so", "--batch", "help"}, 3, "there is no plug-in"},
+        {{"--plugin", nonsense, "--batch", "help"}, 3, "cannot be loaded"},
+        {{"--plugin", plugins + "/no_plugin.so", "--batch", "help"}, 3, "is not a plug-in"},
+        {{"--plugin", plugins + "/refusing_plugin.so", "--batch", "help"}, 3, "answers 7"},
+        {{"--document", text, "--batch", "run"}, 1, "there is no Python document or target"},
+        {{"--batch", "upload"}, 1, "there is no Python document or target"},
+        {{"--virtual-board=" + text, "--batch", "list"}, 1, "is not a folder"},
+        {{"--batch", "help"}, 0, "Run on micropython capable devices.\nWIP.\n"},
+    };
+    for (const auto& row : rows) {
+        const auto result = RunEditor(row.arguments);
+        EXPECT_EQ(result.status, row.status) << result.output;
+        EXPECT_NE(result.output.find(row.message), std::string::npos) << result.output;
+    }
+}
+
+TEST(Batch, WithoutABoardTheToolSaysSo)
+{
+    const auto result = RunEditor({"--document", kExamples + "hello.py", "--batch", "run"},
+                                  {"QUILP_VIRTUAL_BOARD="});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output, "mpremote: no device found\n");
+}
+
+TEST(Batch, ATargetRunsWhenTheDocumentIsNotPython)
+{
+    const BoardProcess board;
+    const TemporaryFolder local;
+    const auto target = local.Write("t.py", "print('target')\n");
+    const auto text = local.Write("n.txt", "");
+    const auto result =
+        RunEditor({"--document", text, "--target", target, "--batch", "run"}, board.variables());
+    EXPECT_EQ(result.output, "target\r\n");
+}

@@ -1,0 +1,43 @@
+#include "options.h"
+
+#include <gtest/gtest.h>
+
+TEST(Options, GoodCommandLinesAreUnderstood)
+{
+    const auto options = ParseOptions({"--virtual-board=/b", "--document", "a b.py", "--batch",
+                                       "run", "wait=0.5", "--target=t.py", "upload-as-main"});
+    ASSERT_TRUE(options) << options.error();
+    EXPECT_TRUE(options->virtualBoard);
+    EXPECT_EQ(options->boardFolder, "/b");
+    EXPECT_EQ(options->document, "a b.py");
+    EXPECT_EQ(options->target, "t.py");
+    EXPECT_EQ(options->commands,
+              (std::vector<BatchCommand>{BatchAction::Run, Wait(0.5), BatchAction::UploadAsMain}));
+    EXPECT_TRUE(ParseOptions({"--virtual-board", "--batch", "run"})->boardFolder.empty());
+}
+
+TEST(Options, BadCommandLinesAreRefusedWithTheWordThatIsWrong)
+{
+    struct Row {
+        std::vector<std::string> arguments;
+        const char* word;
+    };
+    const Row rows[] = {
+        {{"--batch", "dance"}, "dance"},
+        {{"--batch", "wait=x"}, "wait=x"},
+        {{"--batch", "wait="}, "wait="},
+        {{"--batch", "wait=-1"}, "wait=-1"},
+        {{"--batch", "wait=nan"}, "wait=nan"},
+        {{"--batch", "wait=1e99"}, "wait=1e99"},
+        {{"--batch"}, "--batch"},
+        {{"run"}, "--batch"},
+        {{}, "--batch"},
+        {{"--nonsense", "--batch", "run"}, "--nonsense"},
+        {{"--batch", "run", "--document"}, "--document"},
+    };
+    for (const auto& row : rows) {
+        const auto options = ParseOptions(row.arguments);
+        ASSERT_FALSE(options) << row.word;
+        EXPECT_NE(options.error().find(row.word), std::string::npos) << options.error();
+    }
+}

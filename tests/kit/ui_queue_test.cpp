@@ -1,0 +1,115 @@
+#include "ui_queue.h"
+
+#include "wait.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QEventLoop>
+
+#include <atomic>
+#include <memory>
+#include <thread>
+#include <vector>
+
+namespace {
+
+// Tells on which thread it was destroyed.
+struct ThreadAtEnd {
+    explicit ThreadAtEnd(std::thread::id& where) : id(&where) {}
+    ~ThreadAtEnd() { *id = std::this_thread::get_id(); }
+    std::thread::id* id;
+};
+
+}  // namespace
+
+TEST(UiQueue, RunsWhatEachThreadPostedInItsOrderOnTheUiThread)
+{
+    constexpr int kTasks = 20000;  // Far more than the queue holds.
+    UiQueue queue;
+    std::vector<int> order[2];
+    const auto ui = std::this_thread::get_id();
+    bool elsewhere = false;
+    const auto post = [&](int who) {
+        for (int i = 0; i < kTasks; ++i) {
+            queue.Post([&, who, i] {
+                elsewhere |= std::this_thread::get_id() != ui;
+                order[who].push_back(i);
+            });
+        }
+    };
+    std::jthread first(post, 0);
+    std::jthread second(post, 1);
+    ASSERT_TRUE(WaitUntil([&] { return order[0].size() + order[1].size() == 2 * kTasks; }));
+    EXPECT_FALSE(elsewhere);
+    for (const auto& one : order) {
+        EXPECT_TRUE(std::ranges::is_sorted(one));
+    }
+}
+
+TEST(UiQueue, ATaskThatOpensAnEventLoopDoesNotHoldUpOrReorderTheNext)
+{
+    UiQueue queue;
+    std::vector<int> order;
+    QEventLoop menu;
+    queue.Post([&] {
+        order.push_back(1);
+        menu.exec();
+        order.push_back(4);
+    });
+    queue.Post([&] { order.push_back(2); });
+    queue.Post([&] {
+        order.push_back(3);
+        menu.quit();
+    });
+    ASSERT_TRUE(WaitUntil([&] { return order.size() == 4; }));
+    EXPECT_EQ(order, (std::vector{1, 2, 3, 4}));
+}
+
+TEST(UiQueue, AFloodLeavesTurnsToOtherEvents)
+{
+    UiQueue queue;
+    std::atomic<bool> stop = false;
+    std::jthread flood([&] {
+        while (!stop) {
+            queue.Post([] { std::this_thread::yield(); });
+        }
+    });
+    using Clock = std::chrono::steady_clock;
+    std::chrono::milliseconds longest{0};
+    for (int turn = 0; turn < 50; ++turn) {
+        const auto begin = Clock::now();
+        QCoreApplication::processEvents();
+        longest =
+            std::max(longest, std::chrono::ceil<std::chrono::milliseconds>(Clock::now() - begin));
+    }
+    stop = true;
+    queue.Close();
+    flood.join();
+    queue.Purge();
+    EXPECT_LT(longest.count(), 200);  // A turn of 8 ms, on a machine that may be busy.
+}
+
+TEST(UiQueue, CloseFreesWhoWaitsAndPurgeDestroysTheRestOnTheUiThread)
+{
+    UiQueue queue;
+    std::thread::id destroyedOn;
+    bool ran = false;
+    std::atomic<int> posted = 0;
+    std::jthread flood([&] {
+        queue.Post([&ran, guard = std::make_unique<ThreadAtEnd>(destroyedOn)] { ran = true; });
+        for (; posted < 5000; ++posted) {
+            queue.Post([&ran] { ran = true; });
+        }
+    });
+    while (posted < 500) {  // Nobody takes anything out: it will wait soon.
+        std::this_thread::yield();
+    }
+    queue.Close();
+    flood.join();
+    EXPECT_EQ(posted, 5000);
+    queue.Purge();
+    EXPECT_EQ(destroyedOn, std::this_thread::get_id());
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(ran);
+}

@@ -1,0 +1,103 @@
+#include "recording_host.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <tuple>
+#include <utility>
+
+namespace {
+
+constexpr std::uint32_t kTarget = 42;
+
+constexpr const char* kTool =
+    "#!/bin/sh\n"
+    "for word in \"$@\"; do printf '[%s]\\n' \"$word\"; done\n"
+    "cat \"${0%/*}/says\" 2>/dev/null\n";
+
+}  // namespace
+
+RecordingHost::RecordingHost(Runtime& runtime) : runtime_(runtime), bundle_{folder_.path()}
+{
+    const auto tool = folder_.Write("Resources/mpremote/mpremote.py", kTool);
+    std::filesystem::permissions(tool, std::filesystem::perms::owner_all);
+    bundle = &bundle_;
+}
+
+std::string RecordingHost::WorksheetWhenIdle()
+{
+    WaitUntil([this] { return runtime_.IsIdle(); });
+    return std::exchange(worksheet, {});
+}
+
+void RecordingHost::AddButton(const std::string& name, void* pluginBundle)
+{
+    log.push_back("button " + name + (pluginBundle == bundle ? "" : " of another bundle"));
+}
+
+void RecordingHost::RegisterCommand(const std::string& name, const std::string& description)
+{
+    log.push_back("command " + name + ": " + description);
+}
+
+EntryRef RecordingHost::DocumentRef()
+{
+    log.emplace_back("DocumentRef");
+    return EntryRef(document);
+}
+
+bool RecordingHost::HasCurrentTarget()
+{
+    log.emplace_back("HasCurrentTarget");
+    return currentTarget;
+}
+
+bool RecordingHost::HasProjectTarget()
+{
+    log.emplace_back("HasProjectTarget");
+    return projectTarget;
+}
+
+std::uint32_t RecordingHost::DocumentLanguage()
+{
+    log.emplace_back("DocumentLanguage");
+    return language;
+}
+
+void RecordingHost::WriteSettings(const char* format, ...)
+{
+    log.push_back(std::string("settings ") + format);
+}
+
+PluginInterface::Rebinder RecordingHost::MakeRebinder(std::int32_t kind)
+{
+    EXPECT_EQ(kind, 0);
+    return [this](const PluginWork& work) { runtime_.queue().Post([this, work] { work(this); }); };
+}
+
+void RecordingHost::InsertInWorksheet(const std::string& text, const std::string& second,
+                                      std::int32_t third, std::int32_t fourth, std::int32_t fifth)
+{
+    EXPECT_EQ(std::tuple(second, third, fourth, fifth), std::tuple("", 1, 1, -1));
+    worksheet += text;
+}
+
+std::uint32_t RecordingHost::TargetLanguage(std::uint32_t handle)
+{
+    EXPECT_EQ(handle, kTarget);
+    log.emplace_back("TargetLanguage");
+    return targetLanguage;
+}
+
+EntryRef RecordingHost::TargetRef(std::uint32_t handle)
+{
+    EXPECT_EQ(handle, kTarget);
+    log.emplace_back("TargetRef");
+    return EntryRef(target);
+}
+
+std::uint32_t RecordingHost::CurrentTarget()
+{
+    log.emplace_back("CurrentTarget");
+    return kTarget;
+}

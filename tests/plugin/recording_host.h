@@ -1,0 +1,57 @@
+#pragma once
+
+#include "PluginInterface.h"
+#include "bundle.h"
+#include "runtime.h"
+#include "wait.h"
+
+#include <string>
+#include <vector>
+
+// A host that answers as told, and writes down in `log` what it is asked and told. Its tool is a
+// real program: a script that prints its words, one "[word]" a line, and then what the file "says"
+// beside it holds.
+class RecordingHost final : public PluginInterface {
+  public:
+    explicit RecordingHost(Runtime& runtime);
+
+    std::string toolLine() const { return bundle_.path + "/Resources/mpremote/mpremote.py"; }
+    // What the tool prints after its words.
+    void ToolSays(const std::string& text) { folder_.Write("Resources/mpremote/says", text); }
+    // Runs the event loop until no command runs. Returns the worksheet, and empties it.
+    std::string WorksheetWhenIdle();
+
+    std::uint32_t language = 0;
+    std::string document;
+    bool projectTarget = false;
+    bool currentTarget = false;
+    std::uint32_t targetLanguage = 0;
+    std::string target;
+    std::vector<std::string> log;
+    std::string worksheet;
+
+    void AddButton(const std::string& name, void* pluginBundle) override;
+    BRect ButtonFrame() override { return {}; }
+    void RegisterSettingsKey(const std::string& key) override { log.push_back("key " + key); }
+    void RegisterCommand(const std::string& name, const std::string& description) override;
+    EntryRef DocumentRef() override;
+    bool HasCurrentTarget() override;
+    bool HasProjectTarget() override;
+    std::uint32_t DocumentLanguage() override;
+    void WriteSettings(const char* format, ...) override;
+    std::pair<std::uint32_t, std::uint32_t> CommandShortcut(const std::string&) override
+    {
+        return {0, 0};
+    }
+    Rebinder MakeRebinder(std::int32_t kind) override;
+    void InsertInWorksheet(const std::string& text, const std::string& second, std::int32_t third,
+                           std::int32_t fourth, std::int32_t fifth) override;
+    std::uint32_t TargetLanguage(std::uint32_t handle) override;
+    EntryRef TargetRef(std::uint32_t handle) override;
+    std::uint32_t CurrentTarget() override;
+
+  private:
+    Runtime& runtime_;
+    TemporaryFolder folder_;
+    PluginBundle bundle_;
+};

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "program.h"
+#include "wait.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+// A virtual board of the test's own, as a process of its own, with a folder of its own.
+class BoardProcess {
+  public:
+    using Files = std::vector<std::pair<std::string, std::string>>;  // names and contents
+
+    // With these files at power-on.
+    explicit BoardProcess(const Files& files = {});
+
+    // The board's files.
+    const TemporaryFolder& files() const { return files_; }
+    // The line-device; changes when the board is plugged again.
+    std::string devicePath() const;
+    bool isPlugged() const;
+    void Unplug();
+    void Plug();
+    // For the environment of programs that are to see this board.
+    std::vector<std::string> variables() const;
+
+    // Runs the real tool with these words.
+    ProgramResult Tool(const std::vector<std::string>& words) const;
+
+    // Whether the board answers an empty line with its prompt, which it does only when no program
+    // runs on it. Sends no interrupt.
+    bool IsAtPrompt() const;
+
+  private:
+    void Start();
+    bool WaitForLink(bool present) const;
+
+    TemporaryFolder files_;
+    TemporaryFolder run_;
+    std::unique_ptr<BackgroundProgram> process_;
+};

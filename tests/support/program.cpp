@@ -1,0 +1,83 @@
+#include "program.h"
+
+#include "descriptors.h"
+
+#include <poll.h>
+#include <signal.h>
+
+#include <stdexcept>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+ChildProcess StartOrThrow(const std::vector<std::string>& words,
+                          const std::vector<std::string>& variables)
+{
+    auto environment = CurrentEnvironment();
+    // The last one of two variables of one name would be passed over.
+    environment.insert(environment.begin(), variables.begin(), variables.end());
+    auto process = ChildProcess::Start(words, environment);
+    if (!process) {
+        throw std::runtime_error(process.error());
+    }
+    return std::move(*process);
+}
+
+// False at the end of the output.
+bool ReadMore(const ChildProcess& process, std::string& output)
+{
+    pollfd readable{process.outputFd(), POLLIN, 0};
+    poll(&readable, 1, 20);
+    const std::string bytes = ReadAvailable(process.outputFd());
+    output += bytes;
+    return !bytes.empty() || (readable.revents & POLLHUP) == 0;
+}
+
+}  // namespace
+
+ProgramResult RunProgram(const std::vector<std::string>& words,
+                         const std::vector<std::string>& variables, std::chrono::seconds patience)
+{
+    ChildProcess process = StartOrThrow(words, variables);
+    ProgramResult result;
+    const auto end = Clock::now() + patience;
+    while (ReadMore(process, result.output)) {
+        if (Clock::now() >= end) {
+            process.SignalGroup(SIGKILL);
+        }
+    }
+    result.status = process.Reap();
+    return result;
+}
+
+BackgroundProgram::BackgroundProgram(const std::vector<std::string>& words,
+                                     const std::vector<std::string>& variables)
+    : process_(StartOrThrow(words, variables))
+{
+}
+
+BackgroundProgram::~BackgroundProgram()
+{
+    process_.End(std::chrono::seconds(2));
+}
+
+bool BackgroundProgram::WaitForOutput(const std::string& text, std::chrono::milliseconds patience)
+{
+    const auto end = Clock::now() + patience;
+    while (output_.find(text) == std::string::npos) {
+        if (!ReadMore(process_, output_) || Clock::now() >= end) {
+            return output_.find(text) != std::string::npos;
+        }
+    }
+    return true;
+}
+
+bool BackgroundProgram::WaitForExit(std::chrono::milliseconds patience)
+{
+    const auto end = Clock::now() + patience;
+    while (!process_.HasExited() && Clock::now() < end) {
+        ReadMore(process_, output_);
+    }
+    return process_.HasExited();
+}

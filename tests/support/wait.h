@@ -1,0 +1,31 @@
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+
+// Runs the event loop until the condition holds. False when it did not in time.
+bool WaitUntil(const std::function<bool()>& condition,
+               std::chrono::milliseconds patience = std::chrono::seconds(20));
+
+// A folder of the test's own, removed at the end.
+class TemporaryFolder {
+  public:
+    TemporaryFolder();
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder();
+
+    std::string path() const { return path_.string(); }
+    std::string operator/(const std::string& name) const { return (path_ / name).string(); }
+    // Makes a file in it and returns its path.
+    std::string Write(const std::string& name, std::string_view content) const;
+
+  private:
+    std::filesystem::path path_;
+};
+
+// The content of a file; empty when it cannot be read.
+std::string ReadFile(const std::string& path);
