@@ -30,13 +30,13 @@ Runtime& Runtime::Current()
     return *current;
 }
 
-bool Runtime::Start(std::shared_ptr<ShellJob> job)
+bool Runtime::Start(const std::shared_ptr<ShellJob>& job)
 {
     if (shutDown_) {
         return false;
     }
     jobs_.push_back(job);
-    job->Start([this, job = job.get()] { queue_.Post([this, job] { JobEnded(job); }); });
+    job->Start([this, raw = job.get()] { queue_.Post([this, raw] { JobEnded(raw); }); });
     return true;
 }
 

@@ -37,7 +37,7 @@ class Runtime {
     void ShutDown();
 
     // For SimpleShell: starts a job. False when the runtime is shut down.
-    bool Start(std::shared_ptr<ShellJob> job);
+    bool Start(const std::shared_ptr<ShellJob>& job);
     StoppedJobs& stoppedJobs() { return *stoppedJobs_; }
 
   private:

@@ -27,10 +27,10 @@ void SimpleShell::Run(const std::string& commandLine, unique_function<void()>&& 
 {
     Stop();
     Runtime& runtime = Runtime::Current();
-    auto job = std::make_shared<ShellJob>(commandLine, state_->onOutput, std::move(done),
-                                          runtime.stoppedJobs());
+    const auto job = std::make_shared<ShellJob>(commandLine, state_->onOutput, std::move(done),
+                                                runtime.stoppedJobs());
     if (runtime.Start(job)) {
-        state_->job = std::move(job);
+        state_->job = job;
     }
 }
 
