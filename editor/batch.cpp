@@ -61,8 +61,18 @@ void Batch::Perform(BatchAction action)
         case BatchAction::UploadAsMain: return PerformNamed("QuilpUploadAsMain", true);
         case BatchAction::List: return PerformNamed("QuilpList", false);
         case BatchAction::Help: return host_.InsertInWorksheet(plugin_.Help(), "", 1, 1, -1);
-        case BatchAction::Status:
-        case BatchAction::CopyTemplate: return;
+        case BatchAction::Status: return PerformAction("_Z6StatusP15PluginInterface");
+        case BatchAction::CopyTemplate: return PerformAction("_Z10DumpUploadP15PluginInterface");
+    }
+}
+
+// These stand in the plug-in's menu only, so they go by the function that the menu calls.
+void Batch::PerformAction(const char* symbol)
+{
+    if (const auto action = plugin_.FindAction(symbol)) {
+        action(&host_);
+    } else {
+        std::fprintf(stderr, "quilp-editor: the plug-in has no action %s\n", symbol);
     }
 }
 

@@ -29,6 +29,7 @@ class Batch {
     void GoOnWhenIdle();
     void Next();
     void Perform(BatchAction action);
+    void PerformAction(const char* symbol);
     void PerformNamed(const char* command, bool needsRunnable);
 
     EditorHost& host_;

@@ -1,0 +1,44 @@
+#include "device_output.h"
+
+#include <boost/regex.hpp>
+
+#include <stdexcept>
+
+namespace {
+
+// The engine gives up on a line that would take it too long; such a line counts as no match.
+bool Matches(const std::string& line, boost::smatch& groups, const boost::regex& pattern)
+{
+    try {
+        return boost::regex_match(line, groups, pattern);
+    } catch (const std::runtime_error&) {
+        return false;
+    }
+}
+
+}  // namespace
+
+std::optional<std::pair<std::string, std::string>> ParseDirLine(const std::string& line)
+{
+    // In the brackets stand the control bytes themselves.
+    static const boost::regex filePattern("\\s*(?<size>\\d+)\\s+(?<name>[^\r\n]+)\\r?\\n?");
+    boost::smatch groups;
+    if (!Matches(line, groups, filePattern)) {
+        return std::nullopt;
+    }
+    return std::pair(groups["size"].str(), groups["name"].str());
+}
+
+std::optional<std::tuple<std::string, std::string, std::string, std::string>> ParseDeviceLine(
+    const std::string& line)
+{
+    static const boost::regex deviceName(
+        "(?<dev>/dev/[^\r\n \t]+)\\s+(?<uid>[0-9a-f]+)\\s+(?<port>[0-9a-f]+[:][0-9a-f]+)\\s+"
+        "(?<name>[^\r\n]+)\\r?\\n?");
+    boost::smatch groups;
+    if (!Matches(line, groups, deviceName)) {
+        return std::nullopt;
+    }
+    return std::tuple(groups["name"].str(), groups["dev"].str(), groups["uid"].str(),
+                      groups["port"].str());
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "PluginInterface.h"
+#include "unique_function.h"
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The board's files, for the Device window. Each operation starts a command line and returns at
+// once. Its completion is called when the line has ended, whatever came of it, and is dropped when
+// the user starts something else meanwhile. Paths stand between single quotes as they are: one that
+// holds a single quote breaks its line, which then is an error and nothing more.
+
+// A line of output, without its ending; valid during the call.
+using LineCallback = std::function<void(const std::string_view&)>;
+
+// Lists a directory of the board. `onLine` gets every line that the tool prints.
+void DirectoryListing(PluginInterface* pi, const std::string& path, const LineCallback& onLine,
+                      unique_function<void()>&& done);
+
+// Deletes a file, or a directory with its contents. The tool's output goes to the worksheet.
+void DeleteOne(PluginInterface* pi, const std::string& path, std::function<void()> done);
+
+// Deletes one path after another, the last first. A deletion that fails does not end the chain; a
+// command that somebody else starts does.
+void Delete(PluginInterface* pi, const std::vector<std::string>& paths,
+            unique_function<void()>&& done);
+
+// Copies the first of the local files, or the folder with its contents, into a directory of the
+// board. The command and its output are shown in the worksheet. Does nothing without a file.
+void CopyToDevice(PluginInterface* pi, const std::vector<std::string>& files,
+                  const std::string& dir, unique_function<void()>&& done);
+
+// Asks which boards are attached. `onDevice` gets a line for each, and none for other ports.
+void GetDeviceName(PluginInterface* pi, const LineCallback& onDevice,
+                   unique_function<void()>&& done);
