@@ -216,3 +216,56 @@ TEST(Batch, ATargetRunsWhenTheDocumentIsNotPython)
         RunEditor({"--document", text, "--target", target, "--batch", "run"}, board.variables());
     EXPECT_EQ(result.output, "target\r\n");
 }
+
+TEST(Batch, EveryCommandWorksOnTheBoard)
+{
+    const BoardProcess board;
+    const TemporaryFolder local;
+    std::string bytes;
+    for (int i = 0; i < 256; ++i) {
+        bytes += static_cast<char>(i);
+    }
+    struct Row {
+        const char* name;
+        std::string content;
+    };
+    const Row rows[] = {
+        {"text.py", "print('text')\n"},          {"binary.py", bytes},           {"empty.py", ""},
+        {"large.py", std::string(200'000, '#')}, {"na\u00efve.py", "# UTF-8\n"},
+    };
+    for (const auto& row : rows) {
+        const auto file = local.Write(row.name, row.content);
+        const auto result = RunEditor({"--document", file, "--batch", "upload", "upload-as-main"},
+                                      board.variables());
+        EXPECT_EQ(result.output, "cp " + file + " :" + row.name + "\ncp " + file + " :main.py\n");
+        EXPECT_TRUE(ReadFile(board.files() / row.name) == row.content) << row.name;
+        EXPECT_TRUE(ReadFile(board.files() / "main.py") == row.content) << row.name;
+    }
+
+    const auto listed = RunEditor({"--batch", "list"}, board.variables()).output;
+    EXPECT_NE(listed.find("\n      200000 large.py\n"), std::string::npos) << listed;
+
+    const auto status = RunEditor({"--batch", "status"}, board.variables()).output;
+    EXPECT_TRUE(status.starts_with(board.devicePath() + " ")) << status;
+    EXPECT_NE(status.find("\nfilesystem "), std::string::npos) << status;
+    EXPECT_EQ(status.find("0000:0000"), std::string::npos) << status;
+
+    EXPECT_EQ(RunEditor({"--batch", "copy-template"}).output, QUILP_MPREMOTE " cp '<from>':'<to>'");
+}
+
+TEST(Batch, TwoHundredCommandsInARowAllWork)
+{
+    const BoardProcess board;
+    const TemporaryFolder local;
+    const auto script = local.Write("s.py", "print('ran')\n");
+    Words words{"--document", script, "--batch"};
+    std::string expected;
+    for (int i = 0; i < 50; ++i) {
+        words.insert(words.end(), {"upload", "run", "list", "copy-template"});
+        expected += "cp " + script + " :s.py\n" + (i > 0 ? "Up to date: s.py\n" : "") +
+                    "ran\r\nls :\n          13 s.py\n" QUILP_MPREMOTE " cp '<from>':'<to>'";
+    }
+    const auto result = RunEditor(words, board.variables());
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output, expected);
+}

@@ -16,6 +16,8 @@ class RecordingHost final : public PluginInterface {
     explicit RecordingHost(Runtime& runtime);
 
     std::string toolLine() const { return bundle_.path + "/Resources/mpremote/mpremote.py"; }
+    // From now on the tool is the real one.
+    void UseRealTool() { bundle_.path = QUILP_BUNDLE; }
     // What the tool prints after its words.
     void ToolSays(const std::string& text) { folder_.Write("Resources/mpremote/says", text); }
     // Runs the event loop until no command runs. Returns the worksheet, and empties it.

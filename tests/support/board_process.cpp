@@ -21,8 +21,8 @@ BoardProcess::BoardProcess(const Files& files)
 
 void BoardProcess::Start()
 {
-    process_ = std::make_unique<BackgroundProgram>(std::vector<std::string>{
-        QUILP_BIN "/virtual-board", "--link", run_ / "port", files_.path()});
+    process_ = std::make_unique<BackgroundProgram>(
+        std::vector<std::string>{QUILP_BIN "/virtual-board", "--link", link(), files_.path()});
     if (!process_->WaitForOutput("\n")) {
         throw std::runtime_error("the board did not start: " + process_->output());
     }
@@ -30,12 +30,12 @@ void BoardProcess::Start()
 
 std::string BoardProcess::devicePath() const
 {
-    return std::filesystem::read_symlink(run_ / "port").string();
+    return std::filesystem::read_symlink(link()).string();
 }
 
 bool BoardProcess::isPlugged() const
 {
-    return std::filesystem::is_symlink(run_ / "port");
+    return std::filesystem::is_symlink(link());
 }
 
 void BoardProcess::Unplug()
@@ -52,7 +52,7 @@ void BoardProcess::Plug()
 
 std::vector<std::string> BoardProcess::variables() const
 {
-    return {"QUILP_VIRTUAL_BOARD=" + (run_ / "port")};
+    return {"QUILP_VIRTUAL_BOARD=" + link()};
 }
 
 ProgramResult BoardProcess::Tool(const std::vector<std::string>& words) const

@@ -19,6 +19,8 @@ class BoardProcess {
     const TemporaryFolder& files() const { return files_; }
     // The line-device; changes when the board is plugged again.
     std::string devicePath() const;
+    // A link to it, which stays the same.
+    std::string link() const { return run_ / "port"; }
     bool isPlugged() const;
     void Unplug();
     void Plug();
