@@ -1,16 +1,29 @@
-"""What the measurements share: a virtual board, and the time of a whole program."""
+"""What the measurements share: a virtual board, and alternating pairs of whole programs."""
 
 import os
+import statistics
 import subprocess
 import tempfile
 import time
+
+
+class Build:
+    """The programs of a build folder."""
+
+    def __init__(self, folder):
+        self.folder = os.path.abspath(folder)
+        self.editor = os.path.join(self.folder, "bin", "quilp-editor")
+        self.board = os.path.join(self.folder, "bin", "virtual-board")
+        bundle = os.path.join(self.folder, "lib", "quilp", "Quilp.bundle")
+        self.plugin = os.path.join(bundle, "quilp.so")
+        self.tool = os.path.join(bundle, "Resources", "mpremote", "mpremote.py")
 
 
 class VirtualBoard:
     """A virtual board with a folder of its own, as a context."""
 
     def __init__(self, build):
-        self.program = os.path.join(build, "bin", "virtual-board")
+        self.program = build.board
 
     def __enter__(self):
         self.folder = tempfile.TemporaryDirectory()
@@ -30,11 +43,29 @@ class VirtualBoard:
         self.folder.cleanup()
 
 
-def seconds(command, environment, expected):
-    """The time from start to end of a program that must print exactly this."""
+def seconds(command, environment, is_right):
+    """The time from start to end of a program, whose output must be right."""
     begin = time.perf_counter()
     output = subprocess.run(command, env=environment, stdout=subprocess.PIPE, check=True).stdout
     elapsed = time.perf_counter() - begin
-    if output != expected:
-        raise SystemExit(f"{command[0]} printed {output!r} instead of {expected!r}")
+    if not is_right(output):
+        raise SystemExit(f"{command[0]} printed {output[:200]!r}")
     return elapsed
+
+
+def compare(what, environment, ours, bare, pairs):
+    """Times two programs, given as (command, is_right), in alternating pairs after one of each that
+    does not count, and prints the medians and the median ratio."""
+    seconds(ours[0], environment, ours[1])
+    seconds(bare[0], environment, bare[1])
+    times = [
+        (seconds(ours[0], environment, ours[1]), seconds(bare[0], environment, bare[1]))
+        for _ in range(pairs)
+    ]
+    our_median, bare_median = (1000 * statistics.median(side) for side in zip(*times))
+    ratio = statistics.median(one / other for one, other in times)
+    print(
+        f"{what}: {our_median:.1f} ms, the bare tool {bare_median:.1f} ms, "
+        f"median ratio {ratio:.3f} of {pairs} pairs",
+        flush=True,
+    )
