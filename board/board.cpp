@@ -6,6 +6,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <tuple>
 #include <utility>
@@ -19,6 +20,9 @@ constexpr std::string_view kInterruptedTraceback =
 // An interpreter that has not come back to its loop by then hangs inside a library call; the board
 // is reset. Less than the ten seconds after which mpremote gives up.
 constexpr std::chrono::seconds kInterruptPatience{5};
+
+// How often to look for a client where the system does not tell of one.
+constexpr int kLookIntervalMilliseconds = 20;
 
 }  // namespace
 
@@ -62,7 +66,9 @@ void Board::Poll(int commands)
     nfds_t count = 1;
     if (port_) {
         const short writing = port_->hasQueue() ? POLLOUT : 0;
-        fds[count++] = {port_->fd(), static_cast<short>(POLLIN | writing), 0};
+        // Without a client the line is hung up, which would end every wait.
+        fds[count++] = {port_->hasClient() ? port_->fd() : -1, static_cast<short>(POLLIN | writing),
+                        0};
         fds[count++] = {port_->clientEventsFd(), POLLIN, 0};
         fds[count++] = {interpreter_->answerFd(), POLLIN, 0};
         if (!port_->isFull()) {
@@ -72,7 +78,6 @@ void Board::Poll(int commands)
     poll(fds.data(), count, TimeoutMilliseconds());
     const bool answered = port_ && (fds[3].revents & (POLLIN | POLLHUP)) != 0;
     if (port_) {
-        port_->UpdateClients();
         PassOnOutput();
         if (answered) {
             TakeAnswer();
@@ -101,11 +106,14 @@ void Board::Serve(int commands)
 
 int Board::TimeoutMilliseconds() const
 {
+    const bool looksForClient = port_ && !port_->hasClient() && port_->clientEventsFd() < 0;
+    const int look = looksForClient ? kLookIntervalMilliseconds : -1;
     if (!stuckAt_) {
-        return -1;
+        return look;
     }
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(*stuckAt_ - Clock::now());
-    return std::max(0, static_cast<int>(left.count()));
+    const int stuck = std::max(0, static_cast<int>(left.count()));
+    return look < 0 ? stuck : std::min(stuck, look);
 }
 
 void Board::Send(std::string_view text)
@@ -116,7 +124,9 @@ void Board::Send(std::string_view text)
 void Board::Execute(SourceKind kind, std::string_view source)
 {
     // A process that is gone shows itself at its answer descriptor.
-    std::ignore = interpreter_->Execute(kind, source);
+    if (interpreter_) {
+        std::ignore = interpreter_->Execute(kind, source);
+    }
 }
 
 void Board::RestartInterpreter()
@@ -134,14 +144,15 @@ void Board::RestartInterpreter()
 void Board::ReceiveFromClient()
 {
     for (const char byte : port_->Read()) {
-        if (failure_.empty()) {
-            Receive(byte);
-        }
+        Receive(byte);
     }
 }
 
 void Board::Receive(char byte)
 {
+    if (!interpreter_) {
+        return;  // It could not be started again; the board ends.
+    }
     if (!interpreter_->busy()) {
         repl_.Receive(byte);
     } else if (byte == kInterrupt) {

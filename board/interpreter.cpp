@@ -46,9 +46,9 @@ std::optional<Pipes> MakePipes()
 }
 
 // In the new process, between fork and exec: only async-signal-safe calls.
-[[noreturn]] void BecomeInterpreter(const Pipes& pipes, const char* const* arguments)
+[[noreturn]] void BecomeInterpreter(pid_t parent, const Pipes& pipes, const char* const* arguments)
 {
-    EndWithParent(SIGKILL);
+    EndWithParent(parent, SIGKILL);
     dup2(pipes.input[0], STDIN_FILENO);
     dup2(pipes.output[1], STDOUT_FILENO);
     dup2(pipes.output[1], STDERR_FILENO);
@@ -112,9 +112,10 @@ std::expected<Interpreter, std::string> Interpreter::Start(const InterpreterFile
     const std::array<const char*, 6> arguments{files.program.c_str(), "-X",           kHeapSize,
                                                files.script.c_str(),  folder.c_str(), nullptr};
     Interpreter self;
+    const pid_t parent = getpid();
     self.pid_ = fork();
     if (self.pid_ == 0) {
-        BecomeInterpreter(*pipes, arguments.data());
+        BecomeInterpreter(parent, *pipes, arguments.data());
     }
     const int forkError = errno;
     CloseDescriptor(pipes->control[1]);

@@ -133,6 +133,15 @@ def execute(mode, text, namespace):
         return "E", traceback_text(error)
 
 
+def receive(channel, length):
+    try:
+        return channel.read(length)
+    except MemoryError:
+        while length > 0:  # Out of the way of the next request.
+            length -= len(channel.read(min(length, 4096)))
+        return None
+
+
 def serve(channel):
     namespace = {"__name__": "__main__"}
     # Of the request that has no answer yet. The first answer, to a request that nobody made, tells
@@ -151,8 +160,11 @@ def serve(channel):
                 return
             status, text = "E", INTERRUPTED
             sequence = int(header[1:9])
-            request = channel.read(int(header[10:18]))
-            status, text = execute(chr(header[0]), request, namespace)
+            request = receive(channel, int(header[10:18]))
+            if request is None:
+                text = "MemoryError: the program is larger than the board's memory\n"
+            else:
+                status, text = execute(chr(header[0]), request, namespace)
         except KeyboardInterrupt:
             pass
 

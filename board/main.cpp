@@ -18,12 +18,13 @@
 namespace {
 
 constexpr const char* kUsage =
-    "usage: virtual-board [--link PATH] [--with-parent] DIR\n"
+    "usage: virtual-board [--link PATH] [--parent PID] DIR\n"
     "Serves the folder DIR as the files of a MicroPython board on a serial line, and prints the\n"
     "line-device's path when the board is ready. SIGUSR1 unplugs the board, SIGUSR2 plugs it\n"
     "again, SIGINT and SIGTERM end it.\n"
     "  --link PATH    make PATH a link to the line-device while the board is plugged\n"
-    "  --with-parent  end when the program that started this one ends\n";
+    "  --parent PID   end when the process PID ends, which started this one; then remove the\n"
+    "                 link's folder, too\n";
 
 int commandsWriteEnd = -1;
 
@@ -54,19 +55,25 @@ int CommandsFromSignals()
     return ends[0];
 }
 
+struct Arguments {
+    BoardOptions board;
+    bool removesLinkFolder = false;
+};
+
 // Exits for bad usage.
-BoardOptions ParseArguments(int argc, char** argv)
+Arguments ParseArguments(int argc, char** argv)
 {
-    BoardOptions options;
+    Arguments arguments;
     const std::array<option, 4> longOptions{{{"link", required_argument, nullptr, 'l'},
-                                             {"with-parent", no_argument, nullptr, 'p'},
+                                             {"parent", required_argument, nullptr, 'p'},
                                              {"help", no_argument, nullptr, 'h'},
                                              {}}};
     for (int c = 0; (c = getopt_long(argc, argv, "", longOptions.data(), nullptr)) != -1;) {
         if (c == 'l') {
-            options.link = optarg;
+            arguments.board.link = optarg;
         } else if (c == 'p') {
-            EndWithParent(SIGTERM);
+            EndWithParent(static_cast<pid_t>(std::atol(optarg)), SIGTERM);
+            arguments.removesLinkFolder = true;
         } else {
             std::fputs(kUsage, c == 'h' ? stdout : stderr);
             std::exit(c == 'h' ? 0 : 2);
@@ -76,8 +83,8 @@ BoardOptions ParseArguments(int argc, char** argv)
         std::fputs(kUsage, stderr);
         std::exit(2);
     }
-    options.folder = argv[optind];
-    return options;
+    arguments.board.folder = argv[optind];
+    return arguments;
 }
 
 std::string OwnFolder()
@@ -104,12 +111,15 @@ int Fail(const std::string& message)
 int main(int argc, char** argv)
 {
     const int commands = CommandsFromSignals();
-    BoardOptions options = ParseArguments(argc, argv);
+    const Arguments arguments = ParseArguments(argc, argv);
+    BoardOptions options = arguments.board;
     std::error_code error;
     std::filesystem::create_directories(options.folder, error);
-    options.folder = std::filesystem::canonical(options.folder, error).string();
-    if (error || !std::filesystem::is_directory(options.folder, error)) {
-        return Fail(std::string(argv[argc - 1]) + " is not a folder");
+    if (!error) {
+        options.folder = std::filesystem::canonical(options.folder, error).string();
+    }
+    if (error) {
+        return Fail(options.folder + ": " + error.message());
     }
     options.interpreter.program = FromEnvironment("QUILP_MICROPYTHON", QUILP_MICROPYTHON);
     options.interpreter.script = OwnFolder() + "/" QUILP_INTERPRETER_SCRIPT;
@@ -121,5 +131,9 @@ int main(int argc, char** argv)
     std::printf("%s\n", board.devicePath().c_str());
     std::fflush(stdout);
     const auto served = board.Run(commands);
+    board.Unplug();
+    if (arguments.removesLinkFolder) {
+        std::filesystem::remove(std::filesystem::path(arguments.board.link).parent_path(), error);
+    }
     return served ? 0 : Fail(served.error());
 }

@@ -3,6 +3,7 @@
 #include "descriptors.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <pty.h>
 #include <termios.h>
 #include <unistd.h>
@@ -11,6 +12,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <tuple>
 #include <utility>
 
 #ifdef __linux__
@@ -30,7 +32,7 @@ std::expected<SerialPort, std::string> SerialPort::Open(const std::string& link)
         return std::unexpected(std::string("cannot open a pseudo-terminal: ") +
                                std::strerror(errno));
     }
-    port.WatchClients();
+    port.WatchForClients();
     if (!link.empty() && !port.Link(link)) {
         return std::unexpected("cannot make the link " + link);
     }
@@ -39,10 +41,8 @@ std::expected<SerialPort, std::string> SerialPort::Open(const std::string& link)
 
 SerialPort::SerialPort(SerialPort&& other) noexcept
     : master_(std::exchange(other.master_, -1)),
-      keeper_(std::exchange(other.keeper_, -1)),
       events_(std::exchange(other.events_, -1)),
-      clients_(other.clients_),
-      tracksClients_(other.tracksClients_),
+      hasClient_(other.hasClient_),
       device_(std::move(other.device_)),
       link_(std::exchange(other.link_, {})),
       queue_(std::move(other.queue_))
@@ -56,7 +56,6 @@ SerialPort::~SerialPort()
         std::filesystem::remove(link_, ignored);
     }
     CloseDescriptor(events_);
-    CloseDescriptor(keeper_);
     CloseDescriptor(master_);
 }
 
@@ -65,23 +64,26 @@ bool SerialPort::OpenTerminal()
     termios raw{};
     cfmakeraw(&raw);
     std::array<char, 256> name{};
-    if (openpty(&master_, &keeper_, name.data(), &raw, nullptr) != 0) {
+    int clientEnd = -1;
+    if (openpty(&master_, &clientEnd, name.data(), &raw, nullptr) != 0) {
         return false;
     }
+    // From here on the line is hung up exactly while no client has it open.
+    CloseDescriptor(clientEnd);
     fcntl(master_, F_SETFD, FD_CLOEXEC);
-    fcntl(keeper_, F_SETFD, FD_CLOEXEC);
     SetNonBlocking(master_);
     device_ = name.data();
     return true;
 }
 
-// Without a way to tell, a client counts as always there.
-void SerialPort::WatchClients()
+// Events are merged and can get lost, so they only say that it is time to look.
+void SerialPort::WatchForClients()
 {
 #ifdef __linux__
     events_ = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-    tracksClients_ =
-        events_ >= 0 && inotify_add_watch(events_, device_.c_str(), IN_OPEN | IN_CLOSE) >= 0;
+    if (events_ >= 0) {
+        inotify_add_watch(events_, device_.c_str(), IN_OPEN);
+    }
 #endif
 }
 
@@ -101,36 +103,30 @@ bool SerialPort::Link(const std::string& link)
     return !error;
 }
 
-void SerialPort::UpdateClients()
+void SerialPort::LookForClient()
 {
-#ifdef __linux__
-    alignas(inotify_event) std::array<char, 4096> buffer{};
-    ssize_t size = 0;
-    while (tracksClients_ && (size = read(events_, buffer.data(), buffer.size())) > 0) {
-        for (ssize_t at = 0; at < size;) {
-            inotify_event event{};
-            std::memcpy(&event, buffer.data() + at, sizeof event);
-            at += static_cast<ssize_t>(sizeof event + event.len);
-            clients_ += (event.mask & IN_OPEN) != 0 ? 1 : -1;
-            if (clients_ <= 0) {
-                clients_ = 0;
-                queue_.clear();
-                // What the last client left unread is not for the next one.
-                tcflush(keeper_, TCIFLUSH);
-            }
-        }
+    if (events_ >= 0) {
+        std::ignore = ReadAvailable(events_);
     }
-#endif
+    pollfd line{master_, 0, 0};
+    poll(&line, 1, 0);
+    const bool hadClient = std::exchange(hasClient_, (line.revents & POLLHUP) == 0);
+    if (hadClient && !hasClient_) {
+        queue_.clear();
+        tcflush(master_, TCOFLUSH);  // What it left unread is not for the next one.
+    }
 }
 
 std::string SerialPort::Read()
 {
-    return ReadAvailable(master_);
+    std::string bytes = ReadAvailable(master_);
+    LookForClient();  // Not before: who has sent these bytes is to get the answer.
+    return bytes;
 }
 
 void SerialPort::Send(std::string_view text)
 {
-    if (clients_ > 0 || !tracksClients_) {
+    if (hasClient_) {
         queue_ += text;
     }
 }

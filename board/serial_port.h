@@ -17,13 +17,13 @@ class SerialPort {
 
     const std::string& devicePath() const { return device_; }
 
-    // To poll: the line itself, and the coming and going of clients.
+    // To poll while there is a client. Without one the line is hung up.
     int fd() const { return master_; }
+    // Readable when a client may have come; -1 where the system does not tell.
     int clientEventsFd() const { return events_; }
 
-    // Takes note of clients that came or went. Call before Read, so that what a client that has
-    // just come sends is answered.
-    void UpdateClients();
+    // Whether there was a client at the last Read.
+    bool hasClient() const { return hasClient_; }
 
     // Bytes a client has sent; empty when there are none.
     std::string Read();
@@ -40,14 +40,13 @@ class SerialPort {
   private:
     SerialPort() = default;
     bool OpenTerminal();
-    void WatchClients();
+    void LookForClient();
+    void WatchForClients();
     bool Link(const std::string& link);
 
     int master_ = -1;
-    int keeper_ = -1;  // Our own hold on the client's end: without it the first close hangs up.
     int events_ = -1;
-    int clients_ = 0;
-    bool tracksClients_ = false;
+    bool hasClient_ = false;
     std::string device_;
     std::string link_;
     std::string queue_;

@@ -61,36 +61,42 @@ void Batch::Perform(BatchAction action)
         case BatchAction::UploadAsMain: return PerformNamed("QuilpUploadAsMain", true);
         case BatchAction::List: return PerformNamed("QuilpList", false);
         case BatchAction::Help: return host_.InsertInWorksheet(plugin_.Help(), "", 1, 1, -1);
-        case BatchAction::Status: return PerformAction("_Z6StatusP15PluginInterface");
-        case BatchAction::CopyTemplate: return PerformAction("_Z10DumpUploadP15PluginInterface");
+        case BatchAction::Status: return PerformMenuAction("_Z6StatusP15PluginInterface");
+        case BatchAction::CopyTemplate:
+            return PerformMenuAction("_Z10DumpUploadP15PluginInterface");
     }
 }
 
+void Batch::Fail(const char* message)
+{
+    std::fprintf(stderr, "quilp-editor: %s\n", message);
+    status_ = 1;
+}
+
 // These stand in the plug-in's menu only, so they go by the function that the menu calls.
-void Batch::PerformAction(const char* symbol)
+void Batch::PerformMenuAction(const char* symbol)
 {
     if (const auto action = plugin_.FindAction(symbol)) {
         action(&host_);
     } else {
-        std::fprintf(stderr, "quilp-editor: the plug-in has no action %s\n", symbol);
+        Fail("the plug-in does not know this command");
     }
 }
 
 void Batch::PerformNamed(const char* command, bool needsRunnable)
 {
     if (needsRunnable && !host_.HasRunnable()) {
-        std::fputs("quilp-editor: there is no Python document or target to act on\n", stderr);
-        status_ = 1;
+        Fail("there is no Python document or target to act on");
     }
     if (!host_.Perform(command)) {
-        std::fprintf(stderr, "quilp-editor: the plug-in has no command %s\n", command);
+        Fail("the plug-in does not know this command");
     }
 }
 
 void Batch::Interrupt(int status)
 {
-    status_ = status;
     next_ = commands_.size();
     PerformNamed("QuilpStop", false);
+    status_ = status;
     GoOnWhenIdle();
 }

@@ -15,7 +15,7 @@
 class Batch {
   public:
     // What it refers to must outlive it. `onEnd` is called with the exit status: 0, or 1 when a
-    // command that needs a runnable file had none.
+    // command could not be performed.
     Batch(EditorHost& host, Runtime& runtime, const PluginModule& plugin,
           std::vector<BatchCommand> commands, std::function<void(int)> onEnd);
 
@@ -29,7 +29,8 @@ class Batch {
     void GoOnWhenIdle();
     void Next();
     void Perform(BatchAction action);
-    void PerformAction(const char* symbol);
+    void PerformMenuAction(const char* symbol);
+    void Fail(const char* message);
     void PerformNamed(const char* command, bool needsRunnable);
 
     EditorHost& host_;

@@ -1,9 +1,5 @@
 #include "editor_host.h"
 
-#include <algorithm>
-#include <array>
-#include <cstdarg>
-#include <cstdio>
 #include <string_view>
 #include <utility>
 
@@ -14,7 +10,6 @@ constexpr int kLoad = 1;
 constexpr int kRegister = 2;
 constexpr int kCommand = 103;
 constexpr int kReadSettings = 104;
-constexpr int kOfferButton = 307;
 
 constexpr std::uint32_t kPlainText = 0;
 
@@ -59,32 +54,19 @@ bool EditorHost::HasRunnable() const
     return LanguageOf(document_) == kPythonLanguage || LanguageOf(target_) == kPythonLanguage;
 }
 
-bool EditorHost::OffersButton()
-{
-    buttonOffered_ = false;
-    plugin_.Main(kOfferButton, this);
-    return buttonOffered_;
-}
-
-void EditorHost::AddButton(const std::string& /*name*/, void* /*pluginBundle*/)
-{
-    buttonOffered_ = true;
-}
+// Without windows there are no controls, no menu of commands and no settings to keep.
+void EditorHost::AddButton(const std::string& /*name*/, void* /*pluginBundle*/) {}
 
 BRect EditorHost::ButtonFrame()
 {
     return {};
 }
 
-void EditorHost::RegisterSettingsKey(const std::string& key)
-{
-    settingsKeys_.push_back(key);
-}
+void EditorHost::RegisterSettingsKey(const std::string& /*key*/) {}
 
-void EditorHost::RegisterCommand(const std::string& name, const std::string& description)
-{
-    commands_.push_back({name, description});
-}
+void EditorHost::RegisterCommand(const std::string& /*name*/, const std::string& /*description*/) {}
+
+void EditorHost::WriteSettings(const char* /*format*/, ...) {}
 
 EntryRef EditorHost::DocumentRef()
 {
@@ -104,18 +86,6 @@ bool EditorHost::HasProjectTarget()
 std::uint32_t EditorHost::DocumentLanguage()
 {
     return LanguageOf(document_);
-}
-
-void EditorHost::WriteSettings(const char* format, ...)
-{
-    va_list arguments;
-    va_start(arguments, format);
-    std::array<char, 4096> line{};
-    const int length = std::vsnprintf(line.data(), line.size(), format, arguments);
-    va_end(arguments);
-    if (length > 0) {
-        settings_.append(line.data(), std::min(line.size() - 1, static_cast<std::size_t>(length)));
-    }
 }
 
 std::pair<std::uint32_t, std::uint32_t> EditorHost::CommandShortcut(const std::string& /*name*/)

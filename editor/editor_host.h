@@ -7,7 +7,6 @@
 #include <expected>
 #include <functional>
 #include <string>
-#include <vector>
 
 // The editor as the plug-in sees it: it answers the plug-in's questions and sends it messages.
 // Used on the user-interface thread; outlives the Runtime's last task.
@@ -32,9 +31,6 @@ class EditorHost final : public PluginInterface {
     // Whether a command that acts on a file would find one.
     bool HasRunnable() const;
 
-    // Whether the plug-in offers its control for the front document.
-    bool OffersButton();
-
     void AddButton(const std::string& name, void* pluginBundle) override;
     BRect ButtonFrame() override;
     void RegisterSettingsKey(const std::string& key) override;
@@ -53,18 +49,9 @@ class EditorHost final : public PluginInterface {
     std::uint32_t CurrentTarget() override;
 
   private:
-    struct Command {
-        std::string name;
-        std::string description;
-    };
-
     const PluginModule& plugin_;
     Runtime& runtime_;
     Worksheet worksheet_;
     EntryRef document_;
     EntryRef target_;
-    std::vector<Command> commands_;
-    std::vector<std::string> settingsKeys_;
-    std::string settings_;
-    bool buttonOffered_ = false;
 };

@@ -6,6 +6,7 @@
 #include "options.h"
 #include "plugin_module.h"
 #include "runtime.h"
+#include "standard_output.h"
 #include "virtual_board.h"
 
 #include <QCoreApplication>
@@ -14,9 +15,11 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <optional>
 #include <tuple>
@@ -25,7 +28,7 @@ namespace {
 
 enum ExitStatus : int { kSuccess = 0, kFailure = 1, kUsageError = 2, kNoPlugin = 3 };
 
-int signalPipe = -1;
+std::array<int, 2> signalPipe{-1, -1};
 
 int Complain(const std::string& message, int status)
 {
@@ -37,40 +40,33 @@ void PassOnSignal(int number)
 {
     const int error = errno;
     const char byte = static_cast<char>(number);
-    std::ignore = write(signalPipe, &byte, 1);
+    std::ignore = write(signalPipe[1], &byte, 1);
     errno = error;
 }
 
-// Has `onSignal` called on the user-interface thread with the signal's number.
-std::unique_ptr<QSocketNotifier> HandleSignals(std::function<void(int)> onSignal)
+// From here on signals that ask to end are bytes in the signal pipe.
+void CatchSignals()
 {
-    std::array<int, 2> ends{-1, -1};
-    if (!MakePipe(ends)) {
-        return nullptr;
+    if (!MakePipe(signalPipe)) {
+        return;
     }
-    signalPipe = ends[1];
-    SetNonBlocking(signalPipe);
+    SetNonBlocking(signalPipe[1]);
     struct sigaction action {};
     action.sa_handler = PassOnSignal;
     action.sa_flags = SA_RESTART;
     for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
         sigaction(number, &action, nullptr);
     }
-    auto notifier = std::make_unique<QSocketNotifier>(ends[0], QSocketNotifier::Read);
-    QObject::connect(notifier.get(), &QSocketNotifier::activated,
-                     [fd = ends[0], onSignal = std::move(onSignal)] {
-                         for (const char number : ReadAvailable(fd)) {
-                             onSignal(number);
-                         }
-                     });
-    return notifier;
 }
 
 // The full path of a file that can be read. The error is a sentence.
 std::expected<std::string, std::string> ReadableFile(const std::string& name)
 {
     std::error_code error;
-    const auto path = std::filesystem::absolute(name, error).lexically_normal();
+    // "link/.." is not what it looks like, so such a path stays as it is.
+    const auto full = std::filesystem::absolute(name, error);
+    const bool climbs = std::find(full.begin(), full.end(), "..") != full.end();
+    const auto path = climbs ? full : full.lexically_normal();
     if (std::filesystem::is_directory(path, error)) {
         return std::unexpected(path.string() + " is a folder");
     }
@@ -115,10 +111,15 @@ int RunBatch(const Options& options, const Files& files, const PluginModule& plu
         }
         board.emplace(std::move(*started));
     }
+    CatchSignals();
     Runtime runtime;
     Batch* running = nullptr;
-    EditorHost host(plugin, runtime, [&running](const std::string& text) {
-        if (!WriteFully(STDOUT_FILENO, text) && running != nullptr) {
+    StandardOutput output(signalPipe[0]);
+    EditorHost host(plugin, runtime, [&](const std::string& text) {
+        if (!output.Write(text) && running != nullptr) {
+            if (!output.error().empty()) {
+                Complain(output.error(), kFailure);
+            }
             std::exchange(running, nullptr)->Interrupt(kFailure);
         }
     });
@@ -129,8 +130,13 @@ int RunBatch(const Options& options, const Files& files, const PluginModule& plu
     }
     Batch batch(host, runtime, plugin, options.commands, QCoreApplication::exit);
     running = &batch;
-    const auto signalNotifier =
-        HandleSignals([&batch](int number) { batch.Interrupt(128 + number); });
+    QSocketNotifier onSignal(signalPipe[0], QSocketNotifier::Read);
+    QObject::connect(&onSignal, &QSocketNotifier::activated, [&] {
+        for (const char number : ReadAvailable(signalPipe[0])) {
+            output.StopWaiting();
+            batch.Interrupt(128 + number);
+        }
+    });
     batch.Start();
     const int status = QCoreApplication::exec();
     runtime.ShutDown();

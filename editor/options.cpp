@@ -2,6 +2,7 @@
 
 #include <getopt.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cmath>
@@ -61,6 +62,9 @@ std::optional<BatchCommand> ParseCommand(const std::string& word)
     return std::nullopt;
 }
 
+// What getopt returns for a word that is no option when it is to keep the order ("-").
+constexpr int kWord = 1;
+
 const std::array<option, 7> kLongOptions{{
     {"document", required_argument, nullptr, 'd'},
     {"target", required_argument, nullptr, 't'},
@@ -71,8 +75,8 @@ const std::array<option, 7> kLongOptions{{
     {},
 }};
 
-// False for an option that is not known or lacks its argument.
-bool TakeOption(Options& options, int option, const char* argument)
+// False for what is neither an option nor a command, or lacks its value.
+bool Take(Options& options, int option, const char* argument)
 {
     switch (option) {
         case 'd': options.document = argument; return true;
@@ -84,6 +88,12 @@ bool TakeOption(Options& options, int option, const char* argument)
             options.virtualBoard = true;
             options.boardFolder = argument != nullptr ? argument : "";
             return true;
+        case kWord:
+            if (const auto command = ParseCommand(argument)) {
+                options.commands.push_back(*command);
+                return true;
+            }
+            return false;
         default: return false;
     }
 }
@@ -102,20 +112,17 @@ std::expected<Options, std::string> ParseOptions(const std::vector<std::string>&
     Options options;
     optind = 0;  // Begins anew, also in glibc's sense.
     opterr = 0;
-    for (int c = 0;
-         (c = getopt_long(count, words.data(), "", kLongOptions.data(), nullptr)) != -1;) {
-        if (!TakeOption(options, c, optarg)) {
-            return std::unexpected(std::string(words[static_cast<std::size_t>(optind) - 1]) +
-                                   " is not an option, or lacks its value");
+    for (;;) {
+        const auto at = static_cast<std::size_t>(std::max(optind, 1));
+        const int c = getopt_long(count, words.data(), "-", kLongOptions.data(), nullptr);
+        if (c == -1) {
+            break;
         }
-    }
-    for (int i = optind; i < count; ++i) {
-        const std::string word = words[static_cast<std::size_t>(i)];
-        const auto command = ParseCommand(word);
-        if (!command) {
-            return std::unexpected(word + " is not a command");
+        if (!Take(options, c, optarg)) {
+            return std::unexpected(
+                std::string(words[at]) +
+                (c == kWord ? " is not a command" : " is not an option, or lacks its value"));
         }
-        options.commands.push_back(*command);
     }
     if (!options.help && (!options.batch || options.commands.empty())) {
         return std::unexpected("--batch and at least one command are needed");

@@ -17,9 +17,9 @@ PluginModule::Action PluginModule::FindAction(const char* symbol) const
 std::expected<PluginModule, std::string> PluginModule::Load(const std::string& file)
 {
     std::error_code error;
-    const auto path = std::filesystem::absolute(file, error).lexically_normal();
-    if (!std::filesystem::exists(path, error)) {
-        return std::unexpected("there is no plug-in " + path.string());
+    const auto path = std::filesystem::canonical(file, error);
+    if (error) {
+        return std::unexpected("there is no plug-in " + file);
     }
     PluginModule module;
     module.handle_.reset(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL));

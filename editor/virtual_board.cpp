@@ -2,7 +2,9 @@
 
 #include "descriptors.h"
 
+#include <glib.h>
 #include <poll.h>
+#include <unistd.h>
 
 #include <array>
 #include <chrono>
@@ -61,8 +63,9 @@ std::expected<VirtualBoard, std::string> VirtualBoard::Start(const std::string& 
         return std::unexpected("no temporary folder can be made for the virtual board");
     }
     const std::string link = linkFolder + "/port";
-    auto process = ChildProcess::Start({program, "--with-parent", "--link", link, "--", folder},
-                                       CurrentEnvironment());
+    auto process = ChildProcess::Start(
+        {program, "--parent", std::to_string(getpid()), "--link", link, "--", folder},
+        CurrentEnvironment());
     if (!process) {
         std::filesystem::remove(linkFolder);
         return std::unexpected("the virtual board cannot be started: " + process.error());
@@ -90,11 +93,5 @@ VirtualBoard::~VirtualBoard()
 
 std::string DefaultBoardFolder()
 {
-    const auto variable = [](const char* name) {
-        const char* value = std::getenv(name);
-        return std::string(value != nullptr ? value : "");
-    };
-    const std::string data = variable("XDG_DATA_HOME");
-    const std::string base = data.empty() ? variable("HOME") + "/.local/share" : data;
-    return base + "/quilp/virtual-board";
+    return std::string(g_get_user_data_dir()) + "/quilp/virtual-board";
 }

@@ -21,8 +21,8 @@ class PluginInterface {
   public:
     using PluginWork = std::function<void(PluginInterface*)>;
     // Has the host call the work later, on the user-interface thread, in the order of the calls.
-    // Usable on any thread; waits there while the host is far behind. Work that the host has not
-    // come to when it ends is destroyed without a call.
+    // Usable on any thread. Work that the host has not come to when it ends is destroyed without a
+    // call.
     using Rebinder = std::function<void(const PluginWork&)>;
 
     // The window in which the plug-in was called.

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <system_error>
 #include <tuple>
 #include <utility>
 
@@ -16,8 +17,8 @@ namespace {
 constexpr std::chrono::milliseconds kQuiet{30};
 constexpr std::chrono::milliseconds kPipeGrace{100};
 constexpr std::chrono::milliseconds kTerminationGrace{500};
-// How often to look for the end of a program where the system has no descriptor for it.
-constexpr std::chrono::milliseconds kExitInterval{20};
+// How often to look for what no descriptor tells of.
+constexpr std::chrono::milliseconds kLookInterval{20};
 constexpr std::size_t kMostDrained = 1 << 20;
 
 // What Python programs, the tool among them, need to print at once and in UTF-8.
@@ -64,23 +65,30 @@ bool StoppedJobs::WaitForNone(const std::atomic<bool>& giveUp)
 }
 
 ShellJob::ShellJob(std::string commandLine, std::shared_ptr<const OnOutput> onOutput,
-                   unique_function<void()> done, StoppedJobs& stoppedJobs)
+                   unique_function<void()> done, UiQueue& queue, StoppedJobs& stoppedJobs)
     : commandLine_(std::move(commandLine)),
       environment_(ToolEnvironment()),
       onOutput_(std::move(onOutput)),
       done_(std::move(done)),
+      queue_(queue),
       stoppedJobs_(stoppedJobs)
 {
 }
 
-void ShellJob::Start(std::function<void()> onEnd)
+void ShellJob::Start(const std::function<void()>& onEnd)
 {
-    std::ignore = MakePipe(wake_);  // Without one a stop is noticed at the next output only.
-    thread_ = std::thread([this, onEnd = std::move(onEnd)] {
-        BlockSignalsInThisThread();
-        Work();
+    std::ignore = MakePipe(wake_);  // Without one a stop is looked for from time to time.
+    try {
+        thread_ = std::thread([this, onEnd] {
+            BlockSignalsInThisThread();
+            Work();
+            onEnd();
+        });
+    } catch (const std::system_error& error) {
+        (*onOutput_)(std::string("No thread can be started: ") + error.what() + "\n");
+        ended_ = true;
         onEnd();
-    });
+    }
 }
 
 void ShellJob::Stop()
@@ -92,6 +100,7 @@ void ShellJob::Stop()
     }
     stoppedJobs_.Add();
     std::ignore = WriteFully(wake_[1], "s");
+    queue_.WakeWaiting();
 }
 
 void ShellJob::Join()
@@ -169,8 +178,8 @@ void ShellJob::Wait(const ChildProcess& child)
     for (const auto& deadline : {quietAt_, giveUpPipeAt_, killed_ ? std::nullopt : killAt_}) {
         until = std::min(until, deadline.value_or(until));
     }
-    if (!exited_ && child.exitFd() < 0) {
-        until = std::min(until, Clock::now() + kExitInterval);
+    if (child.exitFd() < 0 || wake_[0] < 0) {
+        until = std::min(until, Clock::now() + kLookInterval);
     }
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now());
     // A descriptor of -1 is passed over.
@@ -233,6 +242,8 @@ void ShellJob::CheckDeadlines(const ChildProcess& child)
 
 void ShellJob::HandOn(std::string piece)
 {
+    // What is handed on goes by the queue as a rule.
+    queue_.WaitForRoom(stopped_);
     if (!piece.empty() && !stopped_) {
         (*onOutput_)(std::move(piece));
     }

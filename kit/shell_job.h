@@ -2,6 +2,7 @@
 
 #include "child_process.h"
 #include "line_cutter.h"
+#include "ui_queue.h"
 #include "unique_function.h"
 
 #include <array>
@@ -38,10 +39,10 @@ class ShellJob {
     using OnOutput = std::function<void(std::string&&)>;
 
     ShellJob(std::string commandLine, std::shared_ptr<const OnOutput> onOutput,
-             unique_function<void()> done, StoppedJobs& stoppedJobs);
+             unique_function<void()> done, UiQueue& queue, StoppedJobs& stoppedJobs);
 
     // Starts the job's thread; `onEnd` is the last thing it calls there.
-    void Start(std::function<void()> onEnd);
+    void Start(const std::function<void()>& onEnd);
 
     // Has the program ended, and drops the completion. Returns at once; more calls do nothing.
     void Stop();
@@ -69,6 +70,7 @@ class ShellJob {
     const std::vector<std::string> environment_;
     const std::shared_ptr<const OnOutput> onOutput_;
     unique_function<void()> done_;
+    UiQueue& queue_;
     StoppedJobs& stoppedJobs_;
 
     std::thread thread_;

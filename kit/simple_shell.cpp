@@ -28,7 +28,7 @@ void SimpleShell::Run(const std::string& commandLine, unique_function<void()>&& 
     Stop();
     Runtime& runtime = Runtime::Current();
     const auto job = std::make_shared<ShellJob>(commandLine, state_->onOutput, std::move(done),
-                                                runtime.stoppedJobs());
+                                                runtime.queue(), runtime.stoppedJobs());
     if (runtime.Start(job)) {
         state_->job = job;
     }

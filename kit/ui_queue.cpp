@@ -50,21 +50,25 @@ class UiQueue::Waker {
     std::unique_ptr<QSocketNotifier> notifier_;
 };
 
-UiQueue::UiQueue() : uiThread_(std::this_thread::get_id()), waker_(std::make_unique<Waker>(*this))
-{
-}
+UiQueue::UiQueue() : waker_(std::make_unique<Waker>(*this)) {}
 
 UiQueue::~UiQueue() = default;
 
-bool UiQueue::MustWait() const
+void UiQueue::WaitForRoom(const std::atomic<bool>& giveUp)
 {
-    return tasks_.size() >= kMostTasks && !closed_ && std::this_thread::get_id() != uiThread_;
+    std::unique_lock lock(mutex_);
+    room_.wait(lock, [&] { return tasks_.size() < kMostTasks || closed_ || giveUp; });
+}
+
+void UiQueue::WakeWaiting()
+{
+    const std::lock_guard lock(mutex_);
+    room_.notify_all();
 }
 
 void UiQueue::Post(Task task)
 {
-    std::unique_lock lock(mutex_);
-    room_.wait(lock, [this] { return !MustWait(); });
+    const std::lock_guard lock(mutex_);
     tasks_.push_back(std::move(task));
     if (tasks_.size() == 1 && !closed_) {
         waker_->Raise();

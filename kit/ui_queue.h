@@ -8,13 +8,13 @@
 #include <deque>
 #include <memory>
 #include <mutex>
-#include <thread>
 
 // The one way to the user-interface thread: what is posted runs there, first in, first out.
 //
 // Made and destroyed on the user-interface thread, by the Runtime. The queue is emptied for at most
-// about 8 ms in each turn of the event loop, so that a flood of output cannot freeze the windows;
-// and it is bounded: a thread that posts faster than the other can follow waits.
+// about 8 ms in each turn of the event loop, so that a flood of output cannot freeze the windows. A
+// thread that posts as much as comes in waits for room before each task, so that the queue does not
+// grow without bounds.
 class UiQueue {
   public:
     using Task = unique_function<void()>;
@@ -24,9 +24,13 @@ class UiQueue {
     UiQueue(const UiQueue&) = delete;
     UiQueue& operator=(const UiQueue&) = delete;
 
-    // From any thread. Waits while the queue is full, but never on the user-interface thread and
-    // never after Close.
+    // From any thread. Never waits.
     void Post(Task task);
+
+    // Not on the user-interface thread. Waits while the queue is full, not after Close, and not
+    // when `giveUp` is true; who makes it true calls WakeWaiting.
+    void WaitForRoom(const std::atomic<bool>& giveUp);
+    void WakeWaiting();
 
     // From here on nothing runs and nobody waits; what is posted is kept for Purge.
     void Close();
@@ -40,12 +44,10 @@ class UiQueue {
 
     void Drain();
     bool RunNext();
-    bool MustWait() const;
 
     std::mutex mutex_;
     std::condition_variable room_;
     std::deque<Task> tasks_;
     bool closed_ = false;
-    const std::thread::id uiThread_;
     std::unique_ptr<Waker> waker_;
 };

@@ -40,15 +40,13 @@ void Stop(PluginInterface* pi)
 
 void Upload(PluginInterface* pi, std::string name)
 {
-    const EntryRef ref = RunnableDocumentOrTargeRef(pi);
-    if (ref.path().empty()) {
-        return;
-    }
     if (name.empty()) {
-        name = ref.name();
+        name = RunnableDocumentOrTargeRef(pi).name();
     }
-    const std::string line = MPRemoteExecutable(pi) + " cp " + ref.path() + " :'" + name + "'\n";
-    Execute(pi, line, {}, {});
+    const std::string path = RunnableDocumentOrTargeRef(pi).path();
+    if (!path.empty()) {
+        Execute(pi, MPRemoteExecutable(pi) + " cp " + path + " :'" + name + "'\n", {}, {});
+    }
 }
 
 void List(PluginInterface* pi)

@@ -20,6 +20,7 @@ class ChildProcess {
     ChildProcess& operator=(ChildProcess&&) = delete;
     ~ChildProcess();
 
+    pid_t pid() const { return pid_; }
     // The reading end of the pipe.
     int outputFd() const { return output_; }
     // Readable when the program has ended; -1 where the system has no such descriptor, and

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -44,11 +45,14 @@ void LimitPipe([[maybe_unused]] int fd, [[maybe_unused]] int bytes)
 #endif
 }
 
-void EndWithParent([[maybe_unused]] int signal)
+void EndWithParent(pid_t parent, int signal)
 {
 #ifdef __linux__
     prctl(PR_SET_PDEATHSIG, signal);
 #endif
+    if (getppid() != parent) {
+        raise(signal);  // It ended before it could be watched.
+    }
 }
 
 std::string ReadAvailable(int fd)
@@ -70,6 +74,9 @@ bool WriteFully(int fd, std::string_view data)
         const ssize_t n = write(fd, data.data(), data.size());
         if (n >= 0) {
             data.remove_prefix(static_cast<std::size_t>(n));
+        } else if (errno == EAGAIN) {
+            pollfd writable{fd, POLLOUT, 0};
+            poll(&writable, 1, -1);
         } else if (errno != EINTR) {
             return false;
         }

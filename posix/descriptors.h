@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <array>
 #include <string>
 #include <string_view>
@@ -15,8 +17,9 @@ void CloseDescriptor(int fd);  // -1 is allowed
 // Asks for a pipe that holds at most `bytes`; systems that cannot keep their own size.
 void LimitPipe(int fd, int bytes);
 
-// Has this process get `signal` when its parent ends, where the system can.
-void EndWithParent(int signal);
+// Has this process get `signal` when its parent ends, where the system can; at once when that has
+// happened already. `parent` is the parent's number as it knows it.
+void EndWithParent(pid_t parent, int signal);
 
 // Reads once what is there to read now, at most 64 KiB, without waiting.
 std::string ReadAvailable(int fd);

@@ -57,11 +57,12 @@ class Line {
     // As the tool connects: interrupt, raw REPL, soft reset.
     void EnterRawRepl()
     {
+        const std::string banner = "raw REPL; CTRL-B to exit\r\n>";
         Send("\r\x03\r\x01");
-        ReadTo("raw REPL; CTRL-B to exit\r\n>");
+        EXPECT_TRUE(ReadTo(banner).ends_with(banner));
         Send("\x04");
         ReadTo("soft reboot\r\n");
-        ReadTo("raw REPL; CTRL-B to exit\r\n>");
+        EXPECT_TRUE(ReadTo(banner).ends_with(banner));
     }
 
   private:
@@ -228,6 +229,29 @@ TEST(Board, UnreadInputGoesToTheNextProgramOrThePrompt)
     EXPECT_EQ(line.ReadTo(">"), "OK2\r\n\x04\x04>");
 }
 
+TEST(Board, AClientThatLeavesDoesNotTakeTheLineFromAnother)
+{
+    const BoardProcess board;
+    for (int i = 0; i < 50; ++i) {
+        Line stays(board);
+        {
+            const Line leaves(board);
+        }
+        stays.Send("\r");
+        ASSERT_TRUE(stays.ReadTo(">>> ").ends_with(">>> ")) << i;
+    }
+}
+
+TEST(Board, AProgramThatIsTooLargeIsAnErrorAndNothingMore)
+{
+    const BoardProcess board;
+    const TemporaryFolder local;
+    const auto huge = local.Write("huge.py", "x = 1\n" + std::string(6'000'000, '#'));
+    EXPECT_EQ(board.Tool({"run", huge}).output,
+              "MemoryError: the program is larger than the board's memory\r\n");
+    EXPECT_EQ(board.Tool({"exec", "print(1)"}).output, "1\r\n");
+}
+
 TEST(Board, CanBeUnpluggedInTheMiddleAndPluggedAgain)
 {
     BoardProcess board;
@@ -285,7 +309,7 @@ TEST(Board, TellsWhatIsWrong)
     const auto file = folder.Write("file", "");
     const auto notAFolder = RunProgram({QUILP_BIN "/virtual-board", file});
     EXPECT_EQ(notAFolder.status, 1);
-    EXPECT_EQ(notAFolder.output, "virtual-board: " + file + " is not a folder\n");
+    EXPECT_EQ(notAFolder.output, "virtual-board: " + file + ": Not a directory\n");
     EXPECT_EQ(RunProgram({QUILP_BIN "/virtual-board"}).status, 2);
     const auto noInterpreter =
         RunProgram({QUILP_BIN "/virtual-board", folder / "f"}, {"QUILP_MICROPYTHON=/no/such"});

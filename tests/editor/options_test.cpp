@@ -33,6 +33,7 @@ TEST(Options, BadCommandLinesAreRefusedWithTheWordThatIsWrong)
         {{"run"}, "--batch"},
         {{}, "--batch"},
         {{"--nonsense", "--batch", "run"}, "--nonsense"},
+        {{"--batch", "run", "-xy"}, "-xy"},
         {{"--batch", "run", "--document"}, "--document"},
     };
     for (const auto& row : rows) {

@@ -14,6 +14,8 @@
 
 namespace {
 
+const std::atomic<bool> kNever = false;
+
 // Tells on which thread it was destroyed.
 struct ThreadAtEnd {
     explicit ThreadAtEnd(std::thread::id& where) : id(&where) {}
@@ -32,6 +34,7 @@ TEST(UiQueue, RunsWhatEachThreadPostedInItsOrderOnTheUiThread)
     bool elsewhere = false;
     const auto post = [&](int who) {
         for (int i = 0; i < kTasks; ++i) {
+            queue.WaitForRoom(kNever);
             queue.Post([&, who, i] {
                 elsewhere |= std::this_thread::get_id() != ui;
                 order[who].push_back(i);
@@ -72,12 +75,13 @@ TEST(UiQueue, AFloodLeavesTurnsToOtherEvents)
     std::atomic<bool> stop = false;
     std::jthread flood([&] {
         while (!stop) {
-            queue.Post([] { std::this_thread::yield(); });
+            queue.WaitForRoom(kNever);
+            queue.Post([] { std::this_thread::sleep_for(std::chrono::milliseconds(1)); });
         }
     });
     using Clock = std::chrono::steady_clock;
     std::chrono::milliseconds longest{0};
-    for (int turn = 0; turn < 50; ++turn) {
+    for (int turn = 0; turn < 20; ++turn) {
         const auto begin = Clock::now();
         QCoreApplication::processEvents();
         longest =
@@ -99,12 +103,14 @@ TEST(UiQueue, CloseFreesWhoWaitsAndPurgeDestroysTheRestOnTheUiThread)
     std::jthread flood([&] {
         queue.Post([&ran, guard = std::make_unique<ThreadAtEnd>(destroyedOn)] { ran = true; });
         for (; posted < 5000; ++posted) {
+            queue.WaitForRoom(kNever);
             queue.Post([&ran] { ran = true; });
         }
     });
     while (posted < 500) {  // Nobody takes anything out: it will wait soon.
         std::this_thread::yield();
     }
+    EXPECT_LT(posted, 600);
     queue.Close();
     flood.join();
     EXPECT_EQ(posted, 5000);

@@ -139,9 +139,9 @@ TEST_F(Commands, ExecuteReplacesWhatRunsAndDropsItsCompletion)
     bool secondDone = false;
     Execute(
         &host, QUILP_TEST_BIN "/misbehave flood\n", [](auto...) {}, [&] { firstDone = true; });
-    const std::weak_ptr<SimpleShell> first = gShell;
+    const auto first = gShell;  // Stopped, not only released.
     Execute(&host, MPRemoteExecutable(&host) + " ls \n", {}, [&] { secondDone = true; });
-    EXPECT_TRUE(first.expired());
+    EXPECT_EQ(first.use_count(), 1);
     EXPECT_EQ(host.WorksheetWhenIdle(), "[ls]\n");
     EXPECT_FALSE(firstDone);
     EXPECT_TRUE(secondDone);

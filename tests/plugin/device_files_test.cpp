@@ -138,30 +138,13 @@ TEST_F(DeviceFiles, ACommandOfTheUsersEndsTheChainAtWhateverMoment)
     }
 }
 
-TEST_F(DeviceFiles, TheDocumentCommandsSendTheirLines)
+TEST_F(DeviceFiles, UploadDoesNothingWithoutAFileAndTheTemplateRunsNothing)
 {
-    struct Row {
-        const char* name;
-        std::function<void()> command;
-        std::string output;
-    };
-    const Row rows[] = {
-        {"upload", [this] { Upload(&host, ""); }, "[cp]\n[/p/blink.py]\n[:blink.py]\n"},
-        {"upload as main", [this] { Upload(&host, "main.py"); },
-         "[cp]\n[/p/blink.py]\n[:main.py]\n"},
-        {"list", [this] { List(&host); }, "[ls]\n"},
-        {"template", [this] { DumpUpload(&host); }, host.toolLine() + " cp '<from>':'<to>'"},
-    };
-    host.language = kPythonLanguage;
-    host.document = "/p/blink.py";
-    for (const auto& row : rows) {
-        row.command();
-        EXPECT_EQ(host.WorksheetWhenIdle(), row.output) << row.name;
-    }
-    host.language = 0;
-    Stop();
+    Upload(&host, "");
     Upload(&host, "main.py");
+    DumpUpload(&host);
     EXPECT_FALSE(Running());
+    EXPECT_EQ(host.worksheet, host.toolLine() + " cp '<from>':'<to>'");
 }
 
 TEST_F(DeviceFilesOnBoard, ListsCopiesAndDeletes)

@@ -62,6 +62,49 @@ TEST_F(Messages, AKnownCommandIsAcknowledgedAlsoWhenThereIsNothingToRun)
         EXPECT_EQ(Command(name), 2) << name;
         EXPECT_FALSE(Running()) << name;
     }
+    host.currentTarget = true;
+    host.target = "/t.c";
+    for (const char* name : {"QuilpRun", "QuilpUpload", "QuilpUploadAsMain"}) {
+        EXPECT_EQ(Command(name), 2) << name;
+        EXPECT_FALSE(Running()) << name;
+    }
+    EXPECT_EQ(PluginMain(100, &host), 1);  // The button does not ask for the language.
+    EXPECT_EQ(host.WorksheetWhenIdle(), "[run]\n[/t.c]\n");
+}
+
+TEST_F(Messages, EachCommandSendsItsLine)
+{
+    struct Row {
+        const char* name;
+        std::string output;
+    };
+    const Row rows[] = {
+        {"QuilpRun", "[run]\n[/p/blink.py]\n"},
+        {"QuilpUpload", "[cp]\n[/p/blink.py]\n[:blink.py]\n"},
+        {"QuilpUploadAsMain", "[cp]\n[/p/blink.py]\n[:main.py]\n"},
+        {"QuilpList", "[ls]\n"},
+    };
+    host.language = kPythonLanguage;
+    host.document = "/p/blink.py";
+    for (const auto& row : rows) {
+        EXPECT_EQ(Command(row.name), 2);
+        EXPECT_EQ(host.WorksheetWhenIdle(), row.output);
+    }
+    EXPECT_EQ(Command("QuilpStop"), 2);
+    EXPECT_FALSE(Running());
+    EXPECT_EQ(PluginMain(100, &host), 1);
+    host.language = 0;
+    Stop();
+    EXPECT_EQ(PluginMain(100, &host), 0);
+    EXPECT_FALSE(Running());
+}
+
+TEST_F(Messages, MenuAndSettingsAreAcknowledged)
+{
+    host.settingsArgv = nullptr;
+    for (const int message : {101, 104, 400}) {
+        EXPECT_EQ(PluginMain(message, &host), 1) << message;
+    }
 }
 
 TEST_F(Messages, TheButtonIsOfferedForPythonOrATargetWithAsFewQuestionsAsNeeded)

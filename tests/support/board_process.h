@@ -36,7 +36,6 @@ class BoardProcess {
 
   private:
     void Start();
-    bool WaitForLink(bool present) const;
 
     TemporaryFolder files_;
     TemporaryFolder run_;

@@ -77,18 +77,22 @@ void TellTermination(Arguments words)
 // The child of this one holds the pipe and does not end with its parent.
 void LeaveGrandchild(Arguments)
 {
-    if (fork() == 0) {
+    const pid_t grandchild = fork();
+    if (grandchild == 0) {
         signal(SIGTERM, SIG_IGN);
         SleepForEver();
     }
-    Print("parent ends\n");
+    Print(std::to_string(grandchild) + "\n");
 }
 
+// The child of this one has let go of the pipe, too.
 void GrandchildIgnoresTermination(Arguments)
 {
     const pid_t grandchild = fork();
     if (grandchild == 0) {
         signal(SIGTERM, SIG_IGN);
+        close(STDOUT_FILENO);
+        close(STDERR_FILENO);
         SleepForEver();
     }
     Print(std::to_string(grandchild) + "\n");

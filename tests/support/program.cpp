@@ -1,9 +1,11 @@
 #include "program.h"
 
 #include "descriptors.h"
+#include "wait.h"
 
 #include <poll.h>
 #include <signal.h>
+#include <sys/ioctl.h>
 
 #include <stdexcept>
 
@@ -71,6 +73,20 @@ bool BackgroundProgram::WaitForOutput(const std::string& text, std::chrono::mill
         }
     }
     return true;
+}
+
+int BackgroundProgram::UnreadOutput() const
+{
+    int bytes = 0;
+    ioctl(process_.outputFd(), FIONREAD, &bytes);
+    return bytes;
+}
+
+long BackgroundProgram::ResidentMemory() const
+{
+    const std::string status = ReadFile("/proc/" + std::to_string(process_.pid()) + "/status");
+    const auto at = status.find("VmRSS:");
+    return at == std::string::npos ? 0 : std::stol(status.substr(at + 6));
 }
 
 bool BackgroundProgram::WaitForExit(std::chrono::milliseconds patience)

@@ -31,6 +31,12 @@ class BackgroundProgram {
     const std::string& output() const { return output_; }
     void Signal(int number) { process_.SignalGroup(number); }
     bool WaitForExit(std::chrono::milliseconds patience);
+    pid_t pid() const { return process_.pid(); }
+    bool HasExited() const { return process_.HasExited(); }
+    // How many bytes it has printed that nobody has read.
+    int UnreadOutput() const;
+    // Its resident memory in KiB; 0 when it cannot be told.
+    long ResidentMemory() const;
 
   private:
     ChildProcess process_;
