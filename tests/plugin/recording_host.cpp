@@ -26,7 +26,7 @@ RecordingHost::RecordingHost(Runtime& runtime) : runtime_(runtime), bundle_{fold
 
 std::string RecordingHost::WorksheetWhenIdle()
 {
-    WaitUntil([this] { return runtime_.IsIdle(); });
+    EXPECT_TRUE(WaitUntil([this] { return runtime_.IsIdle(); }));
     return std::exchange(worksheet, {});
 }
 

@@ -91,11 +91,10 @@ void GrandchildIgnoresTermination(Arguments)
     const pid_t grandchild = fork();
     if (grandchild == 0) {
         signal(SIGTERM, SIG_IGN);
+        Print(std::to_string(getpid()) + "\n");
         close(STDOUT_FILENO);
         close(STDERR_FILENO);
-        SleepForEver();
     }
-    Print(std::to_string(grandchild) + "\n");
     SleepForEver();
 }
 
