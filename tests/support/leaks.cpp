@@ -1,5 +1,7 @@
 #include "leaks.h"
 
+#include "wait.h"
+
 #include <sys/wait.h>
 
 #include <cerrno>
@@ -22,6 +24,12 @@ Holdings CurrentHoldings()
     siginfo_t info{};
     const bool none = waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) < 0 && errno == ECHILD;
     return {CountEntries("/proc/self/fd"), CountEntries("/proc/self/task"), !none};
+}
+
+Holdings SettledHoldings(const Holdings& expected)
+{
+    WaitUntil([&] { return CurrentHoldings() == expected; }, std::chrono::seconds(2));
+    return CurrentHoldings();
 }
 
 void PrintTo(const Holdings& holdings, std::ostream* out)

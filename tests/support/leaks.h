@@ -15,5 +15,9 @@ struct Holdings {
 
 Holdings CurrentHoldings();
 
+// The current ones, given a moment to become the expected: the system takes a thread that has ended
+// off its list a little later.
+Holdings SettledHoldings(const Holdings& expected);
+
 // For failure messages.
 void PrintTo(const Holdings& holdings, std::ostream* out);
