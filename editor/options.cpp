@@ -124,6 +124,12 @@ std::expected<Options, std::string> ParseOptions(const std::vector<std::string>&
                 (c == kWord ? " is not a command" : " is not an option, or lacks its value"));
         }
     }
+    for (int i = optind; i < count; ++i) {  // Behind "--".
+        const auto at = static_cast<std::size_t>(i);
+        if (!Take(options, kWord, words[at])) {
+            return std::unexpected(std::string(words[at]) + " is not a command");
+        }
+    }
     if (!options.help && (!options.batch || options.commands.empty())) {
         return std::unexpected("--batch and at least one command are needed");
     }

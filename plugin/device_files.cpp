@@ -31,7 +31,6 @@ struct DeleteState {
 void DeleteLast(PluginInterface* pi, const std::shared_ptr<DeleteState>& state)
 {
     if (state->paths.empty()) {
-        state->next = nullptr;
         if (auto done = std::exchange(state->done, {})) {
             done();
         }
@@ -61,11 +60,16 @@ void Delete(PluginInterface* pi, const std::vector<std::string>& paths,
             unique_function<void()>&& done)
 {
     const auto state = std::make_shared<DeleteState>(DeleteState{{}, paths, std::move(done)});
+    if (!paths.empty()) {
+        // What runs would be stopped by the first deletion. Stopped now, its completion cannot
+        // start a command that would look like the user's.
+        ResetShell();
+    }
     state->next = [weak = std::weak_ptr(state), rebind = pi->MakeRebinder(0)] {
-        // Between two deletions the user may start a command, which must not be stopped by the
-        // next: the step goes on only with the shell that it was posted for.
-        rebind([state = weak.lock(), shell = gShell](PluginInterface* p) {
-            if (gShell == shell) {
+        // Before a step comes to run the user may start a command, which the step must not stop,
+        // or stop everything.
+        rebind([state = weak.lock(), count = CommandCount()](PluginInterface* p) {
+            if (CommandCount() == count) {
                 DeleteLast(p, state);
             }
         });

@@ -29,7 +29,8 @@ void Delete(PluginInterface* pi, const std::vector<std::string>& paths,
             unique_function<void()>&& done);
 
 // Copies the first of the local files, or the folder with its contents, into a directory of the
-// board. The command and its output are shown in the worksheet. Does nothing without a file.
+// board. The command and its output are shown in the worksheet. Without a file it does
+// nothing and does not call `done`.
 void CopyToDevice(PluginInterface* pi, const std::vector<std::string>& files,
                   const std::string& dir, unique_function<void()>&& done);
 

@@ -7,6 +7,17 @@
 std::shared_ptr<SimpleShell> gShell;
 std::string gRunningCommand;
 
+namespace {
+
+unsigned commandCount = 0;
+
+}  // namespace
+
+unsigned CommandCount()
+{
+    return commandCount;
+}
+
 std::string MPRemoteExecutable(PluginInterface* pi)
 {
     return ResourcePathFromBundle(pi->bundle) + "/mpremote/mpremote.py";
@@ -37,6 +48,7 @@ bool Running()
 
 void ResetShell()
 {
+    ++commandCount;
     if (gShell) {
         gShell->Stop();
     }

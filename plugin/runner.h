@@ -39,5 +39,8 @@ void ResetShell();
 // Stops what runs, and forgets the shell and the name of the file.
 void Stop();
 
+// Changes whenever a command line is started or what runs is stopped.
+unsigned CommandCount();
+
 // Writes text into the worksheet as the plug-in always does it; an OutputHandler.
 void WriteToWorksheet(PluginInterface* pi, const std::string& text);

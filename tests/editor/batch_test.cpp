@@ -90,25 +90,38 @@ TEST(Batch, StopStopsTheBoardItselfAndTheNextRunsAllWork)
     const TemporaryFolder local;
     const auto script = local.Write("s.py", "print('x')\n");
     Words fifty{"--document", script, "--batch"};
-    fifty.insert(fifty.end(), 50, "run");
     std::string expected;
     for (int i = 0; i < 50; ++i) {
+        fifty.emplace_back("run");
         expected += "x\r\n";
     }
     EXPECT_EQ(RunEditor(fifty, board.variables()).output, expected);
 }
 
-TEST(Batch, AnInterruptedEditorStopsTheBoardAndEnds)
+TEST(Batch, AnInterruptedEditorStopsTheBoardAndLeavesTheOtherCommandsOut)
 {
     const BoardProcess board;
     for (const int number : {SIGINT, SIGTERM}) {
-        BackgroundProgram editor(Editor({"--document", kExamples + "blink.py", "--batch", "run"}),
-                                 board.variables());
+        BackgroundProgram editor(
+            Editor({"--document", kExamples + "blink.py", "--batch", "run", "upload", "list"}),
+            board.variables());
         ASSERT_TRUE(editor.WaitForOutput("on"));
         editor.Signal(number);
         EXPECT_TRUE(editor.WaitForExit(std::chrono::seconds(2)));
+        EXPECT_EQ(editor.output().find("ls"), std::string::npos) << editor.output();
+        EXPECT_EQ(editor.Status(), 128 + number);
         EXPECT_TRUE(board.IsAtPrompt());
     }
+}
+
+TEST(Batch, OutputThatCannotBeWrittenEndsTheEditor)
+{
+    const std::string editor = QUILP_BIN "/quilp-editor --batch help wait=60";
+    const auto full = RunProgram({"sh", "-c", editor + " >/dev/full; echo $?"});
+    EXPECT_EQ(full.output, "quilp-editor: standard output: No space left on device\n1\n");
+    // A reader that has left is no news.
+    const auto left = RunProgram({"sh", "-c", "{ sleep 0.2; " + editor + "; } | true"});
+    EXPECT_EQ(left.output, "");
 }
 
 TEST(Batch, AProgramThatPrintsWithoutEndNeedsNoMoreMemoryAndStopsAtOnce)

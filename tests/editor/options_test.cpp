@@ -5,7 +5,7 @@
 TEST(Options, GoodCommandLinesAreUnderstood)
 {
     const auto options = ParseOptions({"--virtual-board=/b", "--document", "a b.py", "--batch",
-                                       "run", "wait=0.5", "--target=t.py", "upload-as-main"});
+                                       "run", "wait=0.5", "--target=t.py", "--", "upload-as-main"});
     ASSERT_TRUE(options) << options.error();
     EXPECT_TRUE(options->virtualBoard);
     EXPECT_EQ(options->boardFolder, "/b");
@@ -29,8 +29,8 @@ TEST(Options, BadCommandLinesAreRefusedWithTheWordThatIsWrong)
         {{"--batch", "wait=-1"}, "wait=-1"},
         {{"--batch", "wait=nan"}, "wait=nan"},
         {{"--batch", "wait=1e99"}, "wait=1e99"},
-        {{"--batch"}, "--batch"},
         {{"run"}, "--batch"},
+        {{"--batch", "run", "--", "--batch"}, "--batch"},
         {{}, "--batch"},
         {{"--nonsense", "--batch", "run"}, "--nonsense"},
         {{"--batch", "run", "-xy"}, "-xy"},

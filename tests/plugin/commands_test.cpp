@@ -146,22 +146,3 @@ TEST_F(Commands, ExecuteReplacesWhatRunsAndDropsItsCompletion)
     EXPECT_FALSE(firstDone);
     EXPECT_TRUE(secondDone);
 }
-
-TEST_F(Commands, ResetShellStopsAndKeepsTheShell)
-{
-    ResetShell();
-    EXPECT_FALSE(Running());
-    bool done = false;
-    Execute(
-        &host, QUILP_TEST_BIN "/misbehave flood\n", [](auto...) {}, [&] { done = true; });
-    ResetShell();
-    EXPECT_TRUE(Running());
-    host.WorksheetWhenIdle();
-    EXPECT_FALSE(done);
-}
-
-TEST_F(Commands, WithoutABundleTheToolIsLookedForAtTheRoot)
-{
-    host.bundle = nullptr;
-    EXPECT_EQ(MPRemoteExecutable(&host), "/mpremote/mpremote.py");
-}

@@ -2,11 +2,14 @@
 
 #include "board_process.h"
 #include "commands.h"
+#include "leaks.h"
 #include "recording_host.h"
 #include "runner.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <filesystem>
 
 namespace {
@@ -61,9 +64,11 @@ TEST_F(DeviceFiles, EachOperationSendsItsLineAndHandsOnItsOutput)
     CopyToDevice(&host, {file, "/other"}, "/lib", Done());
     EXPECT_EQ(host.WorksheetWhenIdle(),
               host.toolLine() + " cp '" + file + "' :'/lib'[cp]\n[" + file + "]\n[:/lib]\n");
-    CopyToDevice(&host, {local.path()}, "/", Done());
-    EXPECT_EQ(host.WorksheetWhenIdle(), host.toolLine() + " cp  -r '" + local.path() +
-                                            "' :'/'[cp]\n[-r]\n[" + local.path() + "]\n[:/]\n");
+    const auto link = local / "link";
+    std::filesystem::create_directory_symlink(local.path(), link);
+    CopyToDevice(&host, {link}, "/", Done());
+    EXPECT_EQ(host.WorksheetWhenIdle(),
+              host.toolLine() + " cp  -r '" + link + "' :'/'[cp]\n[-r]\n[" + link + "]\n[:/]\n");
     EXPECT_EQ(done, 4);
     CopyToDevice(&host, {}, "/", Done());
     EXPECT_EQ(host.WorksheetWhenIdle(), "");
@@ -114,34 +119,55 @@ TEST_F(DeviceFiles, NothingIsKeptAliveByAChainThatHasEndedOrWasBrokenOff)
     EXPECT_TRUE(WaitUntil([&] { return captured.use_count() == 1; }));
 }
 
-TEST_F(DeviceFiles, ACommandOfTheUsersEndsTheChainAtWhateverMoment)
+TEST_F(DeviceFiles, ACommandOrAStopOfTheUsersEndsTheChainAtWhateverMoment)
 {
+    enum Moment { kBeforeTheFirst, kDuringTheFirst, kBetween, kAfterTheLast };
     host.language = kPythonLanguage;
     host.document = "/p.py";
-    // Before the first deletion, while it runs, and between its end and the next.
-    for (const int deletionsBefore : {0, 1, 2}) {
-        SCOPED_TRACE(deletionsBefore);
-        Delete(&host, {"/a", "/b"}, Done());
-        if (deletionsBefore == 1) {
-            WaitUntil([this] { return !runtime.IsIdle(); });
-        } else if (deletionsBefore == 2) {
-            // The first ends while nobody looks; then its completion posts the next step.
-            WaitUntil([this] { return host.worksheet.ends_with("[:/b]\n"); });
-            std::shared_ptr<SimpleShell> shell = gShell;
-            WaitUntil([&] { return runtime.IsIdle() || gShell != shell; });
+    for (const bool stops : {false, true}) {
+        for (const auto moment : {kBeforeTheFirst, kDuringTheFirst, kBetween, kAfterTheLast}) {
+            SCOPED_TRACE(std::to_string(moment) + (stops ? " stop" : " run"));
+            Stop();
+            if (moment == kBeforeTheFirst) {
+                host.HoldWork();
+            }
+            Delete(&host, moment == kAfterTheLast ? Lines{"/b"} : Lines{"/a", "/b"}, Done());
+            if (moment != kBeforeTheFirst) {
+                ASSERT_TRUE(WaitUntil([this] { return !runtime.IsIdle(); }));
+                host.HoldWork();
+            }
+            if (moment == kBetween || moment == kAfterTheLast) {
+                EXPECT_EQ(host.WorksheetWhenIdle(), "[rm]\n[-r]\n[:/b]\n");
+            }
+            stops ? Stop(&host) : static_cast<void>(::Run(&host));
+            host.ReleaseWork();
+            const std::string after = host.WorksheetWhenIdle();
+            EXPECT_EQ(after.ends_with("[run]\n[/p.py]\n"), !stops) << after;
+            EXPECT_EQ(after.find("[:/a]"), std::string::npos) << after;
+            EXPECT_EQ(done, 0);
         }
-        ::Run(&host);
-        const std::string before = std::exchange(host.worksheet, {});
-        const std::string after = host.WorksheetWhenIdle();
-        EXPECT_TRUE(after.ends_with("[run]\n[/p.py]\n")) << before << "--" << after;
-        EXPECT_EQ(done, 0);
     }
+}
+
+TEST_F(DeviceFiles, ADeletionIsNotTakenForOvertakenByWhatItStops)
+{
+    DirectoryListing(&host, "/", Collect(), [this] { GetDeviceName(&host, Collect(), {}); });
+    const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (CurrentHoldings().children && std::chrono::steady_clock::now() < patience) {
+        // The listing ends, and its end waits in the queue.
+    }
+    Delete(&host, {"/a"}, Done());
+    EXPECT_TRUE(WaitUntil([this] { return done == 1; }));
 }
 
 TEST_F(DeviceFiles, UploadDoesNothingWithoutAFileAndTheTemplateRunsNothing)
 {
+    host.language = kPythonLanguage;  // With an empty reference.
+    host.log.clear();
     Upload(&host, "");
+    EXPECT_EQ(std::ranges::count(host.log, "DocumentRef"), 2);
     Upload(&host, "main.py");
+    EXPECT_EQ(std::ranges::count(host.log, "DocumentRef"), 3);
     DumpUpload(&host);
     EXPECT_FALSE(Running());
     EXPECT_EQ(host.worksheet, host.toolLine() + " cp '<from>':'<to>'");

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <thread>
 #include <tuple>
 #include <utility>
 
@@ -22,6 +23,14 @@ RecordingHost::RecordingHost(Runtime& runtime) : runtime_(runtime), bundle_{fold
     const auto tool = folder_.Write("Resources/mpremote/mpremote.py", kTool);
     std::filesystem::permissions(tool, std::filesystem::perms::owner_all);
     bundle = &bundle_;
+}
+
+void RecordingHost::ReleaseWork()
+{
+    holdsWork_ = false;
+    for (const auto& work : std::exchange(heldWork_, {})) {
+        work(this);
+    }
 }
 
 std::string RecordingHost::WorksheetWhenIdle()
@@ -72,7 +81,13 @@ void RecordingHost::WriteSettings(const char* format, ...)
 PluginInterface::Rebinder RecordingHost::MakeRebinder(std::int32_t kind)
 {
     EXPECT_EQ(kind, 0);
-    return [this](const PluginWork& work) { runtime_.queue().Post([this, work] { work(this); }); };
+    return [this, ui = std::this_thread::get_id()](const PluginWork& work) {
+        if (std::this_thread::get_id() == ui && holdsWork_) {
+            heldWork_.push_back(work);
+        } else {
+            runtime_.queue().Post([this, work] { work(this); });
+        }
+    };
 }
 
 void RecordingHost::InsertInWorksheet(const std::string& text, const std::string& second,

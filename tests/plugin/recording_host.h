@@ -20,6 +20,9 @@ class RecordingHost final : public PluginInterface {
     void UseRealTool() { bundle_.path = QUILP_BUNDLE; }
     // What the tool prints after its words.
     void ToolSays(const std::string& text) { folder_.Write("Resources/mpremote/says", text); }
+    // From now on work that is posted on this thread waits for ReleaseWork.
+    void HoldWork() { holdsWork_ = true; }
+    void ReleaseWork();
     // Runs the event loop until no command runs. Returns the worksheet, and empties it.
     std::string WorksheetWhenIdle();
 
@@ -56,4 +59,6 @@ class RecordingHost final : public PluginInterface {
     Runtime& runtime_;
     TemporaryFolder folder_;
     PluginBundle bundle_;
+    bool holdsWork_ = false;
+    std::vector<PluginWork> heldWork_;
 };

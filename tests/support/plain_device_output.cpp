@@ -67,6 +67,15 @@ bool Cover(std::string_view text, const std::vector<Run>& runs, std::vector<std:
     return false;
 }
 
+// A long line with such a byte inside is passed over.
+bool IsPassedOver(const std::string& line)
+{
+    const auto at = line.find_first_of("\r\n\v\f");
+    const bool inside = at != std::string::npos && line.substr(at) != "\r" &&
+                        line.substr(at) != "\n" && line.substr(at) != "\r\n";
+    return line.size() > 1000 && inside;
+}
+
 const Run kCarriageReturn{Is<'\r'>, 0, 1};
 const Run kLineFeed{Is<'\n'>, 0, 1};
 
@@ -78,7 +87,7 @@ decltype(ParseDirLine("")) PlainParseDirLine(const std::string& line)
                                        {IsBlank, 1, kMany}, {IsInLine, 1, kMany},
                                        kCarriageReturn,     kLineFeed};
     std::vector<std::string> parts;
-    if (!Cover(line, runs, parts)) {
+    if (IsPassedOver(line) || !Cover(line, runs, parts)) {
         return std::nullopt;
     }
     return std::pair(parts[1], parts[3]);
@@ -91,7 +100,8 @@ decltype(ParseDeviceLine("")) PlainParseDeviceLine(const std::string& line)
         {IsHex, 1, kMany},    {Is<':'>, 1, 1},     {IsHex, 1, kMany}, {IsBlank, 1, kMany},
         {IsInLine, 1, kMany}, kCarriageReturn,     kLineFeed};
     std::vector<std::string> parts;
-    if (!line.starts_with("/dev/") || !Cover(std::string_view(line).substr(5), runs, parts)) {
+    if (IsPassedOver(line) || !line.starts_with("/dev/") ||
+        !Cover(std::string_view(line).substr(5), runs, parts)) {
         return std::nullopt;
     }
     return std::tuple(parts[8], "/dev/" + parts[0], parts[2], parts[4] + ":" + parts[6]);

@@ -32,6 +32,8 @@ class BackgroundProgram {
     void Signal(int number) { process_.SignalGroup(number); }
     bool WaitForExit(std::chrono::milliseconds patience);
     pid_t pid() const { return process_.pid(); }
+    // The exit status, once it has ended.
+    int Status() { return process_.Reap(); }
     bool HasExited() const { return process_.HasExited(); }
     // How many bytes it has printed that nobody has read.
     int UnreadOutput() const;
