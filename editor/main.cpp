@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -28,7 +29,9 @@ namespace {
 
 enum ExitStatus : int { kSuccess = 0, kFailure = 1, kUsageError = 2, kNoPlugin = 3 };
 
+// Readable once a signal has asked the program to end.
 std::array<int, 2> signalPipe{-1, -1};
+volatile std::sig_atomic_t lastSignal = 0;
 
 int Complain(const std::string& message, int status)
 {
@@ -39,12 +42,12 @@ int Complain(const std::string& message, int status)
 void PassOnSignal(int number)
 {
     const int error = errno;
-    const char byte = static_cast<char>(number);
-    std::ignore = write(signalPipe[1], &byte, 1);
+    lastSignal = number;
+    std::ignore = write(signalPipe[1], "s", 1);
     errno = error;
 }
 
-// From here on signals that ask to end are bytes in the signal pipe.
+// From here on a signal that asks to end makes the signal pipe readable.
 void CatchSignals()
 {
     if (!MakePipe(signalPipe)) {
@@ -132,10 +135,9 @@ int RunBatch(const Options& options, const Files& files, const PluginModule& plu
     running = &batch;
     QSocketNotifier onSignal(signalPipe[0], QSocketNotifier::Read);
     QObject::connect(&onSignal, &QSocketNotifier::activated, [&] {
-        for (const char number : ReadAvailable(signalPipe[0])) {
-            output.StopWaiting();
-            batch.Interrupt(128 + number);
-        }
+        // The byte stays where it is, so that text no longer waits for its reader.
+        onSignal.setEnabled(false);
+        batch.Interrupt(128 + lastSignal);
     });
     batch.Start();
     const int status = QCoreApplication::exec();

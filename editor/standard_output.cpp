@@ -13,7 +13,7 @@
 bool StandardOutput::IsReady() const
 {
     std::array<pollfd, 2> fds{{{STDOUT_FILENO, POLLOUT, 0}, {interruptFd_, POLLIN, 0}}};
-    while (poll(fds.data(), fds.size(), waits_ ? -1 : 0) < 0 && errno == EINTR) {
+    while (poll(fds.data(), fds.size(), -1) < 0 && errno == EINTR) {
     }
     return fds[0].revents != 0;
 }
