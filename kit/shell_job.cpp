@@ -175,7 +175,8 @@ bool ShellJob::IsFinished() const
 void ShellJob::Wait(const ChildProcess& child)
 {
     auto until = Clock::now() + std::chrono::hours(1);
-    for (const auto& deadline : {quietAt_, giveUpPipeAt_, killed_ ? std::nullopt : killAt_}) {
+    for (const auto& deadline :
+         {quietAt_, killAt_ ? std::nullopt : giveUpPipeAt_, killed_ ? std::nullopt : killAt_}) {
         until = std::min(until, deadline.value_or(until));
     }
     if (child.exitFd() < 0 || wake_[0] < 0) {
