@@ -6,7 +6,6 @@
 #include <poll.h>
 #include <unistd.h>
 
-#include <array>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>

@@ -204,9 +204,7 @@ void ShellJob::ReadOutput(const ChildProcess& child)
         outputOpen_ = false;
         return;
     }
-    for (auto& piece : cutter_.Feed(bytes)) {
-        HandOn(std::move(piece));
-    }
+    HandOnLines(bytes);
     quietAt_.reset();
     if (cutter_.hasUnfinished()) {
         quietAt_ = Clock::now() + kQuiet;
@@ -222,9 +220,7 @@ void ShellJob::DrainAfterExit(const ChildProcess& child)
             return;
         }
         drained += bytes.size();
-        for (auto& piece : cutter_.Feed(bytes)) {
-            HandOn(std::move(piece));
-        }
+        HandOnLines(bytes);
     }
 }
 
@@ -238,6 +234,13 @@ void ShellJob::CheckDeadlines(const ChildProcess& child)
     if (killAt_ && !killed_ && now >= *killAt_) {
         child.SignalGroup(SIGKILL);
         killed_ = true;
+    }
+}
+
+void ShellJob::HandOnLines(std::string_view bytes)
+{
+    for (auto& piece : cutter_.Feed(bytes)) {
+        HandOn(std::move(piece));
     }
 }
 

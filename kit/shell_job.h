@@ -14,6 +14,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <vector>
 
@@ -64,6 +65,7 @@ class ShellJob {
     void DrainAfterExit(const ChildProcess& child);
     void CheckDeadlines(const ChildProcess& child);
     bool IsFinished() const;
+    void HandOnLines(std::string_view bytes);
     void HandOn(std::string piece);
 
     const std::string commandLine_;

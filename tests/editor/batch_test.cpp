@@ -253,10 +253,7 @@ TEST(Batch, EveryCommandWorksOnTheBoard)
 {
     const BoardProcess board;
     const TemporaryFolder local;
-    std::string bytes;
-    for (int i = 0; i < 256; ++i) {
-        bytes += static_cast<char>(i);
-    }
+    const std::string bytes = EveryByte();
     struct Row {
         const char* name;
         std::string content;

@@ -177,10 +177,7 @@ TEST_F(DeviceFiles, UploadDoesNothingWithoutAFileAndTheTemplateRunsNothing)
 TEST_F(DeviceFilesOnBoard, ListsCopiesAndDeletes)
 {
     const TemporaryFolder local;
-    std::string binary;
-    for (int i = 0; i < 256; ++i) {
-        binary += static_cast<char>(i);
-    }
+    const std::string binary = EveryByte();
     local.Write("tree/sub/naïve name.bin", binary);
     local.Write("tree/empty", "");
 

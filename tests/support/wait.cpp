@@ -43,6 +43,15 @@ std::string TemporaryFolder::Write(const std::string& name, std::string_view con
     return file.string();
 }
 
+std::string EveryByte()
+{
+    std::string bytes;
+    for (int i = 0; i < 256; ++i) {
+        bytes += static_cast<char>(i);
+    }
+    return bytes;
+}
+
 std::string ReadFile(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);

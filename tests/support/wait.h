@@ -27,5 +27,8 @@ class TemporaryFolder {
     std::filesystem::path path_;
 };
 
+// All 256 values that a byte can have.
+std::string EveryByte();
+
 // The content of a file; empty when it cannot be read.
 std::string ReadFile(const std::string& path);
