@@ -1,6 +1,10 @@
 #include "runtime.h"
 
+#include "Looper.h"
 #include "shell_job.h"
+
+#include <QCoreApplication>
+#include <QEvent>
 
 #include <algorithm>
 #include <cassert>
@@ -53,6 +57,52 @@ void Runtime::JobEnded(const ShellJob* job)
     }
 }
 
+void Runtime::Keep(std::shared_ptr<BLooper> window)
+{
+    if (!shutDown_ && std::ranges::find(windows_, window) == windows_.end()) {
+        windows_.push_back(std::move(window));
+    }
+}
+
+void Runtime::Release(const BLooper* window)
+{
+    const auto found =
+        std::ranges::find(windows_, window, [](const auto& candidate) { return candidate.get(); });
+    if (found == windows_.end()) {
+        return;
+    }
+    const auto released = std::move(*found);
+    windows_.erase(found);
+    if (onWindowClosed_) {
+        onWindowClosed_();
+    }
+}
+
+void Runtime::CloseWindows()
+{
+    for (const auto& window : std::vector(windows_)) {
+        Protect([&] {
+            if (window->QuitRequested()) {
+                window->Quit();
+            }
+        });
+    }
+}
+
+void Runtime::Protect(const std::function<void()>& call)
+{
+    if (!onError_) {
+        return call();
+    }
+    try {
+        call();
+    } catch (const std::exception& error) {
+        onError_(error.what());
+    } catch (...) {
+        onError_("something that is no std::exception was thrown");
+    }
+}
+
 void Runtime::ShutDown()
 {
     if (std::exchange(shutDown_, true)) {
@@ -66,5 +116,7 @@ void Runtime::ShutDown()
         job->Join();
     }
     jobs_.clear();
+    windows_.clear();
     queue_.Purge();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);  // The windows' widgets.
 }

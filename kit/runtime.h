@@ -5,8 +5,10 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
+class BLooper;
 class ShellJob;
 class StoppedJobs;
 
@@ -32,8 +34,27 @@ class Runtime {
     // Called on the user-interface thread when the last command has ended and its completion ran.
     void SetIdleHandler(std::function<void()> handler) { onIdle_ = std::move(handler); }
 
+    // The windows that are open. Kept alive until they quit; `handler` is called when one did.
+    void Keep(std::shared_ptr<BLooper> window);
+    void Release(const BLooper* window);
+    void SetWindowClosedHandler(std::function<void()> handler)
+    {
+        onWindowClosed_ = std::move(handler);
+    }
+    // Asks every window to close, as its user would.
+    void CloseWindows();
+
+    // Calls into a plug-in's code. What it throws is told to the handler, as a sentence; without
+    // one it is thrown on.
+    void Protect(const std::function<void()>& call);
+    void SetErrorHandler(std::function<void(const std::string&)> handler)
+    {
+        onError_ = std::move(handler);
+    }
+
     // Stops every command, waits for their ends (about half a second at most), and destroys what
-    // was still to be delivered. Nothing runs after it; more calls do nothing.
+    // was still to be delivered, and the windows that are still open. Nothing runs after it; more
+    // calls do nothing.
     void ShutDown();
 
     // For SimpleShell: starts a job. False when the runtime is shut down.
@@ -47,5 +68,8 @@ class Runtime {
     std::unique_ptr<StoppedJobs> stoppedJobs_;
     std::vector<std::shared_ptr<ShellJob>> jobs_;
     std::function<void()> onIdle_;
+    std::vector<std::shared_ptr<BLooper>> windows_;
+    std::function<void()> onWindowClosed_;
+    std::function<void(const std::string&)> onError_;
     bool shutDown_ = false;
 };

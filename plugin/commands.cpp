@@ -1,6 +1,7 @@
 #include "commands.h"
 
 #include "Text.h"
+#include "quilp_window.h"
 #include "runnable.h"
 #include "runner.h"
 
@@ -74,4 +75,9 @@ void Status(PluginInterface* pi)
 void DumpUpload(PluginInterface* pi)
 {
     WriteToWorksheet(pi, MPRemoteExecutable(pi) + " cp '<from>':'<to>'");
+}
+
+void OpenWindow(PluginInterface* pi)
+{
+    QuilpWindow::ShowInstance(pi);
 }

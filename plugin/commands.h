@@ -27,5 +27,8 @@ void Status(PluginInterface* pi);
 // Puts a copy command that is ready to be edited into the worksheet, and runs nothing.
 void DumpUpload(PluginInterface* pi);
 
+// Opens the Device window, or brings it to the front.
+void OpenWindow(PluginInterface* pi);
+
 // Whether a line of the tool's list of ports names a board.
 bool IsBoard(std::string_view line);

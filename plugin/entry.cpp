@@ -2,6 +2,7 @@
 
 #include "PluginInterface.h"
 #include "commands.h"
+#include "quilp_window.h"
 #include "runnable.h"
 
 #include <algorithm>
@@ -98,9 +99,9 @@ std::int32_t PluginMain(int message, PluginInterface* pi, ...)
         case kButtonPressed: return Run(pi) ? 1 : 0;
         case kCommand: return PerformCommand(pi);
         case kOfferButton: return OfferButton(pi);
-        case kPopUpRequested:
-        case kReadSettings:
-        case kSaveSettings: return 1;
+        case kPopUpRequested: return 1;
+        case kReadSettings: QuilpWindow::ReadSettings(pi, pi->settingsArgv); return 1;
+        case kSaveSettings: QuilpWindow::SaveSettings(pi); return 1;
         default: return 0;
     }
 }

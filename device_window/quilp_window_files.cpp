@@ -1,0 +1,112 @@
+// The Device window's changes to the board's files, and its keys.
+
+#include "AppKit.h"
+#include "Keyboard.h"
+#include "device_files.h"
+#include "quilp_window.h"
+
+namespace {
+
+// The bytes of the keys that act together with Command.
+constexpr char kBackspace = 8;
+constexpr char kUpArrow = 30;
+constexpr char kDownArrow = 31;
+
+constexpr long kOnWholeView = -1;
+
+}  // namespace
+
+unique_function<void()> QuilpWindow::ReloadWhenDone()
+{
+    return [pending = PendingOperation(BeginOperation())]() mutable {
+        if (const auto window = pending.Window()) {
+            pending.End();
+            window->Reload({});
+        }
+    };
+}
+
+void QuilpWindow::DeleteSelection()
+{
+    std::vector<std::string> paths;
+    for (const auto* item : listView->SelectedItems()) {
+        if (const auto* entry = dynamic_cast<const IconTableItem*>(item)) {
+            paths.push_back(entry->path);
+        }
+    }
+    if (paths.empty()) {
+        return;
+    }
+    rebinder([paths, done = ReloadWhenDone()](PluginInterface* pi) mutable {
+        Delete(pi, paths, std::move(done));
+    });
+}
+
+void QuilpWindow::Upload(const std::vector<std::string>& paths, const std::string& targetDir)
+{
+    rebinder([paths, targetDir, done = ReloadWhenDone()](PluginInterface* pi) mutable {
+        CopyToDevice(pi, paths, targetDir, std::move(done));
+    });
+}
+
+// The validator and the acceptor live in the table, which does not outlive the window.
+void QuilpWindow::ConfigureDropHandling(PluginInterface* /*pi*/)
+{
+    objc_object* const type = FileURLPasteboardType();
+    NSOutlineView_registerForDraggedTypes(listView->KitView<NSOutlineView*>(),
+                                          NSArray_arrayWithObjects_count(&type, 1).get());
+    listView->SetDropValidator(
+        [this](objc_object* info, objc_object* item, int) { return ValidateDrop(info, item); });
+    listView->SetAcceptDrop(
+        [this](objc_object* info, objc_object* item, int) { return AcceptDrop(info, item); });
+}
+
+int QuilpWindow::ValidateDrop(objc_object* info, objc_object* item)
+{
+    if (RefsFromPasteboard(NSDraggingInfo_draggingPasteboard(info)).empty()) {
+        return NSDragOperationNone;
+    }
+    const auto* entry =
+        item == nullptr ? nullptr : dynamic_cast<IconTableItem*>(listView->ItemForID(item, 0));
+    const bool onFile = entry != nullptr && !entry->isDirectory;
+    if (item == nullptr || onFile) {
+        NSOutlineView_setDropItem_dropChildIndex(listView->KitView<NSOutlineView*>(), nullptr,
+                                                 kOnWholeView);
+    }
+    return NSDragOperationCopy;
+}
+
+bool QuilpWindow::AcceptDrop(objc_object* info, objc_object* item)
+{
+    const auto refs = RefsFromPasteboard(NSDraggingInfo_draggingPasteboard(info));
+    if (refs.empty()) {
+        return false;
+    }
+    std::string targetDir = currentPath;
+    if (item != nullptr) {
+        const auto* entry = dynamic_cast<IconTableItem*>(listView->ItemForID(item, 0));
+        if (entry != nullptr && entry->isDirectory) {
+            targetDir = entry->path;
+        }
+    }
+    std::vector<std::string> paths;
+    for (const auto& ref : refs) {
+        paths.push_back(ref.path());
+    }
+    Upload(paths, targetDir);
+    return true;
+}
+
+bool QuilpWindow::ListViewKeyDownHandler(BOutlineTableView* /*view*/, const char* bytes,
+                                         int /*numBytes*/)
+{
+    if ((modifiers() & kCommandKey) == 0) {
+        return false;
+    }
+    switch (bytes[0]) {
+        case kBackspace: DeleteSelection(); return true;
+        case kUpArrow: OpenParentDirectory(); return true;
+        case kDownArrow: OpenSelection(); return true;
+        default: return false;
+    }
+}

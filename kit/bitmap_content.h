@@ -1,0 +1,9 @@
+#pragma once
+
+#include "Bitmap.h"
+
+#include <QIcon>
+
+struct BBitmap::Content {
+    QIcon icon;
+};

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QTimer>
+#include <QWidget>
+
+// Twelve spokes that turn while something is under way; nothing otherwise.
+class BusyWidget final : public QWidget {
+  public:
+    explicit BusyWidget(QWidget* parent);
+
+    void Start();
+    void Stop();
+    bool IsBusy() const { return timer_.isActive(); }
+
+    QSize sizeHint() const override { return {16, 16}; }
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    QTimer timer_;
+    int step_ = 0;
+};

@@ -1,0 +1,73 @@
+#include "Menu.h"
+
+#include "Bitmap.h"
+#include "menu_button.h"
+#include "view_native.h"
+
+#include <algorithm>
+#include <utility>
+
+BMenuItem::BMenuItem(const std::string& label, std::function<void()> action,
+                     unsigned char /*shortcut*/, unsigned /*modifiers*/)
+    : label_(label), action_(std::move(action))
+{
+}
+
+BMenuItem::~BMenuItem() = default;
+
+IconMenuItem::IconMenuItem(const std::string& label, const std::function<void()>& action, bool,
+                           const BBitmap* icon, char shortcut, unsigned modifiers)
+    : BMenuItem(label, action, static_cast<unsigned char>(shortcut), modifiers),
+      icon_(std::make_unique<BBitmap>(*icon))
+{
+}
+
+IconMenuItem::~IconMenuItem() = default;
+
+BMenu::BMenu(const std::string& name) : name_(name) {}
+
+BMenu::~BMenu() = default;
+
+void BMenu::MakeEmpty()
+{
+    items_.clear();
+}
+
+void BMenu::AddItem(BMenuItem* item)
+{
+    items_.emplace_back(item);
+}
+
+void BMenu::AddItem(BMenuItem* item, int index)
+{
+    const auto at = std::clamp<std::ptrdiff_t>(index, 0, std::ssize(items_));
+    items_.emplace(items_.begin() + at, item);
+}
+
+void BMenu::SetAboutToShowPopulator(const std::function<void()>& populator)
+{
+    populator_ = populator;
+}
+
+void BMenu::AboutToShow() const
+{
+    if (populator_) {
+        populator_();
+    }
+}
+
+BMenuField::BMenuField(std::unique_ptr<Native> native)
+    : BView(std::move(native)), menu_(std::make_unique<BMenu>("menu"))
+{
+    BView::native().As<MenuButton>().SetMenu(menu_.get());
+}
+
+BMenuField::~BMenuField()
+{
+    native().As<MenuButton>().SetMenu(nullptr);
+}
+
+void BMenuField::SetSelectedItem(int index)
+{
+    native().As<MenuButton>().SelectItem(index);
+}

@@ -1,0 +1,98 @@
+#include "menu_button.h"
+
+#include "menu_widget.h"
+#include "window_widget.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QStyleOptionComboBox>
+#include <QStylePainter>
+
+MenuButton::MenuButton(QWidget* parent) : QAbstractButton(parent)
+{
+    setFocusPolicy(Qt::StrongFocus);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    connect(this, &QAbstractButton::clicked, this, &MenuButton::OpenMenu);
+}
+
+void MenuButton::SelectItem(int index)
+{
+    const auto& items = menu_->Items();
+    const bool isThere = index >= 0 && index < std::ssize(items);
+    selected_ = isThere ? index : 0;
+    setText(isThere ? QString::fromStdString(items[static_cast<std::size_t>(index)]->Label())
+                    : QString());
+    setIcon(isThere ? MenuIcon(*items[static_cast<std::size_t>(index)]) : QIcon());
+    updateGeometry();
+    update();
+}
+
+QSize MenuButton::SizeForText(const QString& text) const
+{
+    QStyleOptionComboBox option;
+    option.initFrom(this);
+    const auto metrics = fontMetrics();
+    const QSize content(metrics.horizontalAdvance(text) + 24, std::max(metrics.height(), 16));
+    return style()->sizeFromContents(QStyle::CT_ComboBox, &option, content, this);
+}
+
+QSize MenuButton::sizeHint() const
+{
+    return SizeForText(text()).expandedTo(SizeForText(QString(16, 'x')));
+}
+
+QSize MenuButton::minimumSizeHint() const
+{
+    return SizeForText(QStringLiteral("xxx…"));
+}
+
+void MenuButton::paintEvent(QPaintEvent* /*event*/)
+{
+    QStyleOptionComboBox option;
+    option.initFrom(this);
+    option.state.setFlag(QStyle::State_Sunken, isDown());
+    option.currentIcon = icon();
+    option.iconSize = QSize(16, 16);
+    QStylePainter painter(this);
+    painter.drawComplexControl(QStyle::CC_ComboBox, option);
+    const int room =
+        style()
+            ->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this)
+            .width();
+    option.currentText = fontMetrics().elidedText(text(), Qt::ElideRight, room - 24);
+    painter.drawControl(QStyle::CE_ComboBoxLabel, option);
+}
+
+void MenuButton::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton) {
+        OpenMenu();
+    }
+}
+
+void MenuButton::keyPressEvent(QKeyEvent* event)
+{
+    switch (event->key()) {
+        case Qt::Key_Up:
+        case Qt::Key_Down:
+        case Qt::Key_Return:
+        case Qt::Key_Enter: return OpenMenu();
+        default: QAbstractButton::keyPressEvent(event);
+    }
+}
+
+void MenuButton::OpenMenu()
+{
+    if (menu_ == nullptr) {
+        return;
+    }
+    CallWindow(*this, [this] { menu_->AboutToShow(); });
+    if (menu_ == nullptr || menu_->Items().empty()) {
+        return;
+    }
+    auto* const widget = MakeMenuWidget(
+        *menu_, this, [this](const std::function<void()>& action) { CallWindow(*this, action); });
+    widget->setAttribute(Qt::WA_DeleteOnClose);
+    widget->setMinimumWidth(width());
+    widget->popup(mapToGlobal(QPoint(0, 0)), widget->actions().value(selected_));
+}

@@ -1,0 +1,32 @@
+#include "NodeInfo.h"
+
+#include "bitmap_content.h"
+#include "icons.h"
+
+namespace {
+
+void Fill(BBitmap* bitmap, const QIcon& icon, unsigned size)
+{
+    const auto side = static_cast<double>(size);
+    bitmap->SetContent(std::make_shared<const BBitmap::Content>(icon), {0, 0, side, side});
+}
+
+}  // namespace
+
+int BNodeInfo::GetTrackerIconFromName(const char* name, BBitmap* bitmap, unsigned size, bool)
+{
+    Fill(bitmap, IconForFileName(QString::fromUtf8(name)), size);
+    return 0;
+}
+
+int BNodeInfo::GetTrackerIconFromType(int typeCode, BBitmap* bitmap, unsigned size, bool)
+{
+    switch (typeCode) {
+        case 0x666C6472: Fill(bitmap, ThemedIcon("folder", Picture::Folder), size); return 0;
+        case 0x646F6375:
+            Fill(bitmap, ThemedIcon("text-x-generic", Picture::Document), size);
+            return 0;
+        case 0x6864736B: Fill(bitmap, ThemedIcon("drive-harddisk", Picture::Disk), size); return 0;
+        default: return -1;
+    }
+}

@@ -1,0 +1,56 @@
+#include "Settings.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+
+namespace {
+
+std::string ShortestForm(double value)
+{
+    std::array<char, 32> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
+    return {digits.data(), end};
+}
+
+std::optional<BRect> ParseRect(std::string_view text)
+{
+    std::array<double, 4> edges{};
+    const char* at = text.data();
+    const char* const end = text.data() + text.size();
+    for (double& edge : edges) {
+        const bool isFirst = &edge == edges.data();
+        if (!isFirst && (at == end || *at++ != ',')) {
+            return std::nullopt;
+        }
+        const auto [stop, error] = std::from_chars(at, end, edge);
+        if (error != std::errc() || !std::isfinite(edge)) {
+            return std::nullopt;
+        }
+        at = stop;
+    }
+    if (at != end) {
+        return std::nullopt;
+    }
+    return BRect{edges[0], edges[1], edges[2], edges[3]};
+}
+
+}  // namespace
+
+std::string RectValueForSettings(BRect rect)
+{
+    return ShortestForm(rect.left) + ',' + ShortestForm(rect.top) + ',' + ShortestForm(rect.right) +
+           ',' + ShortestForm(rect.bottom);
+}
+
+std::optional<BRect> ParseAsRectFromArgv(const char* const*& argv, std::string_view key)
+{
+    if (argv[0] == nullptr || argv[1] == nullptr || argv[0] != "-" + std::string(key)) {
+        return std::nullopt;
+    }
+    const auto rect = ParseRect(argv[1]);
+    if (rect) {
+        argv += 2;
+    }
+    return rect;
+}

@@ -1,0 +1,108 @@
+#include "table_model.h"
+
+#include <QTimer>
+
+#include <algorithm>
+#include <utility>
+
+TableModel::TableModel(QObject* parent) : QAbstractTableModel(parent) {}
+
+void TableModel::SetColumns(const QStringList& titles)
+{
+    beginResetModel();
+    titles_ = titles;
+    endResetModel();
+}
+
+void TableModel::Clear()
+{
+    beginResetModel();
+    rows_.clear();
+    published_ = 0;
+    endResetModel();
+}
+
+void TableModel::SetItem(std::unique_ptr<FTableItem> item, int row, int column)
+{
+    if (row < 0 || row > CountRows() || column < 0) {
+        return;
+    }
+    if (row == CountRows()) {
+        rows_.push_back(std::make_unique<TableRow>());
+        PublishSoon();
+    }
+    auto& cells = RowAt(row)->cells;
+    const auto at = static_cast<std::size_t>(column);
+    if (cells.size() <= at) {
+        cells.reserve(static_cast<std::size_t>(titles_.size()));
+        cells.resize(at + 1);
+    }
+    cells[at] = std::move(item);
+    if (row < published_) {
+        Q_EMIT dataChanged(index(row, column), index(row, column));
+    }
+}
+
+TableRow* TableModel::RowAt(int row) const
+{
+    return row >= 0 && row < CountRows() ? rows_[static_cast<std::size_t>(row)].get() : nullptr;
+}
+
+FTableItem* TableModel::ItemAt(int row, int column) const
+{
+    const auto* found = RowAt(row);
+    const bool isThere = found != nullptr && column >= 0 && column < std::ssize(found->cells);
+    return isThere ? found->cells[static_cast<std::size_t>(column)].get() : nullptr;
+}
+
+bool TableModel::Holds(const objc_object* row) const
+{
+    return std::ranges::any_of(rows_,
+                               [row](const auto& candidate) { return candidate.get() == row; });
+}
+
+void TableModel::PublishSoon()
+{
+    if (!std::exchange(willPublish_, true)) {
+        QTimer::singleShot(0, this, &TableModel::Publish);
+    }
+}
+
+void TableModel::Publish()
+{
+    willPublish_ = false;
+    if (published_ < CountRows()) {
+        beginInsertRows({}, published_, CountRows() - 1);
+        published_ = CountRows();
+        endInsertRows();
+    }
+}
+
+int TableModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : published_;
+}
+
+int TableModel::columnCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(titles_.size());
+}
+
+// For searching by typing and for screen readers; what is seen is drawn by the items.
+QVariant TableModel::data(const QModelIndex& index, int role) const
+{
+    const auto* item = ItemAt(index.row(), index.column());
+    return role == Qt::DisplayRole && item != nullptr ? QString::fromStdString(item->Text())
+                                                      : QVariant();
+}
+
+QVariant TableModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation == Qt::Horizontal && role == Qt::DisplayRole) {
+        return titles_.value(section);
+    }
+    if (orientation == Qt::Horizontal && role == Qt::TextAlignmentRole) {
+        return QVariant(Qt::AlignVCenter | (section == 0 ? Qt::AlignLeft : Qt::AlignRight));
+    }
+    return {};
+}

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "OutlineTableView.h"
+#include "app_kit_objects.h"
+#include "table_model.h"
+
+#include <QTreeView>
+
+#include <functional>
+
+// What is on the screen for a table: rows that draw themselves, keys, the context menu and drops,
+// which are handed to the window's code while the window is there. The columns are those that the
+// property "columns" names; the first gets the room that there is.
+class TableWidget final : public QTreeView, public NSOutlineView {
+    Q_OBJECT
+    Q_PROPERTY(QStringList columns READ columns WRITE SetColumns)
+
+  public:
+    explicit TableWidget(QWidget* parent);
+
+    QStringList columns() const { return columns_; }
+    void SetColumns(const QStringList& titles);
+    TableModel& rows() { return *model_; }
+    // The rows that are selected, from the top.
+    std::vector<int> SelectedRows() const;
+    void SelectRow(int row, bool extend);
+    void ClearRows();
+
+    // What the window's code wants of the table. Called with the window alive.
+    struct Handlers {
+        std::function<void(int row, int column)> invoke;
+        std::function<bool(const char* bytes, int numBytes)> keyDown;
+        std::function<int(objc_object* info, objc_object* row, int index)> validateDrop;
+        std::function<bool(objc_object* info, objc_object* row, int index)> acceptDrop;
+        std::function<void(const QPoint& at)> showMenu;
+        std::function<void(QPainter& painter, FTableItem& item, BRect cell)> drawItem;
+    };
+    Handlers handlers;
+
+    void TakeDragsOfFiles(bool take) override { viewport()->setAcceptDrops(take); }
+    void SetDropTarget(objc_object* row, int index) override { target_ = {row, index}; }
+
+  protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dragLeaveEvent(QDragLeaveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    struct DropTarget {
+        objc_object* row = nullptr;
+        int index = -1;
+    };
+
+    bool HandleKey(const QKeyEvent& event);
+    void Invoke(const QModelIndex& index);
+    DropTarget ProposeTarget(const QPoint& at) const;
+    int Validate(const QDropEvent& event);
+    void ShowDropTarget(bool show);
+    void PaintDropTarget();
+
+    QStringList columns_;
+    TableModel* model_;  // A child of this object.
+    DropTarget target_;
+    bool showsTarget_ = false;
+};
