@@ -1,5 +1,6 @@
 // quilp-editor: the stand-alone host of the plug-in.
 
+#include "appearance.h"
 #include "batch.h"
 #include "descriptors.h"
 #include "editor_host.h"
@@ -9,7 +10,7 @@
 #include "standard_output.h"
 #include "virtual_board.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QSocketNotifier>
 
 #include <signal.h>
@@ -22,6 +23,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <tuple>
 
@@ -79,6 +81,16 @@ std::expected<std::string, std::string> ReadableFile(const std::string& name)
     return path.string();
 }
 
+// False when the plug-in has no such window.
+bool OpenDeviceWindow(const PluginModule& plugin, EditorHost& host)
+{
+    const auto open = plugin.FindAction("_Z10OpenWindowP15PluginInterface");
+    if (open != nullptr) {
+        open(&host);
+    }
+    return open != nullptr;
+}
+
 struct Files {
     std::string document;
     std::string target;
@@ -101,19 +113,24 @@ std::expected<Files, std::string> FindFiles(const Options& options)
     return files;
 }
 
+// None when the options ask for none. The error is a sentence.
+std::expected<std::optional<VirtualBoard>, std::string> StartBoard(const Options& options)
+{
+    if (!options.virtualBoard) {
+        return std::nullopt;
+    }
+    const std::string folder = QCoreApplication::applicationDirPath().toStdString();
+    auto board = VirtualBoard::Start(folder + "/virtual-board", options.boardFolder.empty()
+                                                                    ? DefaultBoardFolder()
+                                                                    : options.boardFolder);
+    if (!board) {
+        return std::unexpected(board.error());
+    }
+    return std::move(*board);
+}
+
 int RunBatch(const Options& options, const Files& files, const PluginModule& plugin)
 {
-    std::optional<VirtualBoard> board;
-    const std::string folder = QCoreApplication::applicationDirPath().toStdString();
-    if (options.virtualBoard) {
-        const auto boardFolder =
-            options.boardFolder.empty() ? DefaultBoardFolder() : options.boardFolder;
-        auto started = VirtualBoard::Start(folder + "/virtual-board", boardFolder);
-        if (!started) {
-            return Complain(started.error(), kFailure);
-        }
-        board.emplace(std::move(*started));
-    }
     CatchSignals();
     Runtime runtime;
     Batch* running = nullptr;
@@ -145,6 +162,56 @@ int RunBatch(const Options& options, const Files& files, const PluginModule& plu
     return status;
 }
 
+// The Device window alone. What belongs into the worksheet goes to standard output.
+int RunDeviceWindow(const Options& options, const PluginModule& plugin)
+{
+    SetAppearance(options.appearance);
+    CatchSignals();
+    Runtime runtime;
+    StandardOutput output(signalPipe[0]);
+    EditorHost host(plugin, runtime, [&](const std::string& text) { output.Write(text); });
+    if (const auto started = host.Start(); !started) {
+        return Complain(started.error(), kNoPlugin);
+    }
+    runtime.SetErrorHandler([](const std::string& error) { Complain(error, kFailure); });
+    runtime.SetWindowClosedHandler(QCoreApplication::quit);
+    QSocketNotifier onSignal(signalPipe[0], QSocketNotifier::Read);
+    QObject::connect(&onSignal, &QSocketNotifier::activated, [&] {
+        onSignal.setEnabled(false);
+        runtime.CloseWindows();
+    });
+    bool opened = false;
+    runtime.Protect([&] { opened = OpenDeviceWindow(plugin, host); });
+    const int status = opened ? QCoreApplication::exec() : kFailure;
+    runtime.ShutDown();
+    return status;
+}
+
+// Windows need more of the application than batches do.
+std::unique_ptr<QCoreApplication> MakeApplication(const Options& options, int& argc, char** argv)
+{
+    if (options.openDeviceWindow) {
+        return std::make_unique<QApplication>(argc, argv);
+    }
+    return std::make_unique<QCoreApplication>(argc, argv);
+}
+
+int Run(const Options& options, const Files& files)
+{
+    const std::string ownPlugin = QCoreApplication::applicationDirPath().toStdString() +
+                                  "/../lib/quilp/Quilp.bundle/quilp.so";
+    const auto plugin = PluginModule::Load(options.plugin.empty() ? ownPlugin : options.plugin);
+    if (!plugin) {
+        return Complain(plugin.error(), kNoPlugin);
+    }
+    const auto board = StartBoard(options);
+    if (!board) {
+        return Complain(board.error(), kFailure);
+    }
+    return options.openDeviceWindow ? RunDeviceWindow(options, *plugin)
+                                    : RunBatch(options, files, *plugin);
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
@@ -162,12 +229,6 @@ int main(int argc, char** argv)
     if (!files) {
         return Complain(files.error(), kUsageError);
     }
-    QCoreApplication application(argc, argv);
-    const std::string ownPlugin = QCoreApplication::applicationDirPath().toStdString() +
-                                  "/../lib/quilp/Quilp.bundle/quilp.so";
-    const auto plugin = PluginModule::Load(options->plugin.empty() ? ownPlugin : options->plugin);
-    if (!plugin) {
-        return Complain(plugin.error(), kNoPlugin);
-    }
-    return RunBatch(*options, *files, *plugin);
+    const auto application = MakeApplication(*options, argc, argv);
+    return Run(*options, *files);
 }

@@ -12,10 +12,13 @@
 
 const char* const kUsage =
     "usage: quilp-editor [OPTION]... --batch COMMAND...\n"
+    "       quilp-editor [OPTION]... --open-device-window\n"
     "  --document FILE        the front document\n"
     "  --target FILE          the current target, which runs when the document is not Python\n"
     "  --virtual-board[=DIR]  attach a virtual board, with its files in DIR\n"
     "  --plugin FILE          load this plug-in instead of the one that comes with the editor\n"
+    "  --open-device-window   show the window of the board's files alone\n"
+    "  --appearance NAME      light, dark, or system as the desktop has it\n"
     "  --help                 show this text\n"
     "Commands: run, stop, upload, upload-as-main, list, status, copy-template, help, and\n"
     "wait=SECONDS, which goes on after that time although a command still runs.\n";
@@ -65,11 +68,13 @@ std::optional<BatchCommand> ParseCommand(const std::string& word)
 // What getopt returns for a word that is no option when it is to keep the order ("-").
 constexpr int kWord = 1;
 
-const std::array<option, 7> kLongOptions{{
+const std::array<option, 9> kLongOptions{{
     {"document", required_argument, nullptr, 'd'},
     {"target", required_argument, nullptr, 't'},
     {"virtual-board", optional_argument, nullptr, 'v'},
     {"plugin", required_argument, nullptr, 'p'},
+    {"open-device-window", no_argument, nullptr, 'w'},
+    {"appearance", required_argument, nullptr, 'a'},
     {"batch", no_argument, nullptr, 'b'},
     {"help", no_argument, nullptr, 'h'},
     {},
@@ -83,7 +88,14 @@ bool Take(Options& options, int option, const char* argument)
         case 't': options.target = argument; return true;
         case 'p': options.plugin = argument; return true;
         case 'b': options.batch = true; return true;
+        case 'w': options.openDeviceWindow = true; return true;
         case 'h': options.help = true; return true;
+        case 'a':
+            if (const auto appearance = AppearanceNamed(argument)) {
+                options.appearance = *appearance;
+                return true;
+            }
+            return false;
         case 'v':
             options.virtualBoard = true;
             options.boardFolder = argument != nullptr ? argument : "";
@@ -130,7 +142,11 @@ std::expected<Options, std::string> ParseOptions(const std::vector<std::string>&
             return std::unexpected(std::string(words[at]) + " is not a command");
         }
     }
-    if (!options.help && (!options.batch || options.commands.empty())) {
+    if (options.openDeviceWindow && (options.batch || !options.commands.empty())) {
+        return std::unexpected("--open-device-window goes without commands");
+    }
+    if (!options.help && !options.openDeviceWindow &&
+        (!options.batch || options.commands.empty())) {
         return std::unexpected("--batch and at least one command are needed");
     }
     return options;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "appearance.h"
+
 #include <chrono>
 #include <expected>
 #include <optional>
@@ -30,6 +32,8 @@ struct Options {
     std::string document;
     bool batch = false;
     std::vector<BatchCommand> commands;
+    bool openDeviceWindow = false;  // and nothing else
+    Appearance appearance = Appearance::System;
     bool help = false;
 };
 
