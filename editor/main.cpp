@@ -6,6 +6,7 @@
 #include "editor_host.h"
 #include "options.h"
 #include "plugin_module.h"
+#include "protect.h"
 #include "runtime.h"
 #include "standard_output.h"
 #include "virtual_board.h"
@@ -173,7 +174,7 @@ int RunDeviceWindow(const Options& options, const PluginModule& plugin)
     if (const auto started = host.Start(); !started) {
         return Complain(started.error(), kNoPlugin);
     }
-    runtime.SetErrorHandler([](const std::string& error) { Complain(error, kFailure); });
+    SetErrorHandler([](const std::string& error) { Complain(error, kFailure); });
     runtime.SetWindowClosedHandler(QCoreApplication::quit);
     QSocketNotifier onSignal(signalPipe[0], QSocketNotifier::Read);
     QObject::connect(&onSignal, &QSocketNotifier::activated, [&] {
@@ -181,7 +182,7 @@ int RunDeviceWindow(const Options& options, const PluginModule& plugin)
         runtime.CloseWindows();
     });
     bool opened = false;
-    runtime.Protect([&] { opened = OpenDeviceWindow(plugin, host); });
+    Protect([&] { opened = OpenDeviceWindow(plugin, host); });
     const int status = opened ? QCoreApplication::exec() : kFailure;
     runtime.ShutDown();
     return status;

@@ -1,6 +1,7 @@
 #include "runtime.h"
 
 #include "Looper.h"
+#include "protect.h"
 #include "shell_job.h"
 
 #include <QCoreApplication>
@@ -86,20 +87,6 @@ void Runtime::CloseWindows()
                 window->Quit();
             }
         });
-    }
-}
-
-void Runtime::Protect(const std::function<void()>& call)
-{
-    if (!onError_) {
-        return call();
-    }
-    try {
-        call();
-    } catch (const std::exception& error) {
-        onError_(error.what());
-    } catch (...) {
-        onError_("something that is no std::exception was thrown");
     }
 }
 

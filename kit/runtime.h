@@ -5,7 +5,6 @@
 
 #include <functional>
 #include <memory>
-#include <string>
 #include <vector>
 
 class BLooper;
@@ -44,14 +43,6 @@ class Runtime {
     // Asks every window to close, as its user would.
     void CloseWindows();
 
-    // Calls into a plug-in's code. What it throws is told to the handler, as a sentence; without
-    // one it is thrown on.
-    void Protect(const std::function<void()>& call);
-    void SetErrorHandler(std::function<void(const std::string&)> handler)
-    {
-        onError_ = std::move(handler);
-    }
-
     // Stops every command, waits for their ends (about half a second at most), and destroys what
     // was still to be delivered, and the windows that are still open. Nothing runs after it; more
     // calls do nothing.
@@ -70,6 +61,5 @@ class Runtime {
     std::function<void()> onIdle_;
     std::vector<std::shared_ptr<BLooper>> windows_;
     std::function<void()> onWindowClosed_;
-    std::function<void(const std::string&)> onError_;
     bool shutDown_ = false;
 };

@@ -1,6 +1,7 @@
 #include "ui_queue.h"
 
 #include "descriptors.h"
+#include "protect.h"
 
 #include <QSocketNotifier>
 
@@ -124,6 +125,6 @@ bool UiQueue::RunNext()
             room_.notify_all();
         }
     }
-    task();
+    Protect([&task] { task(); });
     return true;
 }

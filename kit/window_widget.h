@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Looper.h"
-#include "runtime.h"
+#include "protect.h"
 
 #include <QWidget>
 
@@ -31,7 +31,7 @@ bool CallWindow(const QWidget& widget, Function&& function)
     const auto* window = dynamic_cast<const WindowWidget*>(widget.window());
     const auto alive = window != nullptr ? window->looper() : nullptr;
     if (alive) {
-        Runtime::Current().Protect(std::forward<Function>(function));
+        Protect(std::forward<Function>(function));
     }
     return alive != nullptr;
 }

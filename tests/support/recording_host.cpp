@@ -1,7 +1,12 @@
 #include "recording_host.h"
 
+#include "Text.h"
+
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdarg>
+#include <cstdio>
 #include <filesystem>
 #include <thread>
 #include <tuple>
@@ -14,7 +19,9 @@ constexpr std::uint32_t kTarget = 42;
 constexpr const char* kTool =
     "#!/bin/sh\n"
     "for word in \"$@\"; do printf '[%s]\\n' \"$word\"; done\n"
-    "cat \"${0%/*}/says\" 2>/dev/null\n";
+    "echo \"$*\" >>\"${0%/*}/calls\"\n"
+    "cat \"${0%/*}/says\" \"${0%/*}/says-$1\" 2>/dev/null\n"
+    "[ ! -e \"${0%/*}/hangs-$1\" ] || exec sleep 60\n";
 
 }  // namespace
 
@@ -22,6 +29,8 @@ RecordingHost::RecordingHost(Runtime& runtime) : runtime_(runtime), bundle_{fold
 {
     const auto tool = folder_.Write("Resources/mpremote/mpremote.py", kTool);
     std::filesystem::permissions(tool, std::filesystem::perms::owner_all);
+    std::filesystem::copy(QUILP_BUNDLE "/Resources/QuilpWindow.ui",
+                          folder_ / "Resources/QuilpWindow.ui");
     bundle = &bundle_;
 }
 
@@ -75,7 +84,31 @@ std::uint32_t RecordingHost::DocumentLanguage()
 
 void RecordingHost::WriteSettings(const char* format, ...)
 {
-    log.push_back(std::string("settings ") + format);
+    std::array<char, 200> line{};
+    va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(line.data(), line.size(), format, arguments);
+    va_end(arguments);
+    log.push_back(std::string("settings ") + line.data());
+}
+
+void RecordingHost::ToolHangs(const std::string& command, bool hangs)
+{
+    if (hangs) {
+        folder_.Write("Resources/mpremote/hangs-" + command, "");
+    } else {
+        std::filesystem::remove(folder_ / ("Resources/mpremote/hangs-" + command));
+    }
+}
+
+std::vector<std::string> RecordingHost::ToolCalls()
+{
+    const auto calls = ReadFile(folder_ / "Resources/mpremote/calls");
+    std::vector<std::string> lines;
+    for (const auto& line : SplitLines(calls)) {
+        lines.emplace_back(line);
+    }
+    return lines;
 }
 
 PluginInterface::Rebinder RecordingHost::MakeRebinder(std::int32_t kind)

@@ -20,6 +20,15 @@ class RecordingHost final : public PluginInterface {
     void UseRealTool() { bundle_.path = QUILP_BUNDLE; }
     // What the tool prints after its words.
     void ToolSays(const std::string& text) { folder_.Write("Resources/mpremote/says", text); }
+    // The same, for one command.
+    void ToolSays(const std::string& command, const std::string& text)
+    {
+        folder_.Write("Resources/mpremote/says-" + command, text);
+    }
+    // Whether the tool goes on for a minute after it has spoken, at this command.
+    void ToolHangs(const std::string& command, bool hangs = true);
+    // The words of each call of the tool so far.
+    std::vector<std::string> ToolCalls();
     // From now on work that is posted on this thread waits for ReleaseWork.
     void HoldWork() { holdsWork_ = true; }
     void ReleaseWork();
