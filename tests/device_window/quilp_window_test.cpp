@@ -85,7 +85,8 @@ TEST_F(ScriptedDeviceWindow, ListsTheRootAndNamesTheBoardWhenItOpens)
 TEST_F(ScriptedDeviceWindow, TheLastLineOfTheDeviceQueryDecides)
 {
     Open();
-    host.ToolSays("devs", std::string(kBoardLine) + "/dev/ttyS0 NOT-HEX 0000:0000 what is this\n");
+    host.ToolSays("devs",
+                  std::string(kBoardLine) + "/dev/ttyS0 NOT-HEX 0000:0000 no MicroPython\n");
     PressButton("refresh");
     Settle();
     EXPECT_EQ(DeviceLabel(), "--");
@@ -303,6 +304,8 @@ TEST_F(ScriptedDeviceWindow, ADropAfterTheRowsHaveGoneFindsNoRow)
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(QString::fromStdString(local.Write("a.py", "")))});
     const QPoint at = table().visualRect(table().model()->index(RowOf("lib/"), 0)).center();
+    QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(table().viewport(), &enter);
     QDragMoveEvent move(at, Qt::CopyAction, &data, Qt::LeftButton, {});
     QApplication::sendEvent(table().viewport(), &move);
     NewCalls();

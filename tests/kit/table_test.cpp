@@ -26,6 +26,7 @@ class TableTest : public testing::Test {
         window->SetLooper(looper);
         window->resize(300, 200);
         widget->resize(300, 200);
+        widget->viewport()->setAttribute(Qt::WA_Hover, false);
         window->show();
     }
     ~TableTest() override { view.reset(); }

@@ -69,6 +69,9 @@ TEST_F(WindowTest, RefusesADescriptionThatItCannotUse)
         R"(<ui version="4.0"><widget class="QWidget" name="W"/></ui>)",
         R"(<ui version="4.0"><widget class="BWindow" name="W"><widget class="BStranger" name="s"/></widget></ui>)",
     };
+    // Qt complains as well.
+    auto* const before =
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
     for (const auto& row : rows) {
         try {
             Make(row);
@@ -79,6 +82,7 @@ TEST_F(WindowTest, RefusesADescriptionThatItCannotUse)
     }
     EXPECT_THROW(BLooper::MakeInstance<BWindow>("none", "W", static_cast<void*>(&bundle)),
                  std::runtime_error);
+    qInstallMessageHandler(before);
 }
 
 TEST_F(WindowTest, InitialisersRunWhenTheLooperIsOwned)
