@@ -1,0 +1,161 @@
+// open_window PLUGIN ENTRIES: opens the Device window on a board with that many files. Prints how
+// many milliseconds it took until the last row was painted, and for how long the user-interface
+// thread was busy at most at one go.
+//
+// open_window PLUGIN ENTRIES rows: adds that many rows to the window's table instead, as a listing
+// does, 500 in each turn of the event loop. Prints how long the thread was busy with it all, in
+// milliseconds, and how many bytes a row takes.
+
+#include "editor_host.h"
+#include "plugin_module.h"
+#include "quilp_window.h"
+#include "runner.h"
+#include "runtime.h"
+#include "table_widget.h"
+
+#include <QApplication>
+#include <QTimer>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double Milliseconds(Clock::duration time)
+{
+    return std::chrono::duration<double, std::milli>(time).count();
+}
+
+std::size_t ResidentBytes()
+{
+    std::size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages >> pages;
+    return pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+// For how long the event loop does not come round: a timer that is always due tells.
+class StallMeter : public QObject {
+  public:
+    StallMeter()
+    {
+        connect(&timer_, &QTimer::timeout, this, [this] {
+            const auto now = Clock::now();
+            longest_ = std::max(longest_, now - last_);
+            last_ = now;
+        });
+        timer_.start();
+    }
+
+    double Longest() const { return Milliseconds(longest_); }
+
+  private:
+    QTimer timer_;
+    Clock::time_point last_ = Clock::now();
+    Clock::duration longest_{};
+};
+
+// Tells when the last row has been painted.
+class LastRow : public QObject {
+  public:
+    LastRow(TableWidget& table, int entries) : table_(table), entries_(entries)
+    {
+        table.viewport()->installEventFilter(this);
+    }
+
+  protected:
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint && table_.model()->rowCount() >= entries_) {
+            QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+        }
+        return QObject::eventFilter(object, event);
+    }
+
+  private:
+    TableWidget& table_;
+    int entries_;
+};
+
+TableWidget& Table()
+{
+    for (auto* window : QApplication::topLevelWidgets()) {
+        if (auto* table = window->findChild<TableWidget*>("listing")) {
+            return *table;
+        }
+    }
+    std::fputs("there is no table\n", stderr);
+    std::exit(1);
+}
+
+void MeasureOpening(EditorHost& host, int entries)
+{
+    // The first window of a program also loads fonts and styles.
+    const auto begin = Clock::now();
+    QuilpWindow::ShowInstance(&host);
+    const LastRow last(Table(), entries);
+    StallMeter stalls;
+    QApplication::exec();
+    std::printf("%.1f %.1f\n", Milliseconds(Clock::now() - begin), stalls.Longest());
+}
+
+void AddRows(BOutlineTableView& table, int count, int until)
+{
+    for (int i = 0; i < 500 && count < until; ++i, ++count) {
+        const std::string name = "file_" + std::to_string(count) + ".txt";
+        table.AddItem(new IconTableItem(name, "/many/" + name, false), count, 0);
+        table.AddItem(new SizeTableItem(std::to_string(count)), count, 1);
+    }
+    if (count < until) {
+        Runtime::Current().queue().Post([&table, count, until] { AddRows(table, count, until); });
+    }
+}
+
+void MeasureRows(EditorHost& host, int entries)
+{
+    auto* const table = QuilpWindow::ShowInstance(&host)->FindFirst<BOutlineTableView>();
+    Stop();  // Its own listing.
+    QApplication::processEvents();
+    table->Clear();
+    const auto before = ResidentBytes();
+    const LastRow last(Table(), entries);
+    const auto begin = Clock::now();
+    Runtime::Current().queue().Post([=] { AddRows(*table, 0, entries); });
+    QApplication::exec();
+    const auto bytes = ResidentBytes() - before;
+    std::printf("%.1f %zu\n", Milliseconds(Clock::now() - begin),
+                bytes / static_cast<std::size_t>(entries));
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    QApplication application(argc, argv);
+    if (argc < 3) {
+        std::fputs("usage: open_window PLUGIN ENTRIES [rows]\n", stderr);
+        return 2;
+    }
+    const auto plugin = PluginModule::Load(argv[1]);
+    if (!plugin) {
+        std::fprintf(stderr, "%s\n", plugin.error().c_str());
+        return 1;
+    }
+    Runtime runtime;
+    EditorHost host(*plugin, runtime, [](const std::string&) {});
+    const int entries = std::stoi(argv[2]);
+    if (argc > 3) {
+        MeasureRows(host, entries);
+    } else {
+        MeasureOpening(host, entries);
+    }
+    runtime.ShutDown();
+    return 0;
+}
