@@ -22,6 +22,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <memory>
@@ -188,6 +189,20 @@ int RunDeviceWindow(const Options& options, const PluginModule& plugin)
     return status;
 }
 
+// Qt itself would abort without one.
+bool HasScreen()
+{
+#ifdef __linux__
+    constexpr std::array kVariables{"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
+    return std::ranges::any_of(kVariables, [](const char* name) {
+        const char* const value = std::getenv(name);
+        return value != nullptr && *value != '\0';
+    });
+#else
+    return true;
+#endif
+}
+
 // Windows need more of the application than batches do.
 std::unique_ptr<QCoreApplication> MakeApplication(const Options& options, int& argc, char** argv)
 {
@@ -229,6 +244,9 @@ int main(int argc, char** argv)
     const auto files = FindFiles(*options);
     if (!files) {
         return Complain(files.error(), kUsageError);
+    }
+    if (options->openDeviceWindow && !HasScreen()) {
+        return Complain("there is no screen to show a window on: DISPLAY is not set", kFailure);
     }
     const auto application = MakeApplication(*options, argc, argv);
     return Run(*options, *files);
