@@ -12,6 +12,9 @@
 // goes later than the views.
 struct BView::Native {
     explicit Native(QWidget* theWidget) : widget(theWidget) {}
+    Native(const Native&) = delete;
+    Native& operator=(const Native&) = delete;
+    virtual ~Native() = default;
 
     // The widget, which is of this kind.
     template <class Widget>
