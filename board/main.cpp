@@ -87,11 +87,11 @@ Arguments ParseArguments(int argc, char** argv)
     return arguments;
 }
 
-std::string OwnFolder()
+std::filesystem::path OwnFolder()
 {
     std::error_code error;
     const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
-    return error ? std::string(".") : self.parent_path().string();
+    return error ? std::filesystem::path(".") : self.parent_path();
 }
 
 std::string FromEnvironment(const char* name, const std::string& otherwise)
@@ -121,8 +121,10 @@ int main(int argc, char** argv)
     if (error) {
         return Fail(options.folder + ": " + error.message());
     }
-    options.interpreter.program = FromEnvironment("QUILP_MICROPYTHON", QUILP_MICROPYTHON);
-    options.interpreter.script = OwnFolder() + "/" QUILP_INTERPRETER_SCRIPT;
+    // One that is carried along is named from here; one of the system's has its full path.
+    const auto micropython = OwnFolder() / QUILP_MICROPYTHON;
+    options.interpreter.program = FromEnvironment("QUILP_MICROPYTHON", micropython.string());
+    options.interpreter.script = (OwnFolder() / QUILP_INTERPRETER_SCRIPT).string();
 
     Board board(std::move(options));
     if (const auto plugged = board.Plug(); !plugged) {
