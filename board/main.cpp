@@ -24,7 +24,9 @@ constexpr const char* kUsage =
     "again, SIGINT and SIGTERM end it.\n"
     "  --link PATH    make PATH a link to the line-device while the board is plugged\n"
     "  --parent PID   end when the process PID ends, which started this one; then remove the\n"
-    "                 link's folder, too\n";
+    "                 link's folder, too\n"
+    "  --version      show the version\n"
+    "  --help         show this text\n";
 
 int commandsWriteEnd = -1;
 
@@ -64,8 +66,9 @@ struct Arguments {
 Arguments ParseArguments(int argc, char** argv)
 {
     Arguments arguments;
-    const std::array<option, 4> longOptions{{{"link", required_argument, nullptr, 'l'},
+    const std::array<option, 5> longOptions{{{"link", required_argument, nullptr, 'l'},
                                              {"parent", required_argument, nullptr, 'p'},
+                                             {"version", no_argument, nullptr, 'V'},
                                              {"help", no_argument, nullptr, 'h'},
                                              {}}};
     for (int c = 0; (c = getopt_long(argc, argv, "", longOptions.data(), nullptr)) != -1;) {
@@ -74,6 +77,9 @@ Arguments ParseArguments(int argc, char** argv)
         } else if (c == 'p') {
             EndWithParent(static_cast<pid_t>(std::atol(optarg)), SIGTERM);
             arguments.removesLinkFolder = true;
+        } else if (c == 'V') {
+            std::puts("virtual-board " QUILP_VERSION);
+            std::exit(0);
         } else {
             std::fputs(kUsage, c == 'h' ? stdout : stderr);
             std::exit(c == 'h' ? 0 : 2);

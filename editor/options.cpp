@@ -16,6 +16,7 @@ const char* const kUsage =
     "  --target FILE          the current target, which runs when the document is not Python\n"
     "  --virtual-board[=DIR]  attach a virtual board, with its files in DIR\n"
     "  --plugin FILE          load this plug-in instead of the one that comes with the editor\n"
+    "  --version              show the version\n"
     "  --help                 show this text\n"
     "Commands: run, stop, upload, upload-as-main, list, status, copy-template, help, and\n"
     "wait=SECONDS, which goes on after that time although a command still runs.\n";
@@ -65,12 +66,13 @@ std::optional<BatchCommand> ParseCommand(const std::string& word)
 // What getopt returns for a word that is no option when it is to keep the order ("-").
 constexpr int kWord = 1;
 
-const std::array<option, 7> kLongOptions{{
+const std::array<option, 8> kLongOptions{{
     {"document", required_argument, nullptr, 'd'},
     {"target", required_argument, nullptr, 't'},
     {"virtual-board", optional_argument, nullptr, 'v'},
     {"plugin", required_argument, nullptr, 'p'},
     {"batch", no_argument, nullptr, 'b'},
+    {"version", no_argument, nullptr, 'V'},
     {"help", no_argument, nullptr, 'h'},
     {},
 }};
@@ -83,6 +85,7 @@ bool Take(Options& options, int option, const char* argument)
         case 't': options.target = argument; return true;
         case 'p': options.plugin = argument; return true;
         case 'b': options.batch = true; return true;
+        case 'V': options.version = true; return true;
         case 'h': options.help = true; return true;
         case 'v':
             options.virtualBoard = true;
@@ -130,7 +133,7 @@ std::expected<Options, std::string> ParseOptions(const std::vector<std::string>&
             return std::unexpected(std::string(words[at]) + " is not a command");
         }
     }
-    if (!options.help && (!options.batch || options.commands.empty())) {
+    if (!options.help && !options.version && (!options.batch || options.commands.empty())) {
         return std::unexpected("--batch and at least one command are needed");
     }
     return options;

@@ -30,6 +30,7 @@ struct Options {
     std::string document;
     bool batch = false;
     std::vector<BatchCommand> commands;
+    bool version = false;
     bool help = false;
 };
 
