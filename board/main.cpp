@@ -24,7 +24,9 @@ constexpr const char* kUsage =
     "again, SIGINT and SIGTERM end it.\n"
     "  --link PATH    make PATH a link to the line-device while the board is plugged\n"
     "  --parent PID   end when the process PID ends, which started this one; then remove the\n"
-    "                 link's folder, too\n";
+    "                 link's folder, too\n"
+    "  --version      show the version\n"
+    "  --help         show this text\n";
 
 int commandsWriteEnd = -1;
 
@@ -64,8 +66,9 @@ struct Arguments {
 Arguments ParseArguments(int argc, char** argv)
 {
     Arguments arguments;
-    const std::array<option, 4> longOptions{{{"link", required_argument, nullptr, 'l'},
+    const std::array<option, 5> longOptions{{{"link", required_argument, nullptr, 'l'},
                                              {"parent", required_argument, nullptr, 'p'},
+                                             {"version", no_argument, nullptr, 'V'},
                                              {"help", no_argument, nullptr, 'h'},
                                              {}}};
     for (int c = 0; (c = getopt_long(argc, argv, "", longOptions.data(), nullptr)) != -1;) {
@@ -74,6 +77,9 @@ Arguments ParseArguments(int argc, char** argv)
         } else if (c == 'p') {
             EndWithParent(static_cast<pid_t>(std::atol(optarg)), SIGTERM);
             arguments.removesLinkFolder = true;
+        } else if (c == 'V') {
+            std::puts("virtual-board " QUILP_VERSION);
+            std::exit(0);
         } else {
             std::fputs(kUsage, c == 'h' ? stdout : stderr);
             std::exit(c == 'h' ? 0 : 2);
@@ -87,11 +93,11 @@ Arguments ParseArguments(int argc, char** argv)
     return arguments;
 }
 
-std::string OwnFolder()
+std::filesystem::path OwnFolder()
 {
     std::error_code error;
     const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
-    return error ? std::string(".") : self.parent_path().string();
+    return error ? std::filesystem::path(".") : self.parent_path();
 }
 
 std::string FromEnvironment(const char* name, const std::string& otherwise)
@@ -121,8 +127,10 @@ int main(int argc, char** argv)
     if (error) {
         return Fail(options.folder + ": " + error.message());
     }
-    options.interpreter.program = FromEnvironment("QUILP_MICROPYTHON", QUILP_MICROPYTHON);
-    options.interpreter.script = OwnFolder() + "/" QUILP_INTERPRETER_SCRIPT;
+    // One that is carried along is named from here; one of the system's has its full path.
+    const auto micropython = OwnFolder() / QUILP_MICROPYTHON;
+    options.interpreter.program = FromEnvironment("QUILP_MICROPYTHON", micropython.string());
+    options.interpreter.script = (OwnFolder() / QUILP_INTERPRETER_SCRIPT).string();
 
     Board board(std::move(options));
     if (const auto plugged = board.Plug(); !plugged) {

@@ -241,6 +241,10 @@ int main(int argc, char** argv)
         std::fputs(kUsage, stdout);
         return kSuccess;
     }
+    if (options->version) {
+        std::puts("quilp-editor " QUILP_VERSION);
+        return kSuccess;
+    }
     const auto files = FindFiles(*options);
     if (!files) {
         return Complain(files.error(), kUsageError);

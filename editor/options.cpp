@@ -19,6 +19,7 @@ const char* const kUsage =
     "  --plugin FILE          load this plug-in instead of the one that comes with the editor\n"
     "  --open-device-window   show the window of the board's files alone\n"
     "  --appearance NAME      light, dark, or system as the desktop has it\n"
+    "  --version              show the version\n"
     "  --help                 show this text\n"
     "Commands: run, stop, upload, upload-as-main, list, status, copy-template, help, and\n"
     "wait=SECONDS, which goes on after that time although a command still runs.\n";
@@ -68,7 +69,7 @@ std::optional<BatchCommand> ParseCommand(const std::string& word)
 // What getopt returns for a word that is no option when it is to keep the order ("-").
 constexpr int kWord = 1;
 
-const std::array<option, 9> kLongOptions{{
+const std::array<option, 10> kLongOptions{{
     {"document", required_argument, nullptr, 'd'},
     {"target", required_argument, nullptr, 't'},
     {"virtual-board", optional_argument, nullptr, 'v'},
@@ -76,6 +77,7 @@ const std::array<option, 9> kLongOptions{{
     {"open-device-window", no_argument, nullptr, 'w'},
     {"appearance", required_argument, nullptr, 'a'},
     {"batch", no_argument, nullptr, 'b'},
+    {"version", no_argument, nullptr, 'V'},
     {"help", no_argument, nullptr, 'h'},
     {},
 }};
@@ -89,6 +91,7 @@ bool Take(Options& options, int option, const char* argument)
         case 'p': options.plugin = argument; return true;
         case 'b': options.batch = true; return true;
         case 'w': options.openDeviceWindow = true; return true;
+        case 'V': options.version = true; return true;
         case 'h': options.help = true; return true;
         case 'a':
             if (const auto appearance = AppearanceNamed(argument)) {
@@ -145,7 +148,7 @@ std::expected<Options, std::string> ParseOptions(const std::vector<std::string>&
     if (options.openDeviceWindow && (options.batch || !options.commands.empty())) {
         return std::unexpected("--open-device-window goes without commands");
     }
-    if (!options.help && !options.openDeviceWindow &&
+    if (!options.help && !options.version && !options.openDeviceWindow &&
         (!options.batch || options.commands.empty())) {
         return std::unexpected("--batch and at least one command are needed");
     }

@@ -34,6 +34,7 @@ struct Options {
     std::vector<BatchCommand> commands;
     bool openDeviceWindow = false;  // and nothing else
     Appearance appearance = Appearance::System;
+    bool version = false;
     bool help = false;
 };
 
