@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QByteArray>
+
+#include <expected>
+#include <string>
+
+// Whole files, read and written at once. Errors are sentences for the user. Used on any thread.
+
+inline constexpr qint64 kLargestDocument = 64 * 1024 * 1024;  // bytes
+
+// The bytes of a regular file. Opens nothing else, so that neither a FIFO can hold the caller up
+// nor a serial line be reset.
+std::expected<QByteArray, std::string> ReadFileBytes(const std::string& path,
+                                                     qint64 largest = kLargestDocument);
+
+// What the names of SaveAtomically's temporary files begin with: a process that is killed while it
+// saves leaves one behind.
+inline constexpr const char* kTemporaryPrefix = ".quilp-";
+
+// Writes a file so that at any time, also after a crash or a power failure, either all of the old
+// bytes or all of the new are there. On an error the file is as it was.
+//
+// A symbolic link stays, and what it leads to is written. An existing file keeps its mode, and its
+// owner and group where this user may set them; other hard links to it keep the old bytes, and
+// access-control lists are not kept. A new file gets the mode that the umask leaves. A file that
+// this user may not write is not replaced, nor is one in a folder where no temporary file can be
+// made.
+std::expected<void, std::string> SaveAtomically(const std::string& path, const QByteArray& bytes);

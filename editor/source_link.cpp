@@ -1,0 +1,61 @@
+#include "source_link.h"
+
+#include <QRegularExpression>
+
+namespace {
+
+constexpr qsizetype kWordAndBlank = 5;  // "File "
+
+// A quoted path goes on up to a quote before the comma.
+bool IsWhole(QStringView path)
+{
+    return !path.startsWith(u'"') || (path.size() > 1 && path.endsWith(u'"'));
+}
+
+QStringView WithoutQuotes(QStringView path)
+{
+    return path.startsWith(u'"') ? path.sliced(1, path.size() - 2) : path;
+}
+
+bool IsFile(QStringView path)
+{
+    return !path.isEmpty() && !(path.startsWith(u'<') && path.endsWith(u'>'));
+}
+
+bool Contains(const SourceLink& link, qsizetype column)
+{
+    return column >= link.start && column - link.start < link.length;
+}
+
+}  // namespace
+
+std::optional<SourceLink> FindSourceLink(const QString& line, qsizetype column)
+{
+    // The two ends of a link, each by itself: one pattern from end to end would take a time that
+    // grows with the square of a board's line.
+    static const QRegularExpression ends(R"(\bFile (?=["/])|, line (\d+)(?=[,;:)\s]|\.?$|\.\s))");
+    qsizetype start = -1;
+    for (auto it = ends.globalMatch(line); it.hasNext();) {
+        const auto match = it.next();
+        if (!match.hasCaptured(1)) {
+            start = match.capturedStart();
+            continue;
+        }
+        if (start < 0) {
+            continue;
+        }
+        const auto path =
+            QStringView(line).first(match.capturedStart()).sliced(start + kWordAndBlank);
+        if (!IsWhole(path)) {
+            continue;
+        }
+        const SourceLink link{WithoutQuotes(path).toString(), match.captured(1).toInt(), start,
+                              match.capturedEnd(1) - start};
+        // A number that is too large counts as 0.
+        if (IsFile(link.path) && link.line > 0 && (column < 0 || Contains(link, column))) {
+            return link;
+        }
+        start = -1;
+    }
+    return std::nullopt;
+}

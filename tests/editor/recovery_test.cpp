@@ -1,0 +1,141 @@
+#include "recovery.h"
+
+#include "forked_child.h"
+#include "wait.h"
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <filesystem>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const RecoveryCopy kCopy{"/p/\xFF.py", TextEncoding::Latin1, "a\r\nπ😀"};
+
+void Leave(const std::string& root)
+{
+    ASSERT_TRUE(RecoveryStore(root).Keep("1", kCopy));
+}
+
+}  // namespace
+
+TEST(Recovery, AKilledEditorsCopiesAreOfferedAtOnceAndOnlyOnce)
+{
+    const TemporaryFolder folder;
+    const auto root = folder / "recovery";
+    ForkedChild editor([&] {
+        RecoveryStore store(root);
+        const bool kept = store.Keep("1", {}) && store.Keep("1", kCopy) && store.Keep("2", kCopy);
+        store.Discard("2");
+        folder.Write("ready", kept ? "yes" : "no");
+        return pause();
+    });
+    ASSERT_TRUE(WaitUntil([&] { return ReadFile(folder / "ready") == "yes"; }));
+    RecoveryStore one(root);
+    EXPECT_TRUE(one.Orphans().empty());
+    editor.Kill();
+    const auto orphans = one.Orphans();
+    EXPECT_TRUE(RecoveryStore(root).Orphans().empty());
+    EXPECT_TRUE(one.Orphans().empty());
+    ASSERT_EQ(orphans.size(), 1u);
+    EXPECT_EQ(orphans[0].copy.path, kCopy.path);
+    EXPECT_EQ(orphans[0].copy.encoding, kCopy.encoding);
+    EXPECT_EQ(orphans[0].copy.text, kCopy.text);
+}
+
+TEST(Recovery, AnAdoptedCopyIsKeptAndDiscardedAsOnesOwn)
+{
+    const TemporaryFolder root;
+    Leave(root.path());
+    Leave(root.path());
+    {
+        RecoveryStore store(root.path());
+        ASSERT_TRUE(store.Keep("1", kCopy));  // The same id as in the other editors.
+        const auto orphans = store.Orphans();
+        ASSERT_EQ(orphans.size(), 2u);
+        store.Discard(orphans[0].id);
+        ASSERT_TRUE(store.Keep(orphans[1].id, {"/q", TextEncoding::Utf8, "newer"}));
+        store.Discard("1");
+        store.Discard("no such id");
+    }
+    {
+        RecoveryStore next(root.path());
+        const auto orphans = next.Orphans();
+        ASSERT_EQ(orphans.size(), 1u);
+        EXPECT_EQ(orphans[0].copy.text, "newer");
+        next.Discard(orphans[0].id);
+    }
+    EXPECT_TRUE(fs::is_empty(root.path()));
+}
+
+TEST(Recovery, ADamagedCopyIsSkippedAndLeftWhereItIs)
+{
+    const TemporaryFolder root;
+    Leave(root.path());
+    const std::string file = RecoveryStore(root.path()).Orphans().at(0).id;
+    const std::string good = ReadFile(file);
+    const auto folder = fs::path(file).parent_path().filename().string() + "/";
+    const std::pair<std::string, std::string> damaged[] = {
+        {folder + "empty", ""},
+        {folder + "newer", "Q" + good.substr(1)},
+        {folder + "short", good.substr(0, 30)},
+        {folder + "flipped", good.substr(0, good.size() - 1) + "?"}};
+    for (const auto& [name, bytes] : damaged) {
+        root.Write(name, bytes);
+    }
+    // A killed process leaves such a file when it was writing.
+    const auto half = root.Write(folder + kTemporaryPrefix + "x", "half");
+    EXPECT_EQ(RecoveryStore(root.path()).Orphans().size(), 1u);
+    for (const auto& [name, bytes] : damaged) {
+        EXPECT_TRUE(fs::exists(root / name) && ReadFile(root / name) == bytes) << name;
+    }
+    EXPECT_FALSE(fs::exists(half));
+}
+
+TEST(Recovery, EditorsThatStartTogetherShareTheOrphansOut)
+{
+    const TemporaryFolder folder;
+    const auto root = folder / "recovery";
+    for (int i = 0; i < 30; ++i) {
+        Leave(root);
+    }
+    std::list<ForkedChild> editors;
+    for (int i = 0; i < 4; ++i) {
+        editors.emplace_back([&] {
+            WaitUntil([&] { return fs::exists(folder / "go"); });
+            RecoveryStore store(root);
+            const auto orphans = store.Orphans();
+            for (const auto& orphan : orphans) {
+                // Others may take the new store's folder for one left behind at any time.
+                RecoveryStore another(root);
+                if (!another.Keep("own", kCopy)) {
+                    return 100;
+                }
+                another.Discard("own");
+                store.Discard(orphan.id);
+            }
+            return static_cast<int>(orphans.size());
+        });
+    }
+    folder.Write("go", "");
+    int adopted = 0;
+    for (auto& editor : editors) {
+        adopted += editor.Wait();
+    }
+    EXPECT_EQ(adopted, 30);
+    EXPECT_TRUE(RecoveryStore(root).Orphans().empty());
+    EXPECT_TRUE(fs::is_empty(root));
+}
+
+TEST(Recovery, NothingIsMadeBeforeItIsNeededAndFailuresAreTold)
+{
+    const TemporaryFolder folder;
+    EXPECT_TRUE(RecoveryStore(folder / "none").Orphans().empty());
+    EXPECT_FALSE(fs::exists(folder / "none"));
+    const auto file = folder.Write("file", "");
+    EXPECT_EQ(RecoveryStore(file).Keep("1", kCopy).error(),
+              "no folder can be made in " + file + ": Not a directory");
+}
