@@ -2,10 +2,20 @@
 
 #include "Settings.h"
 #include "frame_fitting.h"
+#include "runner.h"
 
 namespace {
 
 constexpr float kScreenInset = 10.0F;
+
+// No window was ever that far away or that small; a frame that says so is a damaged one.
+bool IsUsable(BRect frame)
+{
+    constexpr double kFarthest = 1e6;
+    const bool isNear = frame.left >= -kFarthest && frame.top >= -kFarthest &&
+                        frame.right <= kFarthest && frame.bottom <= kFarthest;
+    return isNear && frame.Width() > 0 && frame.Height() > 0;
+}
 
 // The tags of the window's description.
 constexpr int kCloseButton = 1;
@@ -60,8 +70,11 @@ void QuilpWindow::Initialise()
     progress->Stop();
     SetUpButtons();
     reloadHook = [rebind = rebinder, weak](unique_function<void()> done) {
-        rebind([weak, done = std::move(done)](PluginInterface* pi) mutable {
-            if (const auto window = weak.lock()) {
+        rebind([weak, count = CommandCount(), done = std::move(done)](PluginInterface* pi) mutable {
+            const auto window = weak.lock();
+            if (window && window->IsOvertaken(count)) {
+                window->progress->Stop();
+            } else if (window) {
                 window->Reload(pi, std::move(done));
             }
         });
@@ -80,9 +93,10 @@ void QuilpWindow::SetUpListing()
             return;
         }
         // A copy: the table may be cleared before it is opened.
-        rebinder([weak, copy = std::make_unique<IconTableItem>(
-                            entry->name, entry->path, entry->isDirectory)](PluginInterface*) {
-            if (const auto window = weak.lock()) {
+        rebinder([operation = Operation{weak, operationCount},
+                  copy = std::make_unique<IconTableItem>(entry->name, entry->path,
+                                                         entry->isDirectory)](PluginInterface*) {
+            if (const auto window = operation.Window()) {
                 window->Open(copy.get());
             }
         });
@@ -142,7 +156,8 @@ void QuilpWindow::ReadSettings(PluginInterface* /*pi*/, const char* const* words
         return;
     }
     const char* const* option = words + 1;  // Behind the key.
-    if (const auto frame = ParseAsRectFromArgv(option, "frame")) {
+    const auto frame = ParseAsRectFromArgv(option, "frame");
+    if (frame && IsUsable(*frame)) {
         gWindowRect = frame;
     }
 }

@@ -104,6 +104,9 @@ class QuilpWindow final : public BWindow {
     void PopulateContextMenu(BMenu& menu);
 
     Operation BeginOperation();
+    // Whether somebody else has started or stopped a command since CommandCount() was this: what
+    // was wished for before must not stop that.
+    bool IsOvertaken(unsigned commandCount) const;
     void AddRow(const std::string& listedPath, const std::string_view& line);
     static void QueryDevice(PluginInterface* pi, PendingOperation pending,
                             unique_function<void()>&& done);
@@ -123,4 +126,5 @@ class QuilpWindow final : public BWindow {
     std::string currentPath = "/";
     std::string deviceName = "Device";
     unsigned operationCount = 0;
+    unsigned ownCommand = 0;  // CommandCount() after the command that this window started last
 };

@@ -30,6 +30,11 @@ QuilpWindow::Operation QuilpWindow::BeginOperation()
     return {::weak_from_this(this), ++operationCount};
 }
 
+bool QuilpWindow::IsOvertaken(unsigned commandCount) const
+{
+    return CommandCount() != commandCount && CommandCount() != ownCommand;
+}
+
 void QuilpWindow::Reload(unique_function<void()>&& done)
 {
     reloadHook(std::move(done));
@@ -58,6 +63,7 @@ void QuilpWindow::Reload(PluginInterface* pi, unique_function<void()>&& done)
         });
     };
     DirectoryListing(pi, currentPath, onLine, std::move(query));
+    ownCommand = CommandCount();
 }
 
 void QuilpWindow::AddRow(const std::string& listedPath, const std::string_view& line)
@@ -80,7 +86,8 @@ void QuilpWindow::AddRow(const std::string& listedPath, const std::string_view& 
 void QuilpWindow::QueryDevice(PluginInterface* pi, PendingOperation pending,
                               unique_function<void()>&& done)
 {
-    if (!pending.Window()) {
+    const auto asking = pending.Window();
+    if (!asking) {
         return;
     }
     const auto onDevice = [operation = pending.operation()](const std::string_view& line) {
@@ -94,6 +101,7 @@ void QuilpWindow::QueryDevice(PluginInterface* pi, PendingOperation pending,
             done();
         }
     });
+    asking->ownCommand = CommandCount();
 }
 
 void QuilpWindow::ShowDevice(const std::string_view& line)
@@ -137,8 +145,13 @@ void QuilpWindow::ChangeDirectory(const std::string& path, const std::string& se
         return;
     }
     currentPath = newPath;
+    // The rows of the directory that is left are not those of this path.
+    BeginOperation();
+    listView->Clear();
     Reload([weak = ::weak_from_this(this), selectName] {
-        if (const auto window = weak.lock()) {
+        const auto window = weak.lock();
+        // What the user has selected meanwhile stays: a deletion may be about to follow.
+        if (window && window->listView->SelectedItems().empty()) {
             window->Select(selectName);
         }
     });

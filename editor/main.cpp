@@ -181,6 +181,7 @@ int RunDeviceWindow(const Options& options, const PluginModule& plugin)
     QObject::connect(&onSignal, &QSocketNotifier::activated, [&] {
         onSignal.setEnabled(false);
         runtime.CloseWindows();
+        QCoreApplication::quit();
     });
     bool opened = false;
     Protect([&] { opened = OpenDeviceWindow(plugin, host); });

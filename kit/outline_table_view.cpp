@@ -4,6 +4,7 @@
 #include "display_text.h"
 #include "geometry_conversion.h"
 #include "menu_widget.h"
+#include "protect.h"
 #include "table_native.h"
 #include "table_widget.h"
 #include "window_widget.h"
@@ -59,7 +60,7 @@ BOutlineTableView::BOutlineTableView(std::unique_ptr<Native> native) : BView(std
 {
     Widget(*this).handlers.drawItem = [this](QPainter& painter, FTableItem& item, BRect cell) {
         BView::native().painter = &painter;
-        item.DrawItem(this, cell);
+        Protect([&] { item.DrawItem(this, cell); });
         BView::native().painter = nullptr;
     };
 }

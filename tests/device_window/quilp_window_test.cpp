@@ -16,6 +16,7 @@
 #include <QScreen>
 #include <QShortcut>
 #include <QTest>
+#include <QThread>
 #include <QUrl>
 
 #include <functional>
@@ -144,6 +145,8 @@ TEST_F(ScriptedDeviceWindow, SavedFramesAreReadAndFittedToAScreenThatIsThere)
     EXPECT_FALSE(QuilpWindow::gWindowRect);
     read({"QuilpWindowFrame", "-frame", "90000,-7000,90400,-6500"});
     read({"QuilpWindowFrame", "-frame", "1,2,3"});
+    read({"QuilpWindowFrame", "-frame", "0,0,1e300,1e300"});
+    read({"QuilpWindowFrame", "-frame", "9,9,3,3"});
     ASSERT_TRUE(QuilpWindow::gWindowRect);
 
     const auto frame = QuilpWindow::ShowInstance(&host)->Frame();
@@ -415,16 +418,56 @@ TEST_F(ScriptedDeviceWindow, OfManyDirectoryChangesTheLastWins)
 TEST_F(ScriptedDeviceWindow, RowsOfAnOvertakenListingDoNotAppear)
 {
     Open();
-    // The rows of the first listing are on their way when the second begins.
-    host.HoldWork();
-    PressButton("refresh");
-    host.ReleaseWork();
-    PressButton("refresh");
-    for (int i = 0; i < 3; ++i) {
-        QuilpWindow::gInstance->Reload(&host, {});
+    host.ToolHangs("ls");
+    const int before = host.PostedElsewhere();
+    QuilpWindow::gInstance->Reload(&host, {});
+    // All its lines are on their way; the event loop does not come to them.
+    for (int i = 0; i < 2000 && host.PostedElsewhere() < before + 8; ++i) {
+        QThread::msleep(5);
     }
+    ASSERT_EQ(host.PostedElsewhere(), before + 8);
+    host.ToolHangs("ls", false);
+    QuilpWindow::gInstance->Reload(&host, {});
     Settle();
     EXPECT_EQ(Rows().size(), 4U);
+}
+
+TEST_F(ScriptedDeviceWindow, ADirectoryIsNotEnteredTwice)
+{
+    OpenAndForgetCalls();
+    SelectRows({"lib/"});
+    CommandKey(Qt::Key_Down);
+    CommandKey(Qt::Key_Down);
+    EXPECT_EQ(Rows(), Strings{}) << "rows of the root below /lib";
+    Settle();
+    EXPECT_EQ(NewCalls(), (Strings{"ls /lib", "devs"}));
+}
+
+TEST_F(ScriptedDeviceWindow, WhatTheUserSelectsMeanwhileStaysSelected)
+{
+    Open();
+    DoubleClick("lib/");
+    Settle();
+    CommandKey(Qt::Key_Up);
+    ASSERT_TRUE(WaitUntil([&] { return Rows().size() == 4U && Selection().empty(); }));
+    SelectRows({"boot.py"});
+    Settle();
+    EXPECT_EQ(Selection(), Strings{"boot.py"});
+}
+
+TEST_F(ScriptedDeviceWindow, AReloadThatIsOnlyPostedDoesNotStopARun)
+{
+    Open();
+    host.ToolHangs("run");
+    host.language = kPythonLanguage;
+    host.document = "/tmp/a.py";
+    host.HoldWork();
+    QuilpWindow::gInstance->Reload({});
+    ::Run(&host);
+    host.ReleaseWork();
+    ASSERT_TRUE(WaitUntil([&] { return host.ToolCalls().back() == "run /tmp/a.py"; }));
+    EXPECT_FALSE(runtime.IsIdle());
+    EXPECT_FALSE(IsBusy());
 }
 
 TEST_F(ScriptedDeviceWindow, WhatTheUserStartsMeanwhileIsNotStopped)

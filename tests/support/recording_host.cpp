@@ -119,6 +119,7 @@ PluginInterface::Rebinder RecordingHost::MakeRebinder(std::int32_t kind)
             heldWork_.push_back(work);
         } else {
             runtime_.queue().Post([this, work] { work(this); });
+            postedElsewhere_ += std::this_thread::get_id() == ui ? 0 : 1;
         }
     };
 }

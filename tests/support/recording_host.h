@@ -5,6 +5,7 @@
 #include "runtime.h"
 #include "wait.h"
 
+#include <atomic>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,9 @@ class RecordingHost final : public PluginInterface {
     void ReleaseWork();
     // Runs the event loop until no command runs. Returns the worksheet, and empties it.
     std::string WorksheetWhenIdle();
+
+    // How often work was posted from a thread of a shell.
+    int PostedElsewhere() const { return postedElsewhere_; }
 
     std::uint32_t language = 0;
     std::string document;
@@ -68,6 +72,7 @@ class RecordingHost final : public PluginInterface {
     Runtime& runtime_;
     TemporaryFolder folder_;
     PluginBundle bundle_;
+    std::atomic<int> postedElsewhere_ = 0;
     bool holdsWork_ = false;
     std::vector<PluginWork> heldWork_;
 };
