@@ -22,7 +22,7 @@ namespace {
 using Path = std::filesystem::path;
 using FileStatus = struct stat;
 
-constexpr qint64 kPiece = 1024 * 1024;
+constexpr qint64 kPiece = 1024LL * 1024;
 constexpr int kMostLinks = 40;  // As the system's own limit.
 constexpr mode_t kPermissions = 0777;
 constexpr mode_t kAllModeBits = 07777;
@@ -74,12 +74,12 @@ class Temporary {
     ~Temporary()
     {
         CloseDescriptor(fd_);
-        if (isThere_) {
+        if (isThere() && !tookPlace_) {
             unlink(path_.c_str());
         }
     }
 
-    bool isThere() const { return isThere_; }
+    bool isThere() const { return fd_ >= 0; }
 
     // False, with errno set, when the bytes cannot be brought to the disk.
     bool Fill(const QByteArray& bytes, const std::optional<FileStatus>& old) const
@@ -96,8 +96,8 @@ class Temporary {
     // False, with errno set, when it cannot.
     bool TakePlaceOf(const Path& target)
     {
-        isThere_ = std::rename(path_.c_str(), target.c_str()) != 0;
-        return !isThere_;
+        tookPlace_ = std::rename(path_.c_str(), target.c_str()) == 0;
+        return tookPlace_;
     }
 
   private:
@@ -114,7 +114,7 @@ class Temporary {
 
     Path path_;
     int fd_;
-    bool isThere_ = fd_ >= 0;
+    bool tookPlace_ = false;
 };
 
 // The file that links lead to, which need not exist. Empty when they lead in a circle.

@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr qint64 kLargestFile = 1024 * 1024;  // bytes
+constexpr qint64 kLargestFile = 1024LL * 1024;  // bytes
 
 std::vector<std::string> CutLines(const std::string& text)
 {

@@ -49,8 +49,8 @@ std::optional<SourceLink> FindSourceLink(const QString& line, qsizetype column)
         if (!IsWhole(path)) {
             continue;
         }
-        const SourceLink link{WithoutQuotes(path).toString(), match.captured(1).toInt(), start,
-                              match.capturedEnd(1) - start};
+        SourceLink link{WithoutQuotes(path).toString(), match.captured(1).toInt(), start,
+                        match.capturedEnd(1) - start};
         // A number that is too large counts as 0.
         if (IsFile(link.path) && link.line > 0 && (column < 0 || Contains(link, column))) {
             return link;
