@@ -90,6 +90,7 @@ bool QuilpWindow::AcceptDrop(objc_object* info, objc_object* item)
         }
     }
     std::vector<std::string> paths;
+    paths.reserve(refs.size());
     for (const auto& ref : refs) {
         paths.push_back(ref.path());
     }
