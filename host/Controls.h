@@ -14,7 +14,7 @@ class BButton final : public BView {
 
     // Has the function run when the button is pressed: in the target, in the order of everything
     // that is delivered there, and not at all when the target is gone by then.
-    void SetInvokeTarget(BMessenger target, std::function<void()> function);
+    void SetInvokeTarget(const BMessenger& target, const std::function<void()>& function);
 };
 
 // One line of plain text, shortened when it does not fit.

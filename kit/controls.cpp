@@ -9,7 +9,7 @@
 
 #include <utility>
 
-void BButton::SetInvokeTarget(BMessenger target, std::function<void()> function)
+void BButton::SetInvokeTarget(const BMessenger& target, const std::function<void()>& function)
 {
     auto& button = native().As<QPushButton>();
     button.disconnect();

@@ -14,7 +14,7 @@ QIcon MenuIcon(const BMenuItem& item)
 }
 
 QMenu* MakeMenuWidget(const BMenu& menu, QWidget* parent,
-                      std::function<void(const std::function<void()>& action)> choose)
+                      const std::function<void(const std::function<void()>& action)>& choose)
 {
     auto* widget = new QMenu(parent);
     widget->setObjectName(QString::fromStdString(menu.Name()));

@@ -20,8 +20,11 @@ std::optional<BRect> ParseRect(std::string_view text)
     const char* const end = text.data() + text.size();
     for (double& edge : edges) {
         const bool isFirst = &edge == edges.data();
-        if (!isFirst && (at == end || *at++ != ',')) {
-            return std::nullopt;
+        if (!isFirst) {
+            if (at == end || *at != ',') {
+                return std::nullopt;
+            }
+            ++at;
         }
         const auto [stop, error] = std::from_chars(at, end, edge);
         if (error != std::errc() || !std::isfinite(edge)) {
