@@ -35,16 +35,19 @@ def main():
             is_right = lambda output: output.count(b"\n") == FILES + 1
             return 1000 * seconds([build.tool, "ls"], environment, is_right)
 
-        numbers(str(FILES)), bare()  # Does not count.
-        results = [(numbers(str(FILES)), bare()) for _ in range(pairs)]
-        ratio = statistics.median(ours[0] / other for ours, other in results)
+        ours = lambda: numbers(str(FILES))[0]
+        ours(), bare()  # Does not count.
+        times = [(ours(), bare()) for _ in range(pairs)]
+        our_median, bare_median = (statistics.median(side) for side in zip(*times))
         print(
-            f"window until its last of {FILES} rows: "
-            f"{statistics.median(ours[0] for ours, _ in results):.1f} ms, the bare tool "
-            f"{statistics.median(other for _, other in results):.1f} ms, "
-            f"median ratio {ratio:.3f} of {pairs} pairs; longest stall "
-            f"{statistics.median(ours[1] for ours, _ in results):.1f} ms median, "
-            f"{max(ours[1] for ours, _ in results):.1f} ms at most"
+            f"window until its last of {FILES} rows: {our_median:.1f} ms, the bare tool "
+            f"{bare_median:.1f} ms, median ratio "
+            f"{statistics.median(one / other for one, other in times):.3f} of {pairs} pairs"
+        )
+        stalls = [numbers(str(FILES), "stalls")[0] for _ in range(5)]
+        print(
+            f"longest stall of the user-interface thread meanwhile: "
+            f"{statistics.median(stalls):.1f} ms median, {max(stalls):.1f} ms at most of 5"
         )
         rows = [numbers(str(ROWS), "rows") for _ in range(5)]
         print(

@@ -3,7 +3,15 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
+
+namespace {
+
+// Rows that come one by one would otherwise cost the tool and the board more time than they need.
+constexpr std::chrono::milliseconds kBetweenAnnouncements{30};
+
+}  // namespace
 
 TableModel::TableModel(QObject* parent) : QAbstractTableModel(parent) {}
 
@@ -64,7 +72,7 @@ bool TableModel::Holds(const objc_object* row) const
 void TableModel::PublishSoon()
 {
     if (!std::exchange(willPublish_, true)) {
-        QTimer::singleShot(0, this, &TableModel::Publish);
+        QTimer::singleShot(kBetweenAnnouncements, this, &TableModel::Publish);
     }
 }
 

@@ -13,8 +13,8 @@ struct TableRow : objc_object {
     std::vector<std::unique_ptr<FTableItem>> cells;
 };
 
-// The rows of a table. New rows are announced together, once in a turn of the event loop: a view
-// lays out all of its rows for each announcement.
+// The rows of a table. New rows are announced together, some thirty times a second: a view lays out
+// all of its rows for each announcement, and paints.
 class TableModel final : public QAbstractTableModel {
   public:
     explicit TableModel(QObject* parent);
