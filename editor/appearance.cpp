@@ -4,6 +4,8 @@
 #include <QPalette>
 #include <QStyleFactory>
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace {
@@ -55,18 +57,22 @@ QString StyleSheet(const Colors& colors)
         .arg(colors.window.name(), colors.muted.name(), colors.line.name());
 }
 
+using NamedAppearance = std::pair<const char*, Appearance>;
+constexpr std::array<NamedAppearance, 3> kNames{{{"system", Appearance::System},
+                                                 {"light", Appearance::Light},
+                                                 {"dark", Appearance::Dark}}};
+
 }  // namespace
 
 std::optional<Appearance> AppearanceNamed(const std::string& name)
 {
-    for (const auto& [known, appearance] :
-         {std::pair("system", Appearance::System), std::pair("light", Appearance::Light),
-          std::pair("dark", Appearance::Dark)}) {
-        if (name == known) {
-            return appearance;
-        }
-    }
-    return std::nullopt;
+    const auto found = std::ranges::find(kNames, name, &NamedAppearance::first);
+    return found != kNames.end() ? std::optional(found->second) : std::nullopt;
+}
+
+std::string AppearanceName(Appearance appearance)
+{
+    return std::ranges::find(kNames, appearance, &NamedAppearance::second)->first;
 }
 
 void SetAppearance(Appearance appearance)

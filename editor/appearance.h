@@ -8,6 +8,7 @@ enum class Appearance { System, Light, Dark };
 
 // The names are "system", "light" and "dark".
 std::optional<Appearance> AppearanceNamed(const std::string& name);
+std::string AppearanceName(Appearance appearance);
 
 // Sets style, colours and font of all windows. Once, after the application object was made; a
 // change of the appearance later is allowed.

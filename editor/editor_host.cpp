@@ -1,5 +1,11 @@
 #include "editor_host.h"
 
+#include "plugin_settings.h"
+#include "protect.h"
+#include "shortcuts.h"
+
+#include <cstdarg>
+#include <cstdio>
 #include <string_view>
 #include <utility>
 
@@ -8,12 +14,17 @@ namespace {
 // The host's message codes.
 constexpr int kLoad = 1;
 constexpr int kRegister = 2;
+constexpr int kPressControl = 100;
+constexpr int kOpenPopUp = 101;
 constexpr int kCommand = 103;
 constexpr int kReadSettings = 104;
+constexpr int kOfferControls = 307;
+constexpr int kWriteSettings = 400;
 
 constexpr std::uint32_t kPlainText = 0;
 
-// There is one target at a time, so its handle never differs.
+// The target that would run now is the only one the plug-in can ask for, so its handle never
+// differs.
 constexpr std::uint32_t kOnlyTarget = 1;
 
 std::uint32_t LanguageOf(const EntryRef& ref)
@@ -30,43 +41,125 @@ EditorHost::EditorHost(const PluginModule& plugin, Runtime& runtime, Worksheet w
     bundle = plugin.bundle();
 }
 
+// 0, as for a message that is not known, when the plug-in throws.
+std::int32_t EditorHost::Send(int message)
+{
+    std::int32_t reply = 0;
+    Protect([&] { reply = plugin_.Main(message, this); });
+    return reply;
+}
+
 std::expected<void, std::string> EditorHost::Start()
 {
-    if (const auto reply = plugin_.Main(kLoad, this); reply != 1) {
+    if (const auto reply = Send(kLoad); reply != 1) {
         return std::unexpected("the plug-in does not take this editor on: it answers " +
                                std::to_string(reply));
     }
-    plugin_.Main(kRegister, this);
-    plugin_.Main(kReadSettings, this);
+    Send(kRegister);
+    ReadSettings();
     return {};
+}
+
+void EditorHost::ReadSettings()
+{
+    for (const auto& key : settingsKeys_) {
+        const auto* words = settings_ != nullptr ? settings_->Words(key) : nullptr;
+        std::vector<const char*> pointers;
+        if (words != nullptr) {
+            for (const auto& word : *words) {
+                pointers.push_back(word.c_str());
+            }
+        }
+        pointers.push_back(nullptr);
+        settingsArgv = words != nullptr ? pointers.data() : nullptr;
+        Send(kReadSettings);
+        settingsArgv = nullptr;
+    }
 }
 
 bool EditorHost::Perform(const std::string& command)
 {
     commandName = command.c_str();
-    const bool known = plugin_.Main(kCommand, this) == 2;
+    const bool known = Send(kCommand) == 2;
     commandName = nullptr;
     return known;
 }
 
-bool EditorHost::HasRunnable() const
+std::vector<std::string> EditorHost::OfferedControls()
 {
-    return LanguageOf(document_) == kPythonLanguage || LanguageOf(target_) == kPythonLanguage;
+    offered_.clear();
+    Send(kOfferControls);
+    return std::exchange(offered_, {});
 }
 
-// Without windows there are no controls, no menu of commands and no settings to keep.
-void EditorHost::AddButton(const std::string& /*name*/, void* /*pluginBundle*/) {}
+void EditorHost::PressControl()
+{
+    Send(kPressControl);
+}
+
+void EditorHost::OpenPopUp(BRect control)
+{
+    control_ = control;
+    Send(kOpenPopUp);
+}
+
+std::expected<void, std::string> EditorHost::SaveSettings()
+{
+    writtenSettings_.clear();
+    Send(kWriteSettings);
+    if (settings_ == nullptr) {
+        return {};
+    }
+    settings_->Replace(std::exchange(writtenSettings_, {}));
+    return settings_->Save();
+}
+
+const EntryRef& EditorHost::RunningTarget() const
+{
+    return target_.path().empty() ? projectTarget_ : target_;
+}
+
+bool EditorHost::HasRunnable() const
+{
+    return LanguageOf(document_) == kPythonLanguage ||
+           LanguageOf(RunningTarget()) == kPythonLanguage;
+}
+
+void EditorHost::AddButton(const std::string& name, void* /*pluginBundle*/)
+{
+    offered_.push_back(name);
+}
 
 BRect EditorHost::ButtonFrame()
 {
-    return {};
+    return control_;
 }
 
-void EditorHost::RegisterSettingsKey(const std::string& /*key*/) {}
+void EditorHost::RegisterSettingsKey(const std::string& key)
+{
+    settingsKeys_.push_back(key);
+    if (settings_ != nullptr) {
+        settings_->RegisterKey(key);
+    }
+}
 
-void EditorHost::RegisterCommand(const std::string& /*name*/, const std::string& /*description*/) {}
+void EditorHost::RegisterCommand(const std::string& name, const std::string& description)
+{
+    commands_.push_back({name, description});
+}
 
-void EditorHost::WriteSettings(const char* /*format*/, ...) {}
+void EditorHost::WriteSettings(const char* format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    char* text = nullptr;
+    const int length = vasprintf(&text, format, arguments);
+    va_end(arguments);
+    if (length >= 0) {
+        writtenSettings_.append(text, static_cast<std::size_t>(length));
+        std::free(text);
+    }
+}
 
 EntryRef EditorHost::DocumentRef()
 {
@@ -80,7 +173,7 @@ bool EditorHost::HasCurrentTarget()
 
 bool EditorHost::HasProjectTarget()
 {
-    return false;
+    return !projectTarget_.path().empty();
 }
 
 std::uint32_t EditorHost::DocumentLanguage()
@@ -88,9 +181,10 @@ std::uint32_t EditorHost::DocumentLanguage()
     return LanguageOf(document_);
 }
 
-std::pair<std::uint32_t, std::uint32_t> EditorHost::CommandShortcut(const std::string& /*name*/)
+std::pair<std::uint32_t, std::uint32_t> EditorHost::CommandShortcut(const std::string& name)
 {
-    return {0, 0};
+    return shortcuts_ != nullptr ? shortcuts_->KeyAndModifiers(name)
+                                 : std::pair<std::uint32_t, std::uint32_t>(0, 0);
 }
 
 PluginInterface::Rebinder EditorHost::MakeRebinder(std::int32_t /*kind*/)
@@ -109,12 +203,12 @@ void EditorHost::InsertInWorksheet(const std::string& text, const std::string& /
 
 std::uint32_t EditorHost::TargetLanguage(std::uint32_t /*target*/)
 {
-    return LanguageOf(target_);
+    return LanguageOf(RunningTarget());
 }
 
 EntryRef EditorHost::TargetRef(std::uint32_t /*target*/)
 {
-    return target_;
+    return RunningTarget();
 }
 
 std::uint32_t EditorHost::CurrentTarget()

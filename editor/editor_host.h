@@ -7,9 +7,20 @@
 #include <expected>
 #include <functional>
 #include <string>
+#include <vector>
 
-// The editor as the plug-in sees it: it answers the plug-in's questions and sends it messages.
-// Used on the user-interface thread; outlives the Runtime's last task.
+class PluginSettings;
+class Shortcuts;
+
+// A command that the plug-in registered.
+struct RegisteredCommand {
+    std::string name;
+    std::string description;
+};
+
+// The editor as the plug-in sees it: it answers the plug-in's questions and sends it messages. What
+// the plug-in throws meanwhile goes to the error handler (protect.h). Used on the user-interface
+// thread; outlives the Runtime's last task.
 class EditorHost final : public PluginInterface {
   public:
     using Worksheet = std::function<void(const std::string& text)>;
@@ -17,16 +28,34 @@ class EditorHost final : public PluginInterface {
     // `plugin` and `runtime` must outlive this object.
     EditorHost(const PluginModule& plugin, Runtime& runtime, Worksheet worksheet);
 
-    // Full paths; empty for none.
+    // Where the plug-in's settings lines are kept and what its commands' shortcuts are; without
+    // them there are none. Not owned. The settings are to be set before Start.
+    void SetSettings(PluginSettings* settings) { settings_ = settings; }
+    void SetShortcuts(const Shortcuts* shortcuts) { shortcuts_ = shortcuts; }
+
+    // Full paths; empty for none. The user's target goes before the project's.
     void SetDocument(std::string path) { document_ = EntryRef(std::move(path)); }
     void SetTarget(std::string path) { target_ = EntryRef(std::move(path)); }
+    void SetProjectTarget(std::string path) { projectTarget_ = EntryRef(std::move(path)); }
 
-    // Loads the plug-in: it must take the host on, and registers its commands. The error is a
-    // sentence.
+    // Loads the plug-in: it must take the host on, registers its commands, and reads its settings.
+    // The error is a sentence.
     std::expected<void, std::string> Start();
+
+    const std::vector<RegisteredCommand>& commands() const { return commands_; }
 
     // Has the plug-in perform a registered command. False when it does not know it.
     bool Perform(const std::string& command);
+
+    // The names of the controls that the plug-in offers for the front document as it is now.
+    std::vector<std::string> OfferedControls();
+    // As a click on such a control.
+    void PressControl();
+    // As a click on its arrow; returns when the menu has closed. In the window's coordinates.
+    void OpenPopUp(BRect control);
+
+    // Has the plug-in write its settings lines, and saves them. The error is a sentence.
+    std::expected<void, std::string> SaveSettings();
 
     // Whether a command that acts on a file would find one.
     bool HasRunnable() const;
@@ -49,9 +78,21 @@ class EditorHost final : public PluginInterface {
     std::uint32_t CurrentTarget() override;
 
   private:
+    std::int32_t Send(int message);
+    void ReadSettings();
+    const EntryRef& RunningTarget() const;
+
     const PluginModule& plugin_;
     Runtime& runtime_;
     Worksheet worksheet_;
+    PluginSettings* settings_ = nullptr;
+    const Shortcuts* shortcuts_ = nullptr;
     EntryRef document_;
     EntryRef target_;
+    EntryRef projectTarget_;
+    std::vector<RegisteredCommand> commands_;
+    std::vector<std::string> settingsKeys_;
+    std::vector<std::string> offered_;
+    BRect control_;
+    std::string writtenSettings_;
 };

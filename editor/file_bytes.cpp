@@ -211,3 +211,17 @@ std::expected<void, std::string> SaveAtomically(const std::string& path, const Q
     SyncFolder(folder);
     return {};
 }
+
+std::expected<std::string, std::string> SetAside(const std::string& path)
+{
+    namespace fs = std::filesystem;
+    std::string name = path + ".unreadable";
+    std::error_code ignored;
+    for (int number = 2; fs::exists(fs::symlink_status(name, ignored)); ++number) {
+        name = path + ".unreadable." + std::to_string(number);
+    }
+    if (std::rename(path.c_str(), name.c_str()) != 0) {
+        return std::unexpected(path + " cannot be set aside: " + std::strerror(errno));
+    }
+    return name;
+}

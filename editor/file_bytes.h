@@ -27,3 +27,7 @@ inline constexpr const char* kTemporaryPrefix = ".quilp-";
 // this user may not write is not replaced, nor is one in a folder where no temporary file can be
 // made.
 std::expected<void, std::string> SaveAtomically(const std::string& path, const QByteArray& bytes);
+
+// Renames a file that cannot be used, so that it is not lost: to NAME.unreadable, or
+// NAME.unreadable.2 and so on, which is the answer.
+std::expected<std::string, std::string> SetAside(const std::string& path);

@@ -11,8 +11,10 @@
 #include <utility>
 
 const char* const kUsage =
-    "usage: quilp-editor [OPTION]... --batch COMMAND...\n"
+    "usage: quilp-editor [OPTION]... [FILE]...\n"
+    "       quilp-editor [OPTION]... --batch COMMAND...\n"
     "       quilp-editor [OPTION]... --open-device-window\n"
+    "Opens the files in the editor; without any, those that were open last.\n"
     "  --document FILE        the front document\n"
     "  --target FILE          the current target, which runs when the document is not Python\n"
     "  --virtual-board[=DIR]  attach a virtual board, with its files in DIR\n"
@@ -103,14 +105,37 @@ bool Take(Options& options, int option, const char* argument)
             options.virtualBoard = true;
             options.boardFolder = argument != nullptr ? argument : "";
             return true;
-        case kWord:
-            if (const auto command = ParseCommand(argument)) {
-                options.commands.push_back(*command);
-                return true;
-            }
-            return false;
+        case kWord: options.files.emplace_back(argument); return true;
         default: return false;
     }
+}
+
+// What stands without an option in front of it: commands of a batch, files otherwise. The error is a
+// sentence.
+std::expected<void, std::string> SortWords(Options& options)
+{
+    if (!options.batch) {
+        return {};
+    }
+    for (const auto& word : std::exchange(options.files, {})) {
+        const auto command = ParseCommand(word);
+        if (!command) {
+            return std::unexpected(word + " is not a command");
+        }
+        options.commands.push_back(*command);
+    }
+    return {};
+}
+
+std::expected<void, std::string> Check(const Options& options)
+{
+    if (options.openDeviceWindow && (options.batch || !options.files.empty())) {
+        return std::unexpected("--open-device-window goes without files and commands");
+    }
+    if (options.batch && options.commands.empty() && !options.help && !options.version) {
+        return std::unexpected("--batch needs at least one command");
+    }
+    return {};
 }
 
 }  // namespace
@@ -134,23 +159,16 @@ std::expected<Options, std::string> ParseOptions(const std::vector<std::string>&
             break;
         }
         if (!Take(options, c, optarg)) {
-            return std::unexpected(
-                std::string(words[at]) +
-                (c == kWord ? " is not a command" : " is not an option, or lacks its value"));
+            return std::unexpected(std::string(words[at]) +
+                                   " is not an option, or lacks its value");
         }
     }
-    for (int i = optind; i < count; ++i) {  // Behind "--".
-        const auto at = static_cast<std::size_t>(i);
-        if (!Take(options, kWord, words[at])) {
-            return std::unexpected(std::string(words[at]) + " is not a command");
-        }
+    options.files.insert(options.files.end(), words.begin() + optind, words.end() - 1);  // "--".
+    if (const auto sorted = SortWords(options); !sorted) {
+        return std::unexpected(sorted.error());
     }
-    if (options.openDeviceWindow && (options.batch || !options.commands.empty())) {
-        return std::unexpected("--open-device-window goes without commands");
-    }
-    if (!options.help && !options.version && !options.openDeviceWindow &&
-        (!options.batch || options.commands.empty())) {
-        return std::unexpected("--batch and at least one command are needed");
+    if (const auto checked = Check(options); !checked) {
+        return std::unexpected(checked.error());
     }
     return options;
 }

@@ -32,8 +32,9 @@ struct Options {
     std::string document;
     bool batch = false;
     std::vector<BatchCommand> commands;
-    bool openDeviceWindow = false;  // and nothing else
-    Appearance appearance = Appearance::System;
+    std::vector<std::string> files;  // to open in the editor
+    bool openDeviceWindow = false;   // and nothing else
+    std::optional<Appearance> appearance;
     bool version = false;
     bool help = false;
 };

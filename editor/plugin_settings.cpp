@@ -79,25 +79,12 @@ std::expected<PluginSettings::Lines, std::string> PluginSettings::ReadLines() co
     return CutLines(text);
 }
 
-std::expected<std::string, std::string> PluginSettings::SetAside() const
-{
-    std::string name = path_ + ".unreadable";
-    std::error_code ignored;
-    for (int number = 2; fs::exists(fs::symlink_status(name, ignored)); ++number) {
-        name = path_ + ".unreadable." + std::to_string(number);
-    }
-    if (std::rename(path_.c_str(), name.c_str()) != 0) {
-        return std::unexpected(path_ + " cannot be set aside: " + std::strerror(errno));
-    }
-    return name;
-}
-
 std::optional<std::string> PluginSettings::Load()
 {
     words_.clear();
     const auto lines = ReadLines();
     if (!lines) {
-        const auto aside = SetAside();
+        const auto aside = SetAside(path_);
         return lines.error() + (aside ? "; it was set aside as " + *aside : "; " + aside.error());
     }
     for (const auto& line : *lines) {
@@ -131,7 +118,7 @@ std::expected<void, std::string> PluginSettings::Save()
     }
     auto lines = ReadLines();
     if (!lines) {
-        if (const auto aside = SetAside(); !aside) {
+        if (const auto aside = SetAside(path_); !aside) {
             return std::unexpected(aside.error());
         }
         lines = Lines();

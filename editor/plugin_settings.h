@@ -39,7 +39,6 @@ class PluginSettings {
     using Lines = std::vector<std::string>;
 
     std::expected<Lines, std::string> ReadLines() const;
-    std::expected<std::string, std::string> SetAside() const;
 
     const std::string path_;
     std::set<std::string> keys_;

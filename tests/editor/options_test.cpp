@@ -14,6 +14,8 @@ TEST(Options, GoodCommandLinesAreUnderstood)
     EXPECT_EQ(options->commands,
               (std::vector<BatchCommand>{BatchAction::Run, Wait(0.5), BatchAction::UploadAsMain}));
     EXPECT_TRUE(ParseOptions({"--virtual-board", "--batch", "run"})->boardFolder.empty());
+    EXPECT_EQ(ParseOptions({"run", "--virtual-board", "--", "--batch"})->files,
+              (std::vector<std::string>{"run", "--batch"}));
 }
 
 TEST(Options, BadCommandLinesAreRefusedWithTheWordThatIsWrong)
@@ -29,9 +31,9 @@ TEST(Options, BadCommandLinesAreRefusedWithTheWordThatIsWrong)
         {{"--batch", "wait=-1"}, "wait=-1"},
         {{"--batch", "wait=nan"}, "wait=nan"},
         {{"--batch", "wait=1e99"}, "wait=1e99"},
-        {{"run"}, "--batch"},
+        {{"--batch"}, "--batch"},
         {{"--batch", "run", "--", "--batch"}, "--batch"},
-        {{}, "--batch"},
+        {{"--open-device-window", "a.py"}, "--open-device-window"},
         {{"--nonsense", "--batch", "run"}, "--nonsense"},
         {{"--batch", "run", "-xy"}, "-xy"},
         {{"--batch", "run", "--document"}, "--document"},

@@ -1,0 +1,118 @@
+#include "document.h"
+
+#include "file_bytes.h"
+#include "text_editor.h"
+
+#include <QDateTime>
+#include <QFileInfo>
+
+#include <utility>
+
+Document::Document(TextEditor& editor, QString name) : editor_(editor), name_(std::move(name)) {}
+
+QString Document::Name() const
+{
+    return path_.empty() ? name_ : QFileInfo(QString::fromStdString(path_)).fileName();
+}
+
+bool Document::IsModified() const
+{
+    return unsaved_ || editor_.isModified();
+}
+
+bool Document::IsPristine() const
+{
+    return path_.empty() && !IsModified() && editor_.length() == 0;
+}
+
+Document::Stamp Document::StampOf(const std::string& path) const
+{
+    const QFileInfo info(QString::fromStdString(path));
+    return info.exists() ? Stamp{info.lastModified().toMSecsSinceEpoch(), info.size()} : Stamp();
+}
+
+void Document::SetPath(const std::string& path)
+{
+    path_ = path;
+    const QString name = Name();
+    const bool isPython = name.endsWith(".py") || name.endsWith(".pyw");
+    editor_.SetLanguage(isPython ? TextEditor::Language::Python : TextEditor::Language::PlainText);
+}
+
+std::expected<void, std::string> Document::Load(const std::string& path)
+{
+    const Stamp before = StampOf(path);
+    auto loaded = LoadText(path);
+    if (!loaded) {
+        return std::unexpected(loaded.error());
+    }
+    stamp_ = before;
+    encoding_ = loaded->encoding;
+    SetPath(path);
+    unsaved_ = false;
+    editor_.SetContent(loaded->text);
+    return {};
+}
+
+std::expected<void, std::string> Document::Reload()
+{
+    const Stamp before = StampOf(path_);
+    auto loaded = LoadText(path_);
+    if (!loaded) {
+        return std::unexpected(loaded.error());
+    }
+    stamp_ = before;
+    encoding_ = loaded->encoding;
+    unsaved_ = false;
+    editor_.ReplaceContent(loaded->text);
+    return {};
+}
+
+void Document::Recover(const RecoveryCopy& copy)
+{
+    SetPath(copy.path);
+    encoding_ = copy.encoding;
+    stamp_ = StampOf(path_);
+    editor_.SetContent(copy.text);
+    MarkUnsaved();
+}
+
+std::expected<void, std::string> Document::SaveAs(const std::string& path)
+{
+    const auto bytes = Encode(editor_.text(), encoding_);
+    if (!bytes) {
+        return std::unexpected(bytes.error());
+    }
+    if (const auto saved = SaveAtomically(path, *bytes); !saved) {
+        return saved;
+    }
+    if (path != path_) {
+        SetPath(path);
+    }
+    AcceptDisk();
+    unsaved_ = false;
+    editor_.setModified(false);
+    return {};
+}
+
+Document::Disk Document::CheckDisk() const
+{
+    if (path_.empty()) {
+        return Disk::Same;
+    }
+    const Stamp now = StampOf(path_);
+    if (now == stamp_) {
+        return Disk::Same;
+    }
+    return now == Stamp() ? Disk::Gone : Disk::Changed;
+}
+
+void Document::AcceptDisk()
+{
+    stamp_ = StampOf(path_);
+}
+
+RecoveryCopy Document::Copy() const
+{
+    return {path_, encoding_, editor_.text()};
+}

@@ -1,0 +1,340 @@
+#include "document_tabs.h"
+
+#include "message_bar.h"
+#include "text_editor.h"
+
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QTabBar>
+
+#include <chrono>
+#include <filesystem>
+#include <utility>
+
+namespace {
+
+constexpr std::chrono::seconds kCopyAfter{2};
+
+// Two names of one file are one document.
+QString Identity(const QString& path)
+{
+    const QString canonical = QFileInfo(path).canonicalFilePath();
+    return canonical.isEmpty() ? QFileInfo(path).absoluteFilePath() : canonical;
+}
+
+}  // namespace
+
+DocumentTabs::DocumentTabs(const std::string& recoveryRoot, QWidget* parent)
+    : QTabWidget(parent), recovery_(recoveryRoot, [this](const std::string& error) {
+          Q_EMIT Failed(tr("Unsaved text is not safe from a crash: %1").arg(QString::fromStdString(error)));
+      })
+{
+    setDocumentMode(true);
+    setMovable(true);
+    setTabsClosable(true);
+    setAccessibleName(tr("Documents"));
+    recoveryTimer_.setSingleShot(true);
+    recoveryTimer_.setInterval(kCopyAfter);
+    connect(&recoveryTimer_, &QTimer::timeout, this, &DocumentTabs::KeepCopies);
+    connect(this, &QTabWidget::tabCloseRequested, this, &DocumentTabs::Close);
+    connect(this, &QTabWidget::currentChanged, this, [this] {
+        if (auto* const page = FrontPage()) {
+            page->editor().setFocus();
+        }
+        Q_EMIT FrontChanged();
+    });
+}
+
+DocumentTabs::~DocumentTabs()
+{
+    // The editors say farewell with changes of their state, which are nobody's business any more.
+    blockSignals(true);
+    while (count() > 0) {
+        delete widget(0);
+    }
+}
+
+DocumentPage* DocumentTabs::PageAt(int index) const
+{
+    return static_cast<DocumentPage*>(widget(index));  // There are no others.
+}
+
+Document* DocumentTabs::Front() const
+{
+    auto* const page = FrontPage();
+    return page != nullptr ? &page->document() : nullptr;
+}
+
+QStringList DocumentTabs::Paths() const
+{
+    QStringList paths;
+    for (int i = 0; i < count(); ++i) {
+        if (const auto& path = PageAt(i)->document().path(); !path.empty()) {
+            paths.append(QString::fromStdString(path));
+        }
+    }
+    return paths;
+}
+
+int DocumentTabs::IndexOf(const QString& path) const
+{
+    const QString wanted = Identity(path);
+    for (int i = 0; i < count(); ++i) {
+        const auto& other = PageAt(i)->document().path();
+        if (!other.empty() && Identity(QString::fromStdString(other)) == wanted) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+DocumentPage& DocumentTabs::AddPage()
+{
+    ++made_;
+    const QString name = tr("Untitled %1").arg(made_);
+    auto* const page = new DocumentPage(name, std::to_string(made_));
+    connect(&page->editor(), &QsciScintilla::textChanged, page, [this, page] { TextChanged(*page); });
+    connect(&page->editor(), &QsciScintilla::modificationChanged, page,
+            [this, page] { ShowState(*page); });
+    connect(&page->editor(), &TextEditor::FilesDropped, this, &DocumentTabs::FilesDropped);
+    addTab(page, name);
+    return *page;
+}
+
+void DocumentTabs::RemovePage(int index)
+{
+    auto* const page = PageAt(index);
+    uncopied_.erase(page);
+    recovery_.Discard(page->recoveryId());
+    removeTab(index);
+    page->deleteLater();  // It may be handling the very event that closes it.
+}
+
+// The tab's title: a star stands for what is not saved.
+void DocumentTabs::ShowState(DocumentPage& page)
+{
+    const auto& document = page.document();
+    const int index = indexOf(&page);
+    const QString title = document.Name() + (document.IsModified() ? " *" : "");
+    setTabText(index, QString(title).replace('&', "&&"));
+    setTabToolTip(index, QString::fromStdString(document.path()));
+    page.editor().setAccessibleName(title);
+    if (index == currentIndex()) {
+        Q_EMIT FrontChanged();
+    }
+}
+
+void DocumentTabs::New()
+{
+    auto& page = AddPage();
+    setCurrentWidget(&page);
+    ShowState(page);
+}
+
+bool DocumentTabs::Open(const QString& path)
+{
+    if (const int open = IndexOf(path); open >= 0) {
+        setCurrentIndex(open);
+        return true;
+    }
+    auto* page = FrontPage();
+    const bool takesPlace = page != nullptr && page->document().IsPristine();
+    if (!takesPlace) {
+        page = &AddPage();
+    }
+    const auto full = QFileInfo(path).absoluteFilePath().toStdString();
+    if (const auto loaded = page->document().Load(full); !loaded) {
+        if (!takesPlace) {
+            RemovePage(indexOf(page));
+        }
+        Q_EMIT Failed(QString::fromStdString(loaded.error()));
+        return false;
+    }
+    uncopied_.erase(page);  // Loading changed the text, which the disk has.
+    setCurrentWidget(page);
+    ShowState(*page);
+    page->editor().setFocus();
+    Q_EMIT Opened(QString::fromStdString(full));
+    return true;
+}
+
+bool DocumentTabs::SaveFront()
+{
+    auto* const page = FrontPage();
+    return page == nullptr || Save(*page);
+}
+
+bool DocumentTabs::SaveFrontAs()
+{
+    auto* const page = FrontPage();
+    return page == nullptr || SaveAs(*page);
+}
+
+bool DocumentTabs::SaveAll()
+{
+    for (int i = 0; i < count(); ++i) {
+        auto& page = *PageAt(i);
+        if (page.document().IsModified() && !Save(page)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool DocumentTabs::Save(DocumentPage& page)
+{
+    const auto& path = page.document().path();
+    if (path.empty()) {
+        return SaveAs(page);
+    }
+    // What another program wrote meanwhile is not to be lost unasked.
+    if (page.document().CheckDisk() == Document::Disk::Changed) {
+        page.document().AcceptDisk();
+        const auto answer = QMessageBox::question(
+            this, tr("Save"),
+            tr("Another program has changed %1 meanwhile. Save over it?").arg(page.document().Name()),
+            QMessageBox::Save | QMessageBox::Cancel, QMessageBox::Cancel);
+        if (answer != QMessageBox::Save) {
+            return false;
+        }
+    }
+    return Write(page, QString::fromStdString(path));
+}
+
+bool DocumentTabs::SaveAs(DocumentPage& page)
+{
+    setCurrentWidget(&page);
+    const auto& document = page.document();
+    const QString suggestion = document.path().empty() ? document.Name() + ".py"
+                                                       : QString::fromStdString(document.path());
+    const QString path = QFileDialog::getSaveFileName(this, tr("Save As"), suggestion,
+                                                      tr("Python (*.py);;All files (*)"));
+    return !path.isEmpty() && Write(page, path);
+}
+
+bool DocumentTabs::Write(DocumentPage& page, const QString& path)
+{
+    const auto saved = page.document().SaveAs(path.toStdString());
+    if (!saved) {
+        const auto problem = QString::fromStdString(saved.error());
+        if (page.document().encoding() == TextEncoding::Latin1) {
+            return SaveAsUtf8(page, path, problem);
+        }
+        Q_EMIT Failed(problem);
+        return false;
+    }
+    uncopied_.erase(&page);
+    recovery_.Discard(page.recoveryId());
+    ShowState(page);
+    Q_EMIT Opened(path);
+    return true;
+}
+
+// A file that was no UTF-8 may lack a character that was typed into it.
+bool DocumentTabs::SaveAsUtf8(DocumentPage& page, const QString& path, const QString& problem)
+{
+    const auto answer =
+        QMessageBox::question(this, tr("Save"), problem + tr("\n\nSave the file as UTF-8 instead?"),
+                              QMessageBox::Save | QMessageBox::Cancel, QMessageBox::Cancel);
+    if (answer != QMessageBox::Save) {
+        return false;
+    }
+    page.document().SetEncoding(TextEncoding::Utf8);
+    return Write(page, path);
+}
+
+bool DocumentTabs::MayClose(DocumentPage& page)
+{
+    if (!page.document().IsModified()) {
+        return true;
+    }
+    setCurrentWidget(&page);
+    const auto answer = QMessageBox::warning(
+        this, tr("Close"), tr("%1 has changes that are not saved.").arg(page.document().Name()),
+        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
+    return answer == QMessageBox::Discard || (answer == QMessageBox::Save && Save(page));
+}
+
+bool DocumentTabs::Close(int index)
+{
+    auto* const page = PageAt(index);
+    if (page == nullptr || !MayClose(*page)) {
+        return false;
+    }
+    RemovePage(indexOf(page));
+    return true;
+}
+
+bool DocumentTabs::CloseAll()
+{
+    for (int i = 0; i < count(); ++i) {
+        if (!MayClose(*PageAt(i))) {
+            return false;
+        }
+    }
+    const QSignalBlocker quiet(this);
+    while (count() > 0) {
+        RemovePage(0);
+    }
+    return true;
+}
+
+void DocumentTabs::CheckDisk()
+{
+    for (int i = 0; i < count(); ++i) {
+        auto& page = *PageAt(i);
+        page.CheckDisk([this, &page] { ShowState(page); });
+    }
+}
+
+void DocumentTabs::TextChanged(DocumentPage& page)
+{
+    uncopied_.insert(&page);
+    if (!recoveryTimer_.isActive()) {
+        recoveryTimer_.start();
+    }
+}
+
+void DocumentTabs::KeepCopies()
+{
+    for (auto* const page : std::exchange(uncopied_, {})) {
+        if (page->document().IsModified()) {
+            recovery_.Keep(page->recoveryId(), page->document().Copy());
+        } else {
+            recovery_.Discard(page->recoveryId());  // Undone again.
+        }
+    }
+}
+
+QStringList DocumentTabs::FindRecovered()
+{
+    orphans_ = recovery_.Orphans();
+    QStringList names;
+    for (const auto& orphan : orphans_) {
+        const auto& path = orphan.copy.path;
+        names.append(path.empty() ? tr("a new document")
+                                  : QFileInfo(QString::fromStdString(path)).fileName());
+    }
+    return names;
+}
+
+void DocumentTabs::Recover()
+{
+    for (const auto& orphan : std::exchange(orphans_, {})) {
+        const int open =
+            orphan.copy.path.empty() ? -1 : IndexOf(QString::fromStdString(orphan.copy.path));
+        auto& page = open >= 0 ? *PageAt(open) : AddPage();
+        page.SetRecoveryId(orphan.id);
+        page.document().Recover(orphan.copy);
+        setCurrentWidget(&page);
+        ShowState(page);
+    }
+}
+
+void DocumentTabs::DiscardRecovered()
+{
+    for (const auto& orphan : std::exchange(orphans_, {})) {
+        recovery_.Discard(orphan.id);
+    }
+}

@@ -1,0 +1,373 @@
+#include "main_window.h"
+
+#include "default_shortcuts.h"
+#include "editor_icons.h"
+#include "file_bytes.h"
+#include "find_bar.h"
+#include "message_bar.h"
+#include "text_editor.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMimeData>
+#include <QScreen>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <chrono>
+#include <filesystem>
+#include <utility>
+
+namespace {
+
+constexpr std::chrono::seconds kLookAtDiskEvery{1};
+constexpr int kMostRecent = 12;
+constexpr QSize kDefaultSize(1000, 760);
+
+QString EncodingName(TextEncoding encoding)
+{
+    switch (encoding) {
+        case TextEncoding::Utf8: return "UTF-8";
+        case TextEncoding::Utf8WithBom: return "UTF-8 BOM";
+        case TextEncoding::Latin1: return "Latin-1";
+    }
+    return {};
+}
+
+QString LineEndingName(int mode)
+{
+    switch (mode) {
+        case QsciScintilla::EolWindows: return "CRLF";
+        case QsciScintilla::EolMac: return "CR";
+        default: return "LF";
+    }
+}
+
+QStringList LocalFiles(const QMimeData& data)
+{
+    QStringList files;
+    for (const auto& url : data.urls()) {
+        if (url.isLocalFile()) {
+            files.append(url.toLocalFile());
+        }
+    }
+    return files;
+}
+
+}  // namespace
+
+MainWindow::MainWindow(const PluginModule& plugin, Runtime& runtime, const EditorPlaces& places)
+    : plugin_(plugin),
+      runtime_(runtime),
+      places_(places),
+      settings_(places.folders.config + "/plugins.settings"),
+      host_(
+          plugin, runtime, [this](const std::string& text) { worksheet_->Append(text); }, this),
+      shortcuts_({}, {}),
+      board_(new BoardMonitor(places.boardProgram, places.boardFolder, this)),
+      shell_(new UserShell(this))
+{
+    setAcceptDrops(true);
+    setObjectName("editor");
+    setWindowIcon(QIcon::fromTheme("quilp"));
+    MakeCentralWidget();
+    MakeStatusBar();
+    MakeMenus();
+    MakeToolBar();
+    ConnectParts();
+    resize(kDefaultSize);
+}
+
+MainWindow::~MainWindow()
+{
+    delete shell_;  // Its last output must not meet what is half destroyed.
+}
+
+void MainWindow::MakeCentralWidget()
+{
+    auto* const documents = new QWidget(this);
+    auto* const column = new QVBoxLayout(documents);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    messages_ = new MessageBar(documents);
+    recovery_ = new MessageBar(documents);
+    tabs_ = new DocumentTabs(places_.folders.state + "/recovery", documents);
+    findBar_ = new FindBar(documents);
+    findBar_->hide();
+    column->addWidget(recovery_);
+    column->addWidget(messages_);
+    column->addWidget(tabs_, 1);
+    column->addWidget(findBar_);
+
+    worksheet_ = new Worksheet(this);
+    worksheet_->setAccessibleName(tr("Worksheet"));
+    splitter_ = new QSplitter(Qt::Vertical, this);
+    splitter_->setHandleWidth(1);
+    splitter_->setChildrenCollapsible(false);
+    splitter_->addWidget(documents);
+    splitter_->addWidget(worksheet_);
+    splitter_->setStretchFactor(0, 1);
+    splitter_->setSizes({500, 190});
+    setCentralWidget(splitter_);
+}
+
+void MainWindow::MakeStatusBar()
+{
+    position_ = new QLabel(this);
+    target_ = new QLabel(this);
+    format_ = new QLabel(this);
+    boardButton_ = new QToolButton(this);
+    boardButton_->setObjectName("board");
+    boardButton_->setAutoRaise(true);
+    boardButton_->setFocusPolicy(Qt::TabFocus);
+    boardButton_->setPopupMode(QToolButton::InstantPopup);
+    boardButton_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    boardButton_->setIcon(EditorIcon("board", palette()));
+    statusBar()->addWidget(position_);
+    for (QWidget* widget : std::initializer_list<QWidget*>{target_, format_, boardButton_}) {
+        statusBar()->addPermanentWidget(widget);
+    }
+}
+
+void MainWindow::ConnectParts()
+{
+    connect(tabs_, &DocumentTabs::FrontChanged, this, &MainWindow::ShowFront);
+    connect(tabs_, &DocumentTabs::Failed, this, &MainWindow::Tell);
+    connect(tabs_, &DocumentTabs::FilesDropped, this, &MainWindow::OpenFiles);
+    connect(tabs_, &DocumentTabs::Opened, this, [this](const QString& path) {
+        session_.recent.removeAll(path);
+        session_.recent.prepend(path);
+        session_.recent = session_.recent.mid(0, kMostRecent);
+    });
+    connect(board_, &BoardMonitor::Changed, this, &MainWindow::ShowBoard);
+    connect(worksheet_, &Worksheet::LinkChosen, this, &MainWindow::FollowLink);
+    connect(worksheet_, &Worksheet::RunRequested, this, &MainWindow::RunLine);
+    connect(shell_, &UserShell::Output, this,
+            [this](const std::string& text) { worksheet_->Append(text); });
+    connect(&diskTimer_, &QTimer::timeout, this, &MainWindow::CheckDisk);
+    diskTimer_.start(kLookAtDiskEvery);
+    runtime_.SetWindowClosedHandler([this] { SavePluginSettings(); });
+    ShowBoard();
+    ShowTarget();
+}
+
+std::expected<void, std::string> MainWindow::Start()
+{
+    const auto problem = settings_.Load();
+    host_.SetSettings(&settings_);
+    host_.SetShortcuts(&shortcuts_);
+    if (const auto started = host_.Start(); !started) {
+        return started;
+    }
+    shortcuts_ = Shortcuts(kDefaultShortcuts, OwnShortcuts());
+    auto loaded = LoadSession(SessionPath(), shortcuts_);
+    AddPluginCommands();
+    Restore(loaded.session);
+    if (problem) {
+        Tell(QString::fromStdString(*problem));
+    } else if (!loaded.problem.isEmpty()) {
+        Tell(loaded.problem);
+    }
+    OfferRecovery();
+    return {};
+}
+
+std::string MainWindow::SessionPath() const
+{
+    return places_.folders.config + "/editor.ini";
+}
+
+std::string MainWindow::WorksheetPath() const
+{
+    return places_.folders.state + "/worksheet.txt";
+}
+
+Session MainWindow::Current() const
+{
+    Session session = session_;
+    session.geometry = saveGeometry();
+    session.splitter = splitter_->saveState();
+    session.files = tabs_->Paths();
+    const auto* const front = tabs_->Front();
+    session.front = front != nullptr ? QString::fromStdString(front->path()) : QString();
+    return session;
+}
+
+void MainWindow::Restore(const Session& session)
+{
+    session_ = session;
+    restoreGeometry(session.geometry);
+    splitter_->restoreState(session.splitter);
+    SetEditorAppearance(session.appearance);
+    SetFolder(session.folder);
+    SetTarget(session.target);
+    std::error_code ignored;
+    if (std::filesystem::exists(WorksheetPath(), ignored)) {
+        if (const auto text = LoadText(WorksheetPath())) {
+            worksheet_->SetText(text->text);
+        }
+    }
+}
+
+void MainWindow::OpenFiles(const QStringList& files)
+{
+    const auto& wanted = files.isEmpty() && tabs_->count() == 0 ? session_.files : files;
+    for (const auto& path : wanted) {
+        // What is gone since last time is no reason for a message.
+        if (!files.isEmpty() || QFileInfo::exists(path)) {
+            tabs_->Open(path);
+        }
+    }
+    if (files.isEmpty() && QFileInfo::exists(session_.front)) {
+        tabs_->Open(session_.front);
+    }
+    if (tabs_->count() == 0) {
+        tabs_->New();
+    }
+    ZoomTo(session_.zoom);
+}
+
+void MainWindow::OfferRecovery()
+{
+    const QStringList names = tabs_->FindRecovered();
+    if (names.isEmpty()) {
+        return;
+    }
+    recovery_->Ask(tr("The editor ended before this was saved: %1.").arg(names.join(", ")),
+                   {{tr("Recover"), [this] { tabs_->Recover(); }},
+                    {tr("Discard"), [this] { tabs_->DiscardRecovered(); }},
+                    {tr("Later"), [] {}}});
+}
+
+void MainWindow::Tell(const QString& message)
+{
+    messages_->Ask(message, {{tr("OK"), [] {}}});
+}
+
+void MainWindow::ShowFront()
+{
+    auto* const page = tabs_->FrontPage();
+    const auto* const front = tabs_->Front();
+    host_.SetDocument(front != nullptr ? front->path() : std::string());
+    findBar_->SetEditor(page != nullptr ? &page->editor() : nullptr);
+    setWindowTitle(front != nullptr ? front->Name() + "[*] – Quilp" : "Quilp");
+    setWindowModified(front != nullptr && front->IsModified());
+    if (page != nullptr) {
+        connect(&page->editor(), &QsciScintilla::cursorPositionChanged, this,
+                &MainWindow::ShowPosition, Qt::UniqueConnection);
+        page->editor().zoomTo(session_.zoom);
+    }
+    ShowPosition();
+    ShowControls();
+}
+
+void MainWindow::ShowPosition()
+{
+    auto* const page = tabs_->FrontPage();
+    if (page == nullptr) {
+        position_->clear();
+        format_->clear();
+        return;
+    }
+    auto& editor = page->editor();
+    position_->setText(
+        tr("Ln %1, Col %2").arg(editor.CaretLine()).arg(editor.CaretColumn()));
+    const QString format = EncodingName(page->document().encoding()) + "   " +
+                           LineEndingName(editor.eolMode()) + "   " +
+                           (editor.lexer() != nullptr ? "Python" : tr("Plain text"));
+    format_->setText(format);
+}
+
+void MainWindow::ShowTarget()
+{
+    const auto name = [](const QString& path) { return QFileInfo(path).fileName(); };
+    const QString project =
+        session_.folder.isEmpty() ? QString() : name(session_.folder) + "   ";
+    const QString file = QString::fromStdString(host_.TargetRef(0).path());
+    target_->setText(project + (file.isEmpty() ? tr("No target") : tr("Target: %1").arg(name(file))));
+    target_->setToolTip(file);
+}
+
+void MainWindow::ShowBoard()
+{
+    const auto& board = board_->board();
+    QString text = tr("No board");
+    if (board.kind == BoardMonitor::Kind::Real) {
+        text = tr("Board on %1").arg(QString::fromStdString(board.node));
+    } else if (board.kind == BoardMonitor::Kind::Virtual) {
+        text = tr("Virtual board");
+    }
+    boardButton_->setText(text);
+    boardButton_->setAccessibleName(text);
+}
+
+// While the user answers a question there is no second one.
+void MainWindow::CheckDisk()
+{
+    if (isActiveWindow() && QApplication::activeModalWidget() == nullptr &&
+        QApplication::activePopupWidget() == nullptr) {
+        tabs_->CheckDisk();
+        FindProjectTarget();
+    }
+}
+
+void MainWindow::SavePluginSettings()
+{
+    if (const auto saved = host_.SaveSettings(); !saved) {
+        Tell(QString::fromStdString(saved.error()));
+    }
+}
+
+void MainWindow::SaveEverything(const Session& session)
+{
+    runtime_.CloseWindows();
+    SavePluginSettings();
+    std::error_code ignored;
+    std::filesystem::create_directories(places_.folders.state, ignored);
+    std::ignore = SaveAtomically(WorksheetPath(), worksheet_->Text().toUtf8());
+    std::ignore = SaveSession(SessionPath(), session, shortcuts_);
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    const Session session = Current();  // With the files that are about to be closed.
+    if (!tabs_->CloseAll()) {
+        return event->ignore();
+    }
+    SaveEverything(session);
+    event->accept();
+    QCoreApplication::quit();
+}
+
+void MainWindow::EndAtOnce()
+{
+    tabs_->KeepCopies();
+    SaveEverything(Current());
+    QCoreApplication::quit();
+}
+
+void MainWindow::changeEvent(QEvent* event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && tabs_ != nullptr) {
+        CheckDisk();
+    }
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (!LocalFiles(*event->mimeData()).isEmpty()) {
+        event->acceptProposedAction();
+    }
+}
+
+void MainWindow::dropEvent(QDropEvent* event)
+{
+    OpenFiles(LocalFiles(*event->mimeData()));
+    event->acceptProposedAction();
+}
