@@ -79,7 +79,7 @@ void Document::Recover(const RecoveryCopy& copy)
 
 std::expected<void, std::string> Document::SaveAs(const std::string& path)
 {
-    const auto bytes = Encode(editor_.text(), encoding_);
+    const auto bytes = Encode(editor_.Content(), encoding_);
     if (!bytes) {
         return std::unexpected(bytes.error());
     }
@@ -114,5 +114,5 @@ void Document::AcceptDisk()
 
 RecoveryCopy Document::Copy() const
 {
-    return {path_, encoding_, editor_.text()};
+    return {path_, encoding_, editor_.Content()};
 }

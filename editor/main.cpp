@@ -1,20 +1,12 @@
 // quilp-editor: the stand-alone host of the plug-in.
 
-#include "appearance.h"
-#include "batch.h"
-#include "descriptors.h"
-#include "editor_host.h"
 #include "options.h"
 #include "plugin_module.h"
-#include "protect.h"
-#include "runtime.h"
-#include "standard_output.h"
+#include "program.h"
 #include "virtual_board.h"
 
 #include <QApplication>
-#include <QSocketNotifier>
 
-#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -24,46 +16,16 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <expected>
 #include <filesystem>
 #include <memory>
 #include <optional>
-#include <tuple>
 
 namespace {
 
-enum ExitStatus : int { kSuccess = 0, kFailure = 1, kUsageError = 2, kNoPlugin = 3 };
-
-// Readable once a signal has asked the program to end.
-std::array<int, 2> signalPipe{-1, -1};
-volatile std::sig_atomic_t lastSignal = 0;
-
-int Complain(const std::string& message, int status)
+std::string ProgramFolder()
 {
-    std::fprintf(stderr, "quilp-editor: %s\n", message.c_str());
-    return status;
-}
-
-void PassOnSignal(int number)
-{
-    const int error = errno;
-    lastSignal = number;
-    std::ignore = write(signalPipe[1], "s", 1);
-    errno = error;
-}
-
-// From here on a signal that asks to end makes the signal pipe readable.
-void CatchSignals()
-{
-    if (!MakePipe(signalPipe)) {
-        return;
-    }
-    SetNonBlocking(signalPipe[1]);
-    struct sigaction action {};
-    action.sa_handler = PassOnSignal;
-    action.sa_flags = SA_RESTART;
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
-        sigaction(number, &action, nullptr);
-    }
+    return QCoreApplication::applicationDirPath().toStdString();
 }
 
 // The full path of a file that can be read. The error is a sentence.
@@ -82,21 +44,6 @@ std::expected<std::string, std::string> ReadableFile(const std::string& name)
     }
     return path.string();
 }
-
-// False when the plug-in has no such window.
-bool OpenDeviceWindow(const PluginModule& plugin, EditorHost& host)
-{
-    const auto open = plugin.FindAction("_Z10OpenWindowP15PluginInterface");
-    if (open != nullptr) {
-        open(&host);
-    }
-    return open != nullptr;
-}
-
-struct Files {
-    std::string document;
-    std::string target;
-};
 
 std::expected<Files, std::string> FindFiles(const Options& options)
 {
@@ -121,73 +68,11 @@ std::expected<std::optional<VirtualBoard>, std::string> StartBoard(const Options
     if (!options.virtualBoard) {
         return std::nullopt;
     }
-    const std::string folder = QCoreApplication::applicationDirPath().toStdString();
-    auto board = VirtualBoard::Start(folder + "/virtual-board", options.boardFolder.empty()
-                                                                    ? DefaultBoardFolder()
-                                                                    : options.boardFolder);
+    auto board = VirtualBoard::Start(BoardProgram(), BoardFolder(options));
     if (!board) {
         return std::unexpected(board.error());
     }
     return std::move(*board);
-}
-
-int RunBatch(const Options& options, const Files& files, const PluginModule& plugin)
-{
-    CatchSignals();
-    Runtime runtime;
-    Batch* running = nullptr;
-    StandardOutput output(signalPipe[0]);
-    EditorHost host(plugin, runtime, [&](const std::string& text) {
-        if (!output.Write(text) && running != nullptr) {
-            if (!output.error().empty()) {
-                Complain(output.error(), kFailure);
-            }
-            std::exchange(running, nullptr)->Interrupt(kFailure);
-        }
-    });
-    host.SetDocument(files.document);
-    host.SetTarget(files.target);
-    if (const auto started = host.Start(); !started) {
-        return Complain(started.error(), kNoPlugin);
-    }
-    Batch batch(host, runtime, plugin, options.commands, QCoreApplication::exit);
-    running = &batch;
-    QSocketNotifier onSignal(signalPipe[0], QSocketNotifier::Read);
-    QObject::connect(&onSignal, &QSocketNotifier::activated, [&] {
-        // The byte stays where it is, so that text no longer waits for its reader.
-        onSignal.setEnabled(false);
-        batch.Interrupt(128 + lastSignal);
-    });
-    batch.Start();
-    const int status = QCoreApplication::exec();
-    runtime.ShutDown();
-    return status;
-}
-
-// The Device window alone. What belongs into the worksheet goes to standard output.
-int RunDeviceWindow(const Options& options, const PluginModule& plugin)
-{
-    SetAppearance(options.appearance);
-    CatchSignals();
-    Runtime runtime;
-    StandardOutput output(signalPipe[0]);
-    EditorHost host(plugin, runtime, [&](const std::string& text) { output.Write(text); });
-    if (const auto started = host.Start(); !started) {
-        return Complain(started.error(), kNoPlugin);
-    }
-    SetErrorHandler([](const std::string& error) { Complain(error, kFailure); });
-    runtime.SetWindowClosedHandler(QCoreApplication::quit);
-    QSocketNotifier onSignal(signalPipe[0], QSocketNotifier::Read);
-    QObject::connect(&onSignal, &QSocketNotifier::activated, [&] {
-        onSignal.setEnabled(false);
-        runtime.CloseWindows();
-        QCoreApplication::quit();
-    });
-    bool opened = false;
-    Protect([&] { opened = OpenDeviceWindow(plugin, host); });
-    const int status = opened ? QCoreApplication::exec() : kFailure;
-    runtime.ShutDown();
-    return status;
 }
 
 // Qt itself would abort without one.
@@ -207,7 +92,7 @@ bool HasScreen()
 // Windows need more of the application than batches do.
 std::unique_ptr<QCoreApplication> MakeApplication(const Options& options, int& argc, char** argv)
 {
-    if (options.openDeviceWindow) {
+    if (!options.batch) {
         return std::make_unique<QApplication>(argc, argv);
     }
     return std::make_unique<QCoreApplication>(argc, argv);
@@ -215,11 +100,13 @@ std::unique_ptr<QCoreApplication> MakeApplication(const Options& options, int& a
 
 int Run(const Options& options, const Files& files)
 {
-    const std::string ownPlugin = QCoreApplication::applicationDirPath().toStdString() +
-                                  "/../lib/quilp/Quilp.bundle/quilp.so";
+    const std::string ownPlugin = ProgramFolder() + "/../lib/quilp/Quilp.bundle/quilp.so";
     const auto plugin = PluginModule::Load(options.plugin.empty() ? ownPlugin : options.plugin);
     if (!plugin) {
         return Complain(plugin.error(), kNoPlugin);
+    }
+    if (!options.batch && !options.openDeviceWindow) {
+        return RunEditor(options, files, *plugin);  // Which starts the board itself.
     }
     const auto board = StartBoard(options);
     if (!board) {
@@ -230,6 +117,22 @@ int Run(const Options& options, const Files& files)
 }
 
 }  // namespace
+
+int Complain(const std::string& message, int status)
+{
+    std::fprintf(stderr, "quilp-editor: %s\n", message.c_str());
+    return status;
+}
+
+std::string BoardProgram()
+{
+    return ProgramFolder() + "/virtual-board";
+}
+
+std::string BoardFolder(const Options& options)
+{
+    return options.boardFolder.empty() ? DefaultBoardFolder() : options.boardFolder;
+}
 
 int main(int argc, char** argv)
 {
@@ -250,8 +153,9 @@ int main(int argc, char** argv)
     if (!files) {
         return Complain(files.error(), kUsageError);
     }
-    if (options->openDeviceWindow && !HasScreen()) {
-        return Complain("there is no screen to show a window on: DISPLAY is not set", kFailure);
+    if (!options->batch && !HasScreen()) {
+        return Complain("there is no screen to show a window on: DISPLAY is not set; --batch needs none",
+                        kFailure);
     }
     const auto application = MakeApplication(*options, argc, argv);
     return Run(*options, *files);

@@ -249,6 +249,11 @@ void MainWindow::Tell(const QString& message)
     messages_->Ask(message, {{tr("OK"), [] {}}});
 }
 
+void MainWindow::TellOfPlugin(const std::string& error)
+{
+    Tell(tr("The plug-in failed: %1").arg(QString::fromStdString(error)));
+}
+
 void MainWindow::ShowFront()
 {
     auto* const page = tabs_->FrontPage();

@@ -52,6 +52,9 @@ class MainWindow final : public QMainWindow {
     void AttachVirtualBoard();
     void OpenDeviceWindow();
 
+    // Tells the user of something that the plug-in threw.
+    void TellOfPlugin(const std::string& error);
+
     // Ends without a question, as when the desktop's session ends: what is not saved is there again
     // at the next start.
     void EndAtOnce();

@@ -166,7 +166,9 @@ std::string MainWindow::WorkingFolder() const
 
 void MainWindow::RunLine(const QString& text)
 {
-    worksheet_->BeginOutput();
+    if (worksheet_->lineLength(worksheet_->lines() - 1) > 0) {
+        worksheet_->Append("\n");
+    }
     shell_->Run(text, QString::fromStdString(WorkingFolder()));
 }
 

@@ -22,6 +22,7 @@ RunControl::RunControl(const QString& name, QWidget* parent) : QToolButton(paren
     setIcon(EditorIcon("run", palette()));
     setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     setFocusPolicy(Qt::TabFocus);
+    setPopupMode(QToolButton::MenuButtonPopup);
     held_.setSingleShot(true);
     held_.setInterval(kLongPress);
     connect(&held_, &QTimer::timeout, this, &RunControl::RequestMenu);
@@ -30,8 +31,7 @@ RunControl::RunControl(const QString& name, QWidget* parent) : QToolButton(paren
 void RunControl::initStyleOption(QStyleOptionToolButton* option) const
 {
     QToolButton::initStyleOption(option);
-    option->features |= QStyleOptionToolButton::MenuButtonPopup | QStyleOptionToolButton::HasMenu;
-    option->subControls |= QStyle::SC_ToolButtonMenu;
+    option->features |= QStyleOptionToolButton::HasMenu;  // The plug-in's.
 }
 
 bool RunControl::IsOnArrow(const QPoint& at) const

@@ -1,0 +1,67 @@
+#include "main_window.h"
+#include "program.h"
+#include "protect.h"
+#include "signals.h"
+#include "standard_output.h"
+
+#include <QApplication>
+#include <QStringList>
+#include <QTimer>
+
+int RunEditor(const Options& options, const Files& files, const PluginModule& plugin)
+{
+    Signals signals;
+    Runtime runtime;
+    MainWindow window(plugin, runtime,
+                      {UserFolders::OfUser(), BoardProgram(), BoardFolder(options)});
+    SetErrorHandler([&window](const std::string& error) { window.TellOfPlugin(error); });
+    if (const auto started = window.Start(); !started) {
+        return Complain(started.error(), kNoPlugin);
+    }
+    if (options.appearance) {
+        window.SetEditorAppearance(*options.appearance);
+    }
+    if (!files.target.empty()) {
+        window.SetTarget(QString::fromStdString(files.target));
+    }
+    QStringList documents;
+    for (const auto& path : options.files) {
+        documents.append(QString::fromStdString(path));
+    }
+    if (!files.document.empty()) {
+        documents.append(QString::fromStdString(files.document));
+    }
+    window.OpenFiles(documents);
+    window.show();
+    signals.SetHandler([&window](int) { window.EndAtOnce(); });
+    if (options.virtualBoard) {
+        // The window is to be seen first.
+        QTimer::singleShot(0, &window, [&window] { window.AttachVirtualBoard(); });
+    }
+    const int status = QCoreApplication::exec();
+    runtime.ShutDown();
+    SetErrorHandler({});
+    return status;
+}
+
+int RunDeviceWindow(const Options& options, const PluginModule& plugin)
+{
+    SetAppearance(options.appearance.value_or(Appearance::System));
+    Signals signals;
+    Runtime runtime;
+    StandardOutput output(signals.fd());
+    EditorHost host(plugin, runtime, [&](const std::string& text) { output.Write(text); });
+    SetErrorHandler([](const std::string& error) { Complain(error, kFailure); });
+    if (const auto started = host.Start(); !started) {
+        return Complain(started.error(), kNoPlugin);
+    }
+    runtime.SetWindowClosedHandler(QCoreApplication::quit);
+    signals.SetHandler([&runtime](int number) {
+        runtime.CloseWindows();
+        QCoreApplication::exit(128 + number);
+    });
+    const int status =
+        host.PerformFromMenu("Open Device window") ? QCoreApplication::exec() : kFailure;
+    runtime.ShutDown();
+    return status;
+}
