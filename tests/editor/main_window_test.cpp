@@ -1,0 +1,444 @@
+// The editor as its user meets it: the real window, the real plug-in, the real tool.
+
+#include "editor_window_fixture.h"
+#include "forked_child.h"
+#include "leaks.h"
+#include "run_control.h"
+#include "table_widget.h"
+#include "text_editor.h"
+
+#include <QApplication>
+#include <QDropEvent>
+#include <QFileDialog>
+#include <QKeySequenceEdit>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPushButton>
+#include <QTest>
+#include <QUrl>
+
+#include <chrono>
+#include <filesystem>
+
+namespace {
+
+constexpr const char* kFails = "def half(number):\n    return 1 / number\n\nhalf(0)\n";
+
+TableWidget* DeviceTable()
+{
+    for (auto* const widget : QApplication::topLevelWidgets()) {
+        auto* const table = widget->findChild<TableWidget*>("listing");
+        if (table != nullptr && table->isVisible()) {
+            return table;
+        }
+    }
+    return nullptr;
+}
+
+bool DeviceTableHas(int rows)
+{
+    return WaitUntil([rows] {
+        const auto* const table = DeviceTable();
+        return table != nullptr && table->model()->rowCount() == rows;
+    });
+}
+
+void DropOn(QWidget& over, const QString& path)
+{
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(path)});
+    const QPoint at(20, over.height() - 5);
+    QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QDragMoveEvent move(at, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QDropEvent drop(at, Qt::CopyAction, &data, Qt::LeftButton, {});
+    for (QEvent* const event : {static_cast<QEvent*>(&enter), static_cast<QEvent*>(&move),
+                                static_cast<QEvent*>(&drop)}) {
+        QCoreApplication::sendEvent(&over, event);
+    }
+}
+
+QStringList Labels(const QWidget& menu)
+{
+    QStringList labels;
+    for (const auto* const action : menu.actions()) {
+        labels.append(action->text());
+    }
+    return labels;
+}
+
+}  // namespace
+
+TEST_F(EditorWindow, MakesTheWholeRound)
+{
+    Start({Write("fails.py", kFails)});
+    window().AttachVirtualBoard();
+    Press(Qt::Key_F5);
+    ASSERT_TRUE(SheetShows("ZeroDivisionError"));
+    Press(Qt::Key_F4);
+    EXPECT_EQ(editor().CaretLine(), 4);
+    Press(Qt::Key_F4);
+    EXPECT_EQ(editor().CaretLine(), 2);
+
+    window().OpenFiles({Write("loop.py", "while True:\n    print('round')\n")});
+    Press(Qt::Key_F5);
+    ASSERT_TRUE(SheetShows("round"));
+    Press(Qt::Key_F5, Qt::ShiftModifier);
+    ASSERT_TRUE(WaitUntil([] { return Runtime::Current().IsIdle(); }));
+
+    Press(Qt::Key_F6);
+    ASSERT_TRUE(WaitUntil([&] { return !ReadFile(folder / "board/loop.py").empty(); }));
+    ASSERT_TRUE(WaitUntil([] { return Runtime::Current().IsIdle(); }));
+    Press(Qt::Key_F8);
+    ASSERT_TRUE(DeviceTableHas(1));
+    ASSERT_TRUE(WaitUntil([] { return Runtime::Current().IsIdle(); }));
+    DropOn(*DeviceTable()->viewport(), Write("data.csv", "1,2\n"));
+    ASSERT_TRUE(DeviceTableHas(2));
+    EXPECT_EQ(ReadFile(folder / "board/data.csv"), "1,2\n");
+    ASSERT_TRUE(WaitUntil([] { return Runtime::Current().IsIdle(); }));
+    DeviceTable()->SelectRow(0, false);
+    QTest::keyClick(DeviceTable(), Qt::Key_Backspace, Qt::ControlModifier);
+    ASSERT_TRUE(DeviceTableHas(1));
+    EXPECT_EQ(std::filesystem::exists(folder / "board/data.csv"),
+              !std::filesystem::exists(folder / "board/loop.py"));
+}
+
+TEST_F(EditorWindow, ShowsTheControlExactlyWhileThePluginOffersIt)
+{
+    const QString notes = Write("notes.txt", "");
+    const QString python = Write("a.py", "");
+    const QString project = QString::fromStdString(folder / "project");
+    std::filesystem::create_directory(folder / "project");
+    Start({notes});
+    EXPECT_EQ(Controls(), QStringList());
+    window().OpenFiles({python});
+    EXPECT_EQ(Controls(), QStringList("Run"));
+    window().OpenFiles({notes});
+    EXPECT_EQ(Controls(), QStringList());
+    window().SetTarget(python);
+    EXPECT_EQ(Controls(), QStringList("Run"));
+    window().SetTarget({});
+    EXPECT_EQ(Controls(), QStringList());
+    window().SetTarget(notes);
+    EXPECT_EQ(Controls(), QStringList("Run"));  // The plug-in offers it for any target.
+}
+
+TEST_F(EditorWindow, OpensThePopUpUnderItsControlInEveryState)
+{
+    const QString python = Write("boot.py", "");
+    const QString notes = Write("notes.txt", "");
+    Start({python});
+    struct Row {
+        QString document;
+        QString target;
+        QStringList labels;
+    };
+    const QStringList always{"Stop ", "List ", "Status ", "Add upload command to worksheet ",
+                             "Open Device window"};
+    const Row rows[] = {
+        {python, {}, {"Run", "Stop ", "Upload as main.py", "Upload ", always[1], always[2],
+                      always[3], always[4]}},
+        {notes, python, {"Run boot.py", "Stop ", "Upload boot.py as main.py", "Upload  boot.py",
+                         always[1], always[2], always[3], always[4]}},
+        {notes, {}, always},
+    };
+    for (const auto& row : rows) {
+        window().OpenFiles({row.document});
+        window().SetTarget(row.target);
+        auto* const control = window().findChild<RunControl*>();
+        const bool offered = !Controls().isEmpty();
+        WhenAsked([&](QWidget& menu) {
+            EXPECT_EQ(Labels(menu), row.labels);
+            if (offered) {
+                const auto corner = control->mapToGlobal(QPoint(0, control->height()));
+                EXPECT_EQ(menu.pos(), corner + QPoint(0, 6));
+                EXPECT_EQ(menu.actions()[0]->shortcut(), QKeySequence("F5"));
+            }
+            menu.close();
+        });
+        if (offered) {
+            QTest::mouseClick(control, Qt::LeftButton, {},
+                              QPoint(control->width() - 4, control->height() / 2));
+            EXPECT_TRUE(WaitUntil([] { return QApplication::activePopupWidget() == nullptr; }));
+            QCoreApplication::processEvents();
+        } else {
+            Action("Menu of All Commands")->trigger();
+        }
+    }
+}
+
+TEST_F(EditorWindow, SavesTheDocumentBeforeACommandUnlessToldNotTo)
+{
+    const QString path = Write("a.py", "print(1)\n");
+    Start({path});
+    window().AttachVirtualBoard();
+    Type("print('new')#");
+    Press(Qt::Key_F5);
+    ASSERT_TRUE(SheetShows("new\n"));
+    EXPECT_EQ(ReadFile(path.toStdString()), "print('new')#print(1)\n");
+    Action("Save before Commands")->setChecked(true);
+    Action("Save before Commands")->setChecked(false);
+    editor().GoToLine(1);
+    Type("print('unsaved');");
+    Press(Qt::Key_F5);
+    ASSERT_TRUE(WaitUntil([] { return Runtime::Current().IsIdle(); }));
+    EXPECT_EQ(Sheet().find("unsaved"), std::string::npos);
+    EXPECT_EQ(ReadFile(path.toStdString()), "print('new')#print(1)\n");
+    WhenAskedPress(QMessageBox::Discard);
+    EXPECT_TRUE(Close());
+}
+
+TEST_F(EditorWindow, ANewTextGetsANameBeforeItRuns)
+{
+    Start();
+    window().AttachVirtualBoard();
+    Type("print(6 * 7)");
+    WhenAsked([this](QWidget& dialog) {
+        dialog.findChild<QLineEdit*>()->setText(PathOf("answer.py"));
+        qobject_cast<QDialog*>(&dialog)->accept();
+    });
+    Press(Qt::Key_F5);
+    ASSERT_TRUE(SheetShows("42\n"));
+    EXPECT_EQ(ReadFile(folder / "answer.py"), "print(6 * 7)");
+    EXPECT_EQ(Controls(), QStringList("Run"));
+}
+
+TEST_F(EditorWindow, ChangesShortcutsButRefusesClashes)
+{
+    Start({Write("a.py", "")});
+    WhenAsked([](QWidget& dialog) {
+        const auto edits = dialog.findChildren<QKeySequenceEdit*>();
+        ASSERT_EQ(edits.size(), 5);
+        auto* const problem = dialog.findChild<QLabel*>("problem");
+        const auto buttons = dialog.findChildren<QPushButton*>();
+        const auto ok = std::ranges::find_if(
+            buttons, [](const auto* button) { return button->text().contains("OK"); });
+        ASSERT_NE(ok, buttons.end());
+        for (const char* taken : {"Shift+F5", "Ctrl+S"}) {  // Another command's, the editor's own.
+            edits[0]->setKeySequence(QKeySequence(taken));
+            EXPECT_FALSE((*ok)->isEnabled()) << taken;
+            EXPECT_FALSE(problem->text().isEmpty()) << taken;
+        }
+        edits[0]->setKeySequence(QKeySequence("Ctrl+R"));
+        EXPECT_TRUE((*ok)->isEnabled()) << problem->text().toStdString();
+        (*ok)->click();
+    });
+    Action("Shortcuts…")->trigger();
+    EXPECT_EQ(Action("Run")->shortcut(), QKeySequence("Ctrl+R"));
+    ASSERT_TRUE(Close());
+    Start();
+    EXPECT_EQ(Action("Run")->shortcut(), QKeySequence("Ctrl+R"));
+    EXPECT_EQ(Action("Stop")->shortcut(), QKeySequence("Shift+F5"));
+}
+
+TEST_F(EditorWindow, OffersUnsavedTextAgainAfterTheProgramWasKilled)
+{
+    const QString path = Write("a.py", "old\n");
+    {
+        // A copy of this program, which is killed once its text is safe.
+        ForkedChild child([&] {
+            Start({path});
+            Type("new ");
+            WaitUntil([&] {
+                const auto recovery = std::filesystem::path(folder / "state/recovery");
+                std::error_code error;
+                int files = 0;
+                for (const auto& entry : std::filesystem::recursive_directory_iterator(recovery, error)) {
+                    files += entry.is_regular_file() && entry.file_size() > 0 ? 1 : 0;
+                }
+                return files > 0;
+            });
+            kill(getpid(), SIGKILL);
+            return 0;
+        });
+        ASSERT_EQ(child.Wait(), -1);
+    }
+    EXPECT_EQ(ReadFile(path.toStdString()), "old\n");
+    Start({path});
+    ASSERT_TRUE(Message().contains("a.py")) << Message().toStdString();
+    Answer("Recover");
+    EXPECT_EQ(editor().Content(), "new old\n");
+    EXPECT_TRUE(window().documents().Front()->IsModified());
+    Press(Qt::Key_S, Qt::ControlModifier);
+    EXPECT_EQ(ReadFile(path.toStdString()), "new old\n");
+    ASSERT_TRUE(Close());
+    Start({path});
+    EXPECT_EQ(Message(), QString());  // Nothing is offered twice.
+}
+
+TEST_F(EditorWindow, FollowsAFileThatAnotherProgramChanges)
+{
+    const QString path = Write("a.py", "one\n");
+    Start({path});
+    Write("a.py", "one and two\n");
+    ASSERT_TRUE(WaitUntil([&] { return editor().Content() == "one and two\n"; }));
+    EXPECT_FALSE(window().documents().Front()->IsModified());
+
+    Type("mine ");
+    Write("a.py", "theirs, which is longer\n");
+    ASSERT_TRUE(WaitUntil([&] { return !Message().isEmpty(); }));
+    EXPECT_EQ(editor().Content(), "mine one and two\n");
+    Answer("Keep Mine");
+    Press(Qt::Key_S, Qt::ControlModifier);
+    EXPECT_EQ(ReadFile(path.toStdString()), "mine one and two\n");
+
+    Type("again ");
+    Write("a.py", "theirs once more\n");
+    ASSERT_TRUE(WaitUntil([&] { return !Message().isEmpty(); }));
+    Answer("Load the File");
+    EXPECT_EQ(editor().Content(), "theirs once more\n");
+
+    std::filesystem::remove(path.toStdString());
+    ASSERT_TRUE(WaitUntil([&] { return window().documents().Front()->IsModified(); }));
+    Press(Qt::Key_S, Qt::ControlModifier);
+    EXPECT_EQ(ReadFile(path.toStdString()), "theirs once more\n");
+}
+
+TEST_F(EditorWindow, KeepsBytesThatItDoesNotUnderstand)
+{
+    const std::string rows[] = {"", "no UTF-8: \xFF\xC0\r\nx\ry\n", std::string("a\0b\n", 4),
+                                "\xEF\xBB\xBF" "with a mark\r\n", "no end"};
+    Start();
+    for (const auto& bytes : rows) {
+        const QString path = Write("file.txt", bytes);
+        window().OpenFiles({path});
+        editor().setFocus();
+        Type("x");
+        Press(Qt::Key_Backspace);
+        ASSERT_TRUE(window().documents().SaveFront());
+        EXPECT_EQ(ReadFile(path.toStdString()), bytes);
+        ASSERT_TRUE(window().documents().Close(window().documents().currentIndex()));
+    }
+    EXPECT_EQ(Message(), QString());
+}
+
+TEST_F(EditorWindow, TellsWhatCannotBeOpenedOrSavedAndKeepsTheText)
+{
+    std::filesystem::create_directory(folder / "gone");
+    const QString path = Write("gone/a.py", "old\n");
+    Start({path, PathOf("missing.py"), QString::fromStdString(folder.path())});
+    EXPECT_FALSE(Message().isEmpty());
+    EXPECT_EQ(window().documents().count(), 1);
+    Answer("OK");
+    Type("new ");
+    std::filesystem::remove_all(folder / "gone");
+    EXPECT_FALSE(window().documents().SaveFront());
+    EXPECT_TRUE(Message().contains("gone")) << Message().toStdString();
+    EXPECT_EQ(editor().Content(), "new old\n");
+    WhenAskedPress(QMessageBox::Cancel);
+    EXPECT_FALSE(Close());
+    WhenAskedPress(QMessageBox::Discard);
+    EXPECT_TRUE(Close());
+}
+
+TEST_F(EditorWindow, ComesBackAsItWasLeft)
+{
+    const QString first = Write("a.py", "");
+    const QString second = Write("b.txt", "");
+    std::filesystem::create_directory(folder / "project");
+    Write("project/main.py", "");
+    Start({first, second});
+    window().resize(700, 500);
+    window().SetTarget(first);
+    window().worksheet().Append("kept\n");
+    window().OpenFiles({first});
+    ASSERT_TRUE(SheetShows("kept"));
+    ASSERT_TRUE(Close());
+    Start();
+    EXPECT_EQ(window().documents().Paths(), (QStringList{first, second}));
+    EXPECT_EQ(window().documents().Front()->path(), first.toStdString());
+    EXPECT_EQ(window().size(), QSize(700, 500));
+    EXPECT_EQ(Sheet(), "kept\n");
+    window().OpenFiles({second});
+    EXPECT_EQ(Controls(), QStringList("Run"));  // Because of the target.
+}
+
+TEST_F(EditorWindow, RemembersTheDeviceWindowsFrame)
+{
+    Start();
+    Press(Qt::Key_F8);
+    ASSERT_TRUE(WaitUntil([] { return DeviceTable() != nullptr; }));
+    DeviceTable()->window()->setGeometry(40, 50, 333, 444);
+    DeviceTable()->window()->close();
+    EXPECT_NE(ReadFile(folder / "config/plugins.settings").find("QuilpWindowFrame -frame "),
+              std::string::npos);
+    ASSERT_TRUE(Close());
+    Start();
+    Press(Qt::Key_F8);
+    ASSERT_TRUE(WaitUntil([] { return DeviceTable() != nullptr; }));
+    EXPECT_EQ(DeviceTable()->window()->size(), QSize(333, 444));
+}
+
+TEST_F(EditorWindow, SetsUnreadableSettingsAside)
+{
+    std::filesystem::create_directory(folder / "config");
+    const std::string damaged("\0\xFF binary", 9);
+    Write("config/plugins.settings", damaged);
+    Start();
+    EXPECT_TRUE(Message().contains("plugins.settings.unreadable")) << Message().toStdString();
+    EXPECT_EQ(ReadFile(folder / "config/plugins.settings.unreadable"), damaged);
+}
+
+TEST_F(EditorWindow, LivesOnWhenThePluginThrowsOrTalksNonsense)
+{
+    Start({Write("a.py", "")}, QUILP_TESTS "/throwing_plugin.so");
+    EXPECT_TRUE(Message().contains("message 104")) << Message().toStdString();
+    EXPECT_EQ(Controls(), QStringList(""));
+    window().findChild<RunControl*>()->click();
+    EXPECT_TRUE(Message().contains("message 100")) << Message().toStdString();
+    Action("Menu of All Commands")->trigger();
+    EXPECT_TRUE(Message().contains("message 101")) << Message().toStdString();
+    Press(Qt::Key_F8);
+    EXPECT_TRUE(Message().contains("no such window")) << Message().toStdString();
+    WhenAskedPress(QMessageBox::Ok);
+    Press(Qt::Key_F1);
+    EXPECT_TRUE(Message().contains("no help")) << Message().toStdString();
+    Type("still here");
+    EXPECT_EQ(editor().Content(), "still here");
+    EXPECT_TRUE(window().documents().SaveFront());
+    EXPECT_TRUE(Close());
+}
+
+TEST_F(EditorWindow, EndsWithinASecondWhileTheBoardPrints)
+{
+    const auto before = CurrentHoldings();
+    Start({Write("loop.py", "while True:\n    print('round')\n")});
+    window().AttachVirtualBoard();
+    window().worksheet().setFocus();
+    Type("");
+    Press(Qt::Key_F5);
+    ASSERT_TRUE(SheetShows("round"));
+    const auto begin = std::chrono::steady_clock::now();
+    ASSERT_TRUE(Close());
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
+    EXPECT_FALSE(SettledHoldings(before).children);
+}
+
+TEST_F(EditorWindow, RunsALineOfTheWorksheetInTheProjectsFolder)
+{
+    Start({Write("a.py", "")});
+    auto& sheet = window().worksheet();
+    sheet.SetText("pwd; echo \"two words\"");
+    sheet.setFocus();
+    Press(Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_TRUE(SheetShows("\"two words\"\n" + folder.path() + "\ntwo words\n")) << Sheet();
+}
+
+TEST_F(EditorWindow, TwoAtOnceKeepEachOthersSettings)
+{
+    std::filesystem::create_directory(folder / "config");
+    Write("config/plugins.settings", "OtherPlugin -kept\n");
+    Start({Write("a.py", "")});
+    MainWindow other(*PluginModule::Load(QUILP_BUNDLE "/quilp.so"), Runtime::Current(), places);
+    ASSERT_TRUE(other.Start());
+    other.OpenFiles({Write("b.py", "")});
+    Write("config/plugins.settings", "OtherPlugin -kept\nThird -new\n");
+    other.show();
+    other.close();
+    ASSERT_TRUE(Close());
+    const auto settings = ReadFile(folder / "config/plugins.settings");
+    EXPECT_NE(settings.find("OtherPlugin -kept\n"), std::string::npos) << settings;
+    EXPECT_NE(settings.find("Third -new\n"), std::string::npos) << settings;
+}
