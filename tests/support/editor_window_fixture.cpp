@@ -1,0 +1,163 @@
+#include "editor_window_fixture.h"
+
+#include "message_bar.h"
+#include "protect.h"
+#include "run_control.h"
+#include "text_editor.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+EditorWindow::EditorWindow()
+{
+    places = {{folder / "config", folder / "data", folder / "state"},
+              QUILP_BIN "/virtual-board",
+              folder / "board"};
+}
+
+EditorWindow::~EditorWindow()
+{
+    End();
+    EXPECT_EQ(unanswered_, 0) << "a question was expected";
+}
+
+void EditorWindow::Start(const QStringList& documents, const std::string& plugin)
+{
+    auto loaded = PluginModule::Load(plugin);
+    ASSERT_TRUE(loaded) << loaded.error();
+    plugin_.emplace(std::move(*loaded));
+    runtime_ = std::make_unique<Runtime>();
+    window_ = std::make_unique<MainWindow>(*plugin_, *runtime_, places);
+    SetErrorHandler([this](const std::string& error) { window_->TellOfPlugin(error); });
+    const auto started = window_->Start();
+    ASSERT_TRUE(started) << started.error();
+    window_->OpenFiles(documents);
+    window_->show();
+    window_->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get()));
+}
+
+bool EditorWindow::Close()
+{
+    const bool closed = window_->close();
+    if (closed) {
+        End();
+    }
+    return closed;
+}
+
+void EditorWindow::End()
+{
+    if (runtime_) {
+        runtime_->ShutDown();
+    }
+    SetErrorHandler({});
+    window_.reset();
+    runtime_.reset();
+    plugin_.reset();
+}
+
+QString EditorWindow::Write(const std::string& name, std::string_view content)
+{
+    return QString::fromStdString(folder.Write(name, content));
+}
+
+TextEditor& EditorWindow::editor()
+{
+    return window_->documents().FrontPage()->editor();
+}
+
+void EditorWindow::Type(const QString& text)
+{
+    editor().setFocus();
+    QTest::keyClicks(&editor(), text);
+}
+
+void EditorWindow::Press(Qt::Key key, Qt::KeyboardModifiers modifiers)
+{
+    auto* const focused = QApplication::focusWidget();
+    QTest::keyClick(focused != nullptr ? focused : window_.get(), key, modifiers);
+}
+
+QAction* EditorWindow::Action(const QString& text)
+{
+    for (auto* const action : window_->findChildren<QAction*>()) {
+        if (action->text().remove('&') == text) {
+            return action;
+        }
+    }
+    ADD_FAILURE() << "there is no " << text.toStdString();
+    return new QAction(window_.get());
+}
+
+bool EditorWindow::SheetShows(const std::string& text)
+{
+    return WaitUntil([&] { return Sheet().find(text) != std::string::npos; });
+}
+
+QString EditorWindow::Message()
+{
+    for (const auto* const bar : window_->findChildren<MessageBar*>()) {
+        if (bar->isVisible()) {
+            return bar->accessibleName();
+        }
+    }
+    return {};
+}
+
+void EditorWindow::Answer(const QString& button)
+{
+    for (auto* const bar : window_->findChildren<MessageBar*>()) {
+        for (auto* const candidate : bar->findChildren<QPushButton*>()) {
+            if (bar->isVisible() && candidate->text() == button) {
+                candidate->click();
+                QCoreApplication::processEvents();
+                return;
+            }
+        }
+    }
+    ADD_FAILURE() << "nothing offers " << button.toStdString();
+}
+
+QStringList EditorWindow::Controls()
+{
+    QStringList names;
+    for (const auto* const control : window_->findChildren<RunControl*>()) {
+        if (control->isVisible()) {
+            names.append(control->text());
+        }
+    }
+    return names;
+}
+
+void EditorWindow::WhenAsked(const std::function<void(QWidget&)>& act)
+{
+    ++unanswered_;
+    auto* const look = new QTimer(qApp);
+    QObject::connect(look, &QTimer::timeout, look, [this, look, act] {
+        auto* dialog = QApplication::activeModalWidget();
+        dialog = dialog != nullptr ? dialog : QApplication::activePopupWidget();
+        if (dialog != nullptr && dialog->isVisible()) {
+            look->stop();
+            look->deleteLater();
+            --unanswered_;
+            act(*dialog);
+        }
+    });
+    look->start(2);
+}
+
+void EditorWindow::WhenAskedPress(int standardButton)
+{
+    WhenAsked([standardButton](QWidget& dialog) {
+        auto* const box = qobject_cast<QMessageBox*>(&dialog);
+        ASSERT_NE(box, nullptr);
+        auto* const button = box->button(static_cast<QMessageBox::StandardButton>(standardButton));
+        ASSERT_NE(button, nullptr) << box->text().toStdString();
+        button->click();
+    });
+}

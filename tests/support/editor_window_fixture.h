@@ -1,0 +1,61 @@
+#pragma once
+
+#include "main_window.h"
+#include "wait.h"
+
+#include <gtest/gtest.h>
+
+#include <QString>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+class QMessageBox;
+
+// The editor's window with the real plug-in, and folders of the test's own.
+class EditorWindow : public testing::Test {
+  protected:
+    EditorWindow();
+    ~EditorWindow() override;
+
+    // Another start of the program. Without documents it opens those of last time.
+    void Start(const QStringList& documents = {}, const std::string& plugin = QUILP_BUNDLE "/quilp.so");
+    // Closes the window and ends everything. False when the window stays open.
+    bool Close();
+    // As when the program is gone, without a question.
+    void End();
+
+    QString Write(const std::string& name, std::string_view content);
+    QString PathOf(const std::string& name) { return QString::fromStdString(folder / name); }
+
+    MainWindow& window() { return *window_; }
+    TextEditor& editor();
+    // Types into the front document.
+    void Type(const QString& text);
+    // Into whatever has the keyboard.
+    void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
+    QAction* Action(const QString& text);
+    std::string Sheet() { return window_->worksheet().Text().toStdString(); }
+    bool SheetShows(const std::string& text);
+    // The message above the documents; empty when there is none.
+    QString Message();
+    // Presses a button, by its text, of whatever message is shown.
+    void Answer(const QString& button);
+    QStringList Controls();
+
+    // Has the next dialog answered while an event loop runs. Fails the test at its end when none
+    // came.
+    void WhenAsked(const std::function<void(QWidget& dialog)>& act);
+    void WhenAskedPress(int standardButton);
+
+    TemporaryFolder folder;
+    EditorPlaces places;
+
+  private:
+    std::optional<PluginModule> plugin_;
+    std::unique_ptr<Runtime> runtime_;
+    std::unique_ptr<MainWindow> window_;
+    int unanswered_ = 0;
+};

@@ -1,0 +1,27 @@
+// A plug-in that throws at most messages and answers nonsense at the others.
+#include "PluginInterface.h"
+
+#include <stdexcept>
+
+extern "C" std::int32_t PluginMain(int message, PluginInterface* pi, ...);
+extern "C" const char* PluginHelp();
+
+std::int32_t PluginMain(int message, PluginInterface* pi, ...)
+{
+    switch (message) {
+        case 1: return 1;
+        case 2:
+            pi->RegisterCommand("", "");
+            pi->RegisterCommand("A & B\n", "nonsense");
+            pi->RegisterSettingsKey("no key at all");
+            return -1;
+        case 307: pi->AddButton("", nullptr); return 99;
+        case 400: pi->WriteSettings("%s\n%s", "not a line", "\t"); throw 5;
+        default: throw std::runtime_error("message " + std::to_string(message));
+    }
+}
+
+const char* PluginHelp()
+{
+    throw std::runtime_error("no help");
+}
