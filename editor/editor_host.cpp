@@ -1,5 +1,10 @@
 #include "editor_host.h"
 
+#include "pop_up_menu.h"
+
+#include <QScopeGuard>
+
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -8,6 +13,7 @@ namespace {
 // The host's message codes.
 constexpr int kLoad = 1;
 constexpr int kRegister = 2;
+constexpr int kPopUpRequested = 101;
 constexpr int kCommand = 103;
 constexpr int kReadSettings = 104;
 
@@ -24,9 +30,11 @@ std::uint32_t LanguageOf(const EntryRef& ref)
 
 }  // namespace
 
-EditorHost::EditorHost(const PluginModule& plugin, Runtime& runtime, Worksheet worksheet)
-    : plugin_(plugin), runtime_(runtime), worksheet_(std::move(worksheet))
+EditorHost::EditorHost(const PluginModule& plugin, Runtime& runtime, Worksheet worksheet,
+                       QWidget* widget)
+    : plugin_(plugin), runtime_(runtime), worksheet_(std::move(worksheet)), hostWindow_(widget)
 {
+    window = &hostWindow_;
     bundle = plugin.bundle();
 }
 
@@ -49,12 +57,27 @@ bool EditorHost::Perform(const std::string& command)
     return known;
 }
 
+bool EditorHost::PerformFromMenu(const std::string& label)
+{
+    bool known = false;
+    const auto reset = qScopeGuard([] { SetPopUpChooser({}); });
+    SetPopUpChooser([&](const BMenu& menu) -> const BMenuItem* {
+        const auto& items = menu.Items();
+        const auto found =
+            std::ranges::find_if(items, [&](const auto& item) { return item->Label() == label; });
+        known = found != items.end();
+        return known ? found->get() : nullptr;
+    });
+    plugin_.Main(kPopUpRequested, this);
+    return known;
+}
+
 bool EditorHost::HasRunnable() const
 {
     return LanguageOf(document_) == kPythonLanguage || LanguageOf(target_) == kPythonLanguage;
 }
 
-// Without windows there are no controls, no menu of commands and no settings to keep.
+// Without windows there are no controls and no settings to keep.
 void EditorHost::AddButton(const std::string& /*name*/, void* /*pluginBundle*/) {}
 
 BRect EditorHost::ButtonFrame()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "PluginInterface.h"
+#include "host_window.h"
 #include "plugin_module.h"
 #include "runtime.h"
 
@@ -14,8 +15,10 @@ class EditorHost final : public PluginInterface {
   public:
     using Worksheet = std::function<void(const std::string& text)>;
 
-    // `plugin` and `runtime` must outlive this object.
-    EditorHost(const PluginModule& plugin, Runtime& runtime, Worksheet worksheet);
+    // `plugin` and `runtime` must outlive this object. `widget` is the editor's window, not owned;
+    // null when there is none.
+    EditorHost(const PluginModule& plugin, Runtime& runtime, Worksheet worksheet,
+               QWidget* widget = nullptr);
 
     // Full paths; empty for none.
     void SetDocument(std::string path) { document_ = EntryRef(std::move(path)); }
@@ -27,6 +30,9 @@ class EditorHost final : public PluginInterface {
 
     // Has the plug-in perform a registered command. False when it does not know it.
     bool Perform(const std::string& command);
+
+    // Chooses from the plug-in's menu without showing it. False when no item has this label.
+    bool PerformFromMenu(const std::string& label);
 
     // Whether a command that acts on a file would find one.
     bool HasRunnable() const;
@@ -52,6 +58,7 @@ class EditorHost final : public PluginInterface {
     const PluginModule& plugin_;
     Runtime& runtime_;
     Worksheet worksheet_;
+    HostWindow hostWindow_;
     EntryRef document_;
     EntryRef target_;
 };

@@ -83,16 +83,6 @@ std::expected<std::string, std::string> ReadableFile(const std::string& name)
     return path.string();
 }
 
-// False when the plug-in has no such window.
-bool OpenDeviceWindow(const PluginModule& plugin, EditorHost& host)
-{
-    const auto open = plugin.FindAction("_Z10OpenWindowP15PluginInterface");
-    if (open != nullptr) {
-        open(&host);
-    }
-    return open != nullptr;
-}
-
 struct Files {
     std::string document;
     std::string target;
@@ -184,7 +174,7 @@ int RunDeviceWindow(const Options& options, const PluginModule& plugin)
         QCoreApplication::quit();
     });
     bool opened = false;
-    Protect([&] { opened = OpenDeviceWindow(plugin, host); });
+    Protect([&] { opened = host.PerformFromMenu("Open Device window"); });
     const int status = opened ? QCoreApplication::exec() : kFailure;
     runtime.ShutDown();
     return status;
