@@ -25,14 +25,13 @@ QKeySequence ShortcutOf(const BMenuItem& item)
     return QKeyCombination(ModifiersOfMask(item.Modifiers()), static_cast<Qt::Key>(key));
 }
 
-// Where the menu alone shows the shortcut: elsewhere the key is another's.
+// The shortcut is only shown: keys do not reach the actions of a menu that nothing leads to.
 void AddAction(QMenu& menu, const BMenuItem& item,
                const std::function<void(const std::function<void()>& action)>& choose)
 {
     QAction* action = menu.addAction(MenuIcon(item), MenuLabel(item));
     action->setIconVisibleInMenu(true);
     action->setShortcut(ShortcutOf(item));
-    action->setShortcutContext(Qt::WidgetShortcut);
     action->setShortcutVisibleInContextMenu(true);
     QObject::connect(action, &QAction::triggered, &menu,
                      [choose, chosen = item.Action()] { choose(chosen); });
