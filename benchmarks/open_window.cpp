@@ -9,9 +9,8 @@
 // does, 500 in each turn of the event loop. Prints how long the thread was busy with it all, in
 // milliseconds, and how many bytes a row takes.
 
-#include "editor_host.h"
-#include "plugin_module.h"
 #include "quilp_window.h"
+#include "run_with_plugin.h"
 #include "runner.h"
 #include "runtime.h"
 #include "table_widget.h"
@@ -169,19 +168,10 @@ int main(int argc, char** argv)
         std::fputs("usage: open_window PLUGIN ENTRIES [stalls|rows]\n", stderr);
         return 2;
     }
-    const auto plugin = PluginModule::Load(argv[1]);
-    if (!plugin) {
-        std::fprintf(stderr, "%s\n", plugin.error().c_str());
-        return 1;
-    }
-    Runtime runtime;
-    EditorHost host(*plugin, runtime, [](const std::string&) {});
     const int entries = std::stoi(argv[2]);
     const std::string what = argc > 3 ? argv[3] : "";
     const auto measure = what == "rows"     ? MeasureRows
                          : what == "stalls" ? MeasureStalls
                                             : MeasureOpening;
-    measure(host, entries);
-    runtime.ShutDown();
-    return 0;
+    return RunWithPlugin(argv[1], [&](EditorHost& host) { measure(host, entries); });
 }

@@ -98,7 +98,6 @@ class QuilpWindow final : public BWindow {
     };
 
     void Initialise();
-    void FindViews();
     void SetUpListing();
     void SetUpButtons();
     void PopulateContextMenu(BMenu& menu);
@@ -114,6 +113,8 @@ class QuilpWindow final : public BWindow {
 
     // The completion of a change to the board's files: lists the directory again.
     unique_function<void()> ReloadWhenDone();
+    // What a row stands for; null when there is no such row.
+    const IconTableItem* EntryOf(objc_object* row) const;
     int ValidateDrop(objc_object* info, objc_object* item);
     bool AcceptDrop(objc_object* info, objc_object* item);
 

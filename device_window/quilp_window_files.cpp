@@ -61,13 +61,17 @@ void QuilpWindow::ConfigureDropHandling(PluginInterface* /*pi*/)
         [this](objc_object* info, objc_object* item, int) { return AcceptDrop(info, item); });
 }
 
+const IconTableItem* QuilpWindow::EntryOf(objc_object* row) const
+{
+    return dynamic_cast<const IconTableItem*>(listView->ItemForID(row, 0));
+}
+
 int QuilpWindow::ValidateDrop(objc_object* info, objc_object* item)
 {
     if (RefsFromPasteboard(NSDraggingInfo_draggingPasteboard(info)).empty()) {
         return NSDragOperationNone;
     }
-    const auto* entry =
-        item == nullptr ? nullptr : dynamic_cast<IconTableItem*>(listView->ItemForID(item, 0));
+    const auto* entry = EntryOf(item);
     const bool onFile = entry != nullptr && !entry->isDirectory;
     if (item == nullptr || onFile) {
         NSOutlineView_setDropItem_dropChildIndex(listView->KitView<NSOutlineView*>(), nullptr,
@@ -82,13 +86,9 @@ bool QuilpWindow::AcceptDrop(objc_object* info, objc_object* item)
     if (refs.empty()) {
         return false;
     }
-    std::string targetDir = currentPath;
-    if (item != nullptr) {
-        const auto* entry = dynamic_cast<IconTableItem*>(listView->ItemForID(item, 0));
-        if (entry != nullptr && entry->isDirectory) {
-            targetDir = entry->path;
-        }
-    }
+    const auto* entry = EntryOf(item);
+    const bool onDirectory = entry != nullptr && entry->isDirectory;
+    const std::string targetDir = onDirectory ? entry->path : currentPath;
     std::vector<std::string> paths;
     paths.reserve(refs.size());
     for (const auto& ref : refs) {

@@ -61,9 +61,8 @@ void Batch::Perform(BatchAction action)
         case BatchAction::UploadAsMain: return PerformNamed("QuilpUploadAsMain", true);
         case BatchAction::List: return PerformNamed("QuilpList", false);
         case BatchAction::Help: return host_.InsertInWorksheet(plugin_.Help(), "", 1, 1, -1);
-        case BatchAction::Status: return PerformMenuAction("_Z6StatusP15PluginInterface");
-        case BatchAction::CopyTemplate:
-            return PerformMenuAction("_Z10DumpUploadP15PluginInterface");
+        case BatchAction::Status: return PerformFromMenu("Status ");
+        case BatchAction::CopyTemplate: return PerformFromMenu("Add upload command to worksheet ");
     }
 }
 
@@ -73,12 +72,10 @@ void Batch::Fail(const char* message)
     status_ = 1;
 }
 
-// These stand in the plug-in's menu only, so they go by the function that the menu calls.
-void Batch::PerformMenuAction(const char* symbol)
+// No command name stands for these.
+void Batch::PerformFromMenu(const char* label)
 {
-    if (const auto action = plugin_.FindAction(symbol)) {
-        action(&host_);
-    } else {
+    if (!host_.PerformFromMenu(label)) {
         Fail("the plug-in does not know this command");
     }
 }

@@ -29,7 +29,7 @@ class Batch {
     void GoOnWhenIdle();
     void Next();
     void Perform(BatchAction action);
-    void PerformMenuAction(const char* symbol);
+    void PerformFromMenu(const char* label);
     void Fail(const char* message);
     void PerformNamed(const char* command, bool needsRunnable);
 

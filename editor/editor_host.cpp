@@ -1,11 +1,16 @@
 #include "editor_host.h"
 
 #include "plugin_settings.h"
+#include "pop_up_menu.h"
 #include "protect.h"
 #include "shortcuts.h"
 
+#include <QScopeGuard>
+
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <string_view>
 #include <utility>
 
@@ -35,9 +40,11 @@ std::uint32_t LanguageOf(const EntryRef& ref)
 
 }  // namespace
 
-EditorHost::EditorHost(const PluginModule& plugin, Runtime& runtime, Worksheet worksheet)
-    : plugin_(plugin), runtime_(runtime), worksheet_(std::move(worksheet))
+EditorHost::EditorHost(const PluginModule& plugin, Runtime& runtime, Worksheet worksheet,
+                       QWidget* widget)
+    : plugin_(plugin), runtime_(runtime), worksheet_(std::move(worksheet)), hostWindow_(widget)
 {
+    window = &hostWindow_;
     bundle = plugin.bundle();
 }
 
@@ -101,6 +108,21 @@ void EditorHost::OpenPopUp(BRect control)
 {
     control_ = control;
     Send(kOpenPopUp);
+}
+
+bool EditorHost::PerformFromMenu(const std::string& label)
+{
+    bool known = false;
+    const auto reset = qScopeGuard([] { SetPopUpChooser({}); });
+    SetPopUpChooser([&](const BMenu& menu) -> const BMenuItem* {
+        const auto& items = menu.Items();
+        const auto found =
+            std::ranges::find_if(items, [&](const auto& item) { return item->Label() == label; });
+        known = found != items.end();
+        return known ? found->get() : nullptr;
+    });
+    Send(kOpenPopUp);
+    return known;
 }
 
 std::expected<void, std::string> EditorHost::SaveSettings()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "PluginInterface.h"
+#include "host_window.h"
 #include "plugin_module.h"
 #include "runtime.h"
 
@@ -25,8 +26,10 @@ class EditorHost final : public PluginInterface {
   public:
     using Worksheet = std::function<void(const std::string& text)>;
 
-    // `plugin` and `runtime` must outlive this object.
-    EditorHost(const PluginModule& plugin, Runtime& runtime, Worksheet worksheet);
+    // `plugin` and `runtime` must outlive this object. `widget` is the editor's window, not owned;
+    // null when there is none.
+    EditorHost(const PluginModule& plugin, Runtime& runtime, Worksheet worksheet,
+               QWidget* widget = nullptr);
 
     // Where the plug-in's settings lines are kept and what its commands' shortcuts are; without
     // them there are none. Not owned. The settings are to be set before Start.
@@ -53,6 +56,9 @@ class EditorHost final : public PluginInterface {
     void PressControl();
     // As a click on its arrow; returns when the menu has closed. In the window's coordinates.
     void OpenPopUp(BRect control);
+
+    // Chooses from the plug-in's menu without showing it. False when no item has this label.
+    bool PerformFromMenu(const std::string& label);
 
     // Has the plug-in write its settings lines, and saves them. The error is a sentence.
     std::expected<void, std::string> SaveSettings();
@@ -85,6 +91,7 @@ class EditorHost final : public PluginInterface {
     const PluginModule& plugin_;
     Runtime& runtime_;
     Worksheet worksheet_;
+    HostWindow hostWindow_;
     PluginSettings* settings_ = nullptr;
     const Shortcuts* shortcuts_ = nullptr;
     EntryRef document_;

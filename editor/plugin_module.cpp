@@ -9,11 +9,6 @@ void PluginModule::Closer::operator()(void* handle) const
     dlclose(handle);
 }
 
-PluginModule::Action PluginModule::FindAction(const char* symbol) const
-{
-    return reinterpret_cast<Action>(dlsym(handle_.get(), symbol));
-}
-
 std::expected<PluginModule, std::string> PluginModule::Load(const std::string& file)
 {
     std::error_code error;

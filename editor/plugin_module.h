@@ -20,11 +20,6 @@ class PluginModule {
     std::int32_t Main(int message, PluginInterface* pi) const { return main_(message, pi); }
     std::string Help() const { return help_(); }
 
-    // An action of the plug-in's menu that no command name stands for, by the symbol of its
-    // function; null when the plug-in has none such.
-    using Action = void (*)(PluginInterface*);
-    Action FindAction(const char* symbol) const;
-
     // The handle for PluginInterface::bundle; valid as long as this object.
     void* bundle() const { return bundle_.get(); }
 

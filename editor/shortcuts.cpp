@@ -60,6 +60,16 @@ std::string CommandOf(const QString& settingsKey)
     return QUrl::fromPercentEncoding(settingsKey.toLatin1()).toStdString();
 }
 
+// 0 when it has none.
+std::uint32_t MenuKey(Qt::Key key)
+{
+    constexpr int kBeforeFunctionKeys = 0x80;
+    if (key >= Qt::Key_F1 && key <= Qt::Key_F31) {
+        return static_cast<std::uint32_t>(key - Qt::Key_F1 + 1 + kBeforeFunctionKeys);
+    }
+    return key <= Qt::Key_ydiaeresis ? static_cast<std::uint32_t>(key) : 0;
+}
+
 }  // namespace
 
 Shortcuts::Shortcuts(std::vector<NamedShortcut> defaults,
@@ -149,5 +159,6 @@ std::pair<std::uint32_t, std::uint32_t> Shortcuts::KeyAndModifiers(const std::st
     for (const auto& [modifier, bit] : kModifiers) {
         modifiers |= keys[0].keyboardModifiers().testFlag(modifier) ? bit : 0;
     }
-    return {keys[0].key(), modifiers};
+    const std::uint32_t key = MenuKey(keys[0].key());
+    return {key, key != 0 ? modifiers : 0};
 }

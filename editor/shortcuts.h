@@ -37,11 +37,11 @@ class Shortcuts {
     void Load(QSettings& settings);
     void Save(QSettings& settings) const;
 
-    // As the plug-in's interface hands it out: key 0 when there is none, or when it takes more than
-    // one key. The key is Qt's code: of a character its upper-case code; of F1, F2, ...
-    // 0x01000030, 0x01000031, ..., of which the low eight bits alone reach a menu item. The
-    // modifiers are a sum of 1 shift, 2 command (outside macOS Control), 4 control (outside macOS
-    // the key with the system's sign) and 0x40 option (Alt).
+    // As the plug-in's interface hands it out: key 0 when there is none, or when a menu item, which
+    // takes one key in eight bits, cannot show it. The key is a character, a letter as its capital,
+    // or for the function key Fn 0x80 + n. The modifiers are a sum of 1 shift, 2 command (outside
+    // macOS Control), 4 control (outside macOS the key with the system's sign) and 0x40 option
+    // (Alt).
     std::pair<std::uint32_t, std::uint32_t> KeyAndModifiers(const std::string& command) const;
 
   private:

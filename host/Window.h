@@ -64,6 +64,10 @@ class BWindow : public BLooper, public BNotifier {
     // For the framework.
     Native& native() const { return *native_; }
 
+  protected:
+    // For the framework: a window that it did not make.
+    explicit BWindow(std::unique_ptr<Native> native);
+
   private:
     template <class View, class Parent>
     static View* FindFirstIn(const Parent& parent)

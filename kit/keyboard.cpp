@@ -5,11 +5,20 @@
 #include <QGuiApplication>
 #include <QHash>
 
+#include <array>
 #include <utility>
 
 namespace {
 
 const QKeyEvent* handledEvent = nullptr;
+
+// Qt calls the command key Control, and where there is one the other one Meta.
+constexpr std::array<std::pair<Qt::KeyboardModifier, unsigned>, 4> kModifiers{{
+    {Qt::ShiftModifier, kShiftKey},
+    {Qt::ControlModifier, kCommandKey},
+    {Qt::MetaModifier, kControlKey},
+    {Qt::AltModifier, kOptionKey},
+}};
 
 }  // namespace
 
@@ -32,16 +41,22 @@ QByteArray KeyBytes(const QKeyEvent& event)
     return code != codes.end() ? QByteArray(1, *code) : event.text().toUtf8();
 }
 
-// Qt calls the command key Control, and where there is one the other one Meta.
 unsigned ModifierMask(Qt::KeyboardModifiers held)
 {
     unsigned mask = 0;
-    for (const auto& [modifier, bit] :
-         {std::pair(Qt::ShiftModifier, kShiftKey), std::pair(Qt::ControlModifier, kCommandKey),
-          std::pair(Qt::MetaModifier, kControlKey), std::pair(Qt::AltModifier, kOptionKey)}) {
+    for (const auto& [modifier, bit] : kModifiers) {
         mask |= held.testFlag(modifier) ? bit : 0;
     }
     return mask;
+}
+
+Qt::KeyboardModifiers ModifiersOfMask(unsigned mask)
+{
+    Qt::KeyboardModifiers held;
+    for (const auto& [modifier, bit] : kModifiers) {
+        held.setFlag(modifier, (mask & bit) != 0);
+    }
+    return held;
 }
 
 unsigned modifiers()

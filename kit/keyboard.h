@@ -17,5 +17,6 @@ class HandledKey {
 // The bytes of a key as views get them, see BOutlineTableView; empty for a key without any.
 QByteArray KeyBytes(const QKeyEvent& event);
 
-// modifiers() for these of Qt's.
+// modifiers() for these of Qt's, and the way back.
 unsigned ModifierMask(Qt::KeyboardModifiers held);
+Qt::KeyboardModifiers ModifiersOfMask(unsigned mask);

@@ -7,13 +7,19 @@
 #include <algorithm>
 #include <utility>
 
-BMenuItem::BMenuItem(const std::string& label, std::function<void()> action,
-                     unsigned char /*shortcut*/, unsigned /*modifiers*/)
-    : label_(label), action_(std::move(action))
+BMenuItem::BMenuItem(const std::string& label, std::function<void()> action, unsigned char shortcut,
+                     unsigned modifiers)
+    : label_(label), action_(std::move(action)), shortcut_(shortcut), modifiers_(modifiers)
 {
 }
 
 BMenuItem::~BMenuItem() = default;
+
+void BMenuItem::SetShortcut(unsigned char shortcut, unsigned modifiers)
+{
+    shortcut_ = shortcut;
+    modifiers_ = modifiers;
+}
 
 IconMenuItem::IconMenuItem(const std::string& label, const std::function<void()>& action, bool,
                            const BBitmap* icon, char shortcut, unsigned modifiers)
@@ -42,6 +48,11 @@ void BMenu::AddItem(BMenuItem* item, int index)
 {
     const auto at = std::clamp<std::ptrdiff_t>(index, 0, std::ssize(items_));
     items_.emplace(items_.begin() + at, item);
+}
+
+void BMenu::SetFont(const BFont* font)
+{
+    font_ = *font;
 }
 
 void BMenu::SetAboutToShowPopulator(const std::function<void()>& populator)

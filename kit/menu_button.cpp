@@ -1,7 +1,6 @@
 #include "menu_button.h"
 
 #include "menu_widget.h"
-#include "window_widget.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -83,16 +82,9 @@ void MenuButton::keyPressEvent(QKeyEvent* event)
 
 void MenuButton::OpenMenu()
 {
-    if (menu_ == nullptr) {
-        return;
+    auto* const widget = menu_ != nullptr ? MakeMenuWidgetOf(*this, *menu_) : nullptr;
+    if (widget != nullptr) {
+        widget->setMinimumWidth(width());
+        widget->popup(mapToGlobal(QPoint(0, 0)), widget->actions().value(selected_));
     }
-    CallWindow(*this, [this] { menu_->AboutToShow(); });
-    if (menu_ == nullptr || menu_->Items().empty()) {
-        return;
-    }
-    auto* const widget = MakeMenuWidget(
-        *menu_, this, [this](const std::function<void()>& action) { CallWindow(*this, action); });
-    widget->setAttribute(Qt::WA_DeleteOnClose);
-    widget->setMinimumWidth(width());
-    widget->popup(mapToGlobal(QPoint(0, 0)), widget->actions().value(selected_));
 }

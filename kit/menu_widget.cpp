@@ -1,6 +1,43 @@
 #include "menu_widget.h"
 
 #include "bitmap_content.h"
+#include "keyboard.h"
+#include "window_widget.h"
+
+#include <QApplication>
+
+namespace {
+
+// Function keys stand behind this code, see BMenuItem.
+constexpr int kBeforeFunctionKeys = 0x80;
+constexpr int kLastFunctionKey = 31;
+
+// Empty for what is no key.
+QKeySequence ShortcutOf(const BMenuItem& item)
+{
+    int key = item.Shortcut();
+    const int function = key - kBeforeFunctionKeys;
+    if (function > 0 && function <= kLastFunctionKey) {
+        key = Qt::Key_F1 + function - 1;
+    } else if (!QChar(key).isPrint()) {
+        return {};
+    }
+    return QKeyCombination(ModifiersOfMask(item.Modifiers()), static_cast<Qt::Key>(key));
+}
+
+// The shortcut is only shown: keys do not reach the actions of a menu that nothing leads to.
+void AddAction(QMenu& menu, const BMenuItem& item,
+               const std::function<void(const std::function<void()>& action)>& choose)
+{
+    QAction* action = menu.addAction(MenuIcon(item), MenuLabel(item));
+    action->setIconVisibleInMenu(true);
+    action->setShortcut(ShortcutOf(item));
+    action->setShortcutVisibleInContextMenu(true);
+    QObject::connect(action, &QAction::triggered, &menu,
+                     [choose, chosen = item.Action()] { choose(chosen); });
+}
+
+}  // namespace
 
 QString MenuLabel(const BMenuItem& item)
 {
@@ -18,11 +55,29 @@ QMenu* MakeMenuWidget(const BMenu& menu, QWidget* parent,
 {
     auto* widget = new QMenu(parent);
     widget->setObjectName(QString::fromStdString(menu.Name()));
-    for (const auto& item : menu.Items()) {
-        QAction* action = widget->addAction(MenuIcon(*item), MenuLabel(*item));
-        action->setIconVisibleInMenu(true);
-        QObject::connect(action, &QAction::triggered, widget,
-                         [choose, chosen = item->Action()] { choose(chosen); });
+    if (menu.Font() && menu.Font()->Size() > 0) {
+        QFont font = QApplication::font();
+        font.setPointSizeF(menu.Font()->Size());
+        widget->setFont(font);
     }
+    for (const auto& item : menu.Items()) {
+        AddAction(*widget, *item, choose);
+    }
+    return widget;
+}
+
+QMenu* MakeMenuWidgetOf(QWidget& owner, const BMenu& menu)
+{
+    QMenu* widget = nullptr;
+    CallWindow(owner, [&] {
+        menu.AboutToShow();
+        if (menu.Items().empty()) {
+            return;
+        }
+        widget = MakeMenuWidget(menu, &owner, [&owner](const std::function<void()>& action) {
+            CallWindow(owner, action);
+        });
+        widget->setAttribute(Qt::WA_DeleteOnClose);
+    });
     return widget;
 }

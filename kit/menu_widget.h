@@ -9,6 +9,10 @@
 QMenu* MakeMenuWidget(const BMenu& menu, QWidget* parent,
                       const std::function<void(const std::function<void()>& action)>& choose);
 
+// The same for a menu of a window, filled anew: the chosen action is called into the window that
+// the owner belongs to. Deletes itself when it closes. Null when there is nothing to show.
+QMenu* MakeMenuWidgetOf(QWidget& owner, const BMenu& menu);
+
 // An item's label as a menu shows it: no character of it is a mnemonic.
 QString MenuLabel(const BMenuItem& item);
 

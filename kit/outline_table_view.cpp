@@ -7,7 +7,6 @@
 #include "protect.h"
 #include "table_native.h"
 #include "table_widget.h"
-#include "window_widget.h"
 
 #include <QApplication>
 #include <QFontMetricsF>
@@ -21,18 +20,6 @@ constexpr double kTextMargin = 4;
 TableWidget& Widget(const BView& view)
 {
     return view.native().As<TableWidget>();
-}
-
-void ShowMenu(const BMenu& menu, TableWidget& table, const QPoint& at)
-{
-    menu.AboutToShow();
-    if (menu.Items().empty()) {
-        return;
-    }
-    auto* const widget = MakeMenuWidget(
-        menu, &table, [&table](const std::function<void()>& action) { CallWindow(table, action); });
-    widget->setAttribute(Qt::WA_DeleteOnClose);
-    widget->popup(at);
 }
 
 }  // namespace
@@ -126,7 +113,9 @@ void BOutlineTableView::SetMenu(BMenu* menu)
     auto& own = static_cast<TableNative&>(native()).menu;
     own.reset(menu);
     Widget(*this).handlers.showMenu = [this, &own](const QPoint& at) {
-        ShowMenu(*own, Widget(*this), at);
+        if (auto* const widget = MakeMenuWidgetOf(Widget(*this), *own)) {
+            widget->popup(at);
+        }
     };
 }
 

@@ -4,17 +4,12 @@
 #include "geometry_conversion.h"
 #include "runtime.h"
 #include "view_native.h"
-#include "window_description.h"
-#include "window_widget.h"
+#include "window_native.h"
 
 #include <QMenu>
 
 #include <cmath>
 #include <utility>
-
-struct BWindow::Native {
-    DescribedWindow content;
-};
 
 namespace {
 
@@ -50,54 +45,63 @@ BWindow::BWindow(std::vector<std::function<void()>>& initialisers, const char* d
     initialisers.emplace_back([this] { native_->content.widget->SetLooper(weak_from_this()); });
 }
 
+BWindow::BWindow(std::unique_ptr<Native> native) : native_(std::move(native)) {}
+
 BWindow::~BWindow()
 {
-    auto* const widget = native_->content.widget.release();
-    widget->hide();
-    native_->content.views.clear();
-    widget->deleteLater();
+    if (auto* const widget = native_->content.widget.release()) {
+        widget->hide();
+        native_->content.views.clear();
+        widget->deleteLater();
+    }
 }
 
 void BWindow::Show()
 {
-    native_->content.widget->show();
-    Runtime::Current().Keep(shared_from_this());
+    if (const auto& widget = native_->content.widget) {
+        widget->show();
+        Runtime::Current().Keep(shared_from_this());
+    }
 }
 
 void BWindow::Activate(bool active)
 {
-    if (active) {
-        native_->content.widget->raise();
-        native_->content.widget->activateWindow();
+    const auto& widget = native_->content.widget;
+    if (active && widget) {
+        widget->raise();
+        widget->activateWindow();
     }
 }
 
 void BWindow::Quit()
 {
-    const auto& widget = native_->content.widget;
-    for (auto* menu : widget->findChildren<QMenu*>()) {
-        menu->close();
+    if (const auto& widget = native_->content.widget) {
+        for (auto* menu : widget->findChildren<QMenu*>()) {
+            menu->close();
+        }
+        widget->hide();
+        BLooper::Quit();
     }
-    widget->hide();
-    BLooper::Quit();
 }
 
 BRect BWindow::Frame() const
 {
-    const auto& widget = native_->content.widget;
-    return FromQt(QRectF(widget->pos(), widget->size()));
+    const auto& widget = native_->onScreen;
+    return widget ? FromQt(QRectF(widget->pos(), widget->size())) : BRect();
 }
 
 void BWindow::SetFrame(BRect frame)
 {
-    const auto& widget = native_->content.widget;
-    widget->resize(Round(frame.Width()), Round(frame.Height()));
-    widget->move(Round(frame.left), Round(frame.top));
+    if (const auto& widget = native_->content.widget) {
+        widget->resize(Round(frame.Width()), Round(frame.Height()));
+        widget->move(Round(frame.left), Round(frame.top));
+    }
 }
 
 BPoint BWindow::ConvertToScreen(BPoint point) const
 {
-    const auto origin = native_->content.widget->mapToGlobal(QPoint(0, 0));
+    const auto& widget = native_->onScreen;
+    const QPoint origin = widget ? widget->mapToGlobal(QPoint(0, 0)) : QPoint();
     return {point.x + origin.x(), point.y + origin.y()};
 }
 

@@ -2,6 +2,7 @@
 
 #include "PluginInterface.h"
 #include "commands.h"
+#include "pop_up.h"
 #include "quilp_window.h"
 #include "runnable.h"
 
@@ -99,7 +100,7 @@ std::int32_t PluginMain(int message, PluginInterface* pi, ...)
         case kButtonPressed: return Run(pi) ? 1 : 0;
         case kCommand: return PerformCommand(pi);
         case kOfferButton: return OfferButton(pi);
-        case kPopUpRequested: return 1;
+        case kPopUpRequested: RunPopUp(pi); return 1;
         case kReadSettings: QuilpWindow::ReadSettings(pi, pi->settingsArgv); return 1;
         case kSaveSettings: QuilpWindow::SaveSettings(pi); return 1;
         default: return 0;

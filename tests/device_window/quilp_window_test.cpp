@@ -49,6 +49,12 @@ class ScriptedDeviceWindow : public DeviceWindowTest {
         Open();
         NewCalls();
     }
+    QMenu* OpenContextMenu()
+    {
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(5, 5), QPoint(5, 5));
+        QApplication::sendEvent(table().viewport(), &event);
+        return OpenMenu();
+    }
     bool CallsAre(std::ptrdiff_t count)
     {
         return WaitUntil([&] { return std::ssize(host.ToolCalls()) == count; });
@@ -247,14 +253,9 @@ TEST_F(ScriptedDeviceWindow, DeletesTheSelectionFromItsEndAndListsAgain)
 TEST_F(ScriptedDeviceWindow, TheContextMenuOffersToDeleteWhatIsSelected)
 {
     OpenAndForgetCalls();
-    const auto openMenu = [&] {
-        QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(5, 5), QPoint(5, 5));
-        QApplication::sendEvent(table().viewport(), &event);
-        return OpenMenu();
-    };
-    EXPECT_EQ(openMenu(), nullptr) << "empty";
+    EXPECT_EQ(OpenContextMenu(), nullptr) << "empty";
     SelectRows({"lib/"});
-    auto* const menu = openMenu();
+    auto* const menu = OpenContextMenu();
     ASSERT_NE(menu, nullptr);
     ASSERT_EQ(menu->actions().size(), 1);
     ChooseFromMenu("Delete");
@@ -377,6 +378,43 @@ TEST_F(ScriptedDeviceWindow, MayBeClosedAtAnyMoment)
             Stop();
         }
     }
+}
+
+TEST_F(ScriptedDeviceWindow, AContextMenuThatIsOpenGoesWithTheWindow)
+{
+    OpenAndForgetCalls();
+    SelectRows({"lib/"});
+    ASSERT_NE(OpenContextMenu(), nullptr);
+    const QPointer<QAction> remove = OpenMenu()->actions().value(0);
+    widget().close();
+    ASSERT_EQ(QuilpWindow::gInstance, nullptr);
+    EXPECT_EQ(OpenMenu(), nullptr);
+    ASSERT_FALSE(remove.isNull()) << "it is handled yet";
+    remove->trigger();
+    EXPECT_TRUE(WaitUntil([&] { return remove.isNull(); }));
+    Settle();
+    EXPECT_EQ(NewCalls(), Strings{});
+}
+
+TEST_F(ScriptedDeviceWindow, ADragThatHoversWhenTheWindowClosesFindsNobody)
+{
+    OpenAndForgetCalls();
+    const TemporaryFolder local;
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(QString::fromStdString(local.Write("a.py", "")))});
+    const QPoint at = table().visualRect(table().model()->index(RowOf("lib/"), 0)).center();
+    const QPointer<QWidget> over = table().viewport();
+    Drag(*over, QDragEnterEvent(at, Qt::CopyAction, &data, Qt::LeftButton, {}));
+    EXPECT_TRUE(Drag(*over, QDragMoveEvent(at, Qt::CopyAction, &data, Qt::LeftButton, {})));
+    widget().close();
+    ASSERT_EQ(QuilpWindow::gInstance, nullptr);
+    ASSERT_FALSE(over.isNull()) << "the drag has not left it yet";
+    over->grab();  // Paints where the drag was.
+    EXPECT_FALSE(Drag(*over, QDragMoveEvent(at, Qt::CopyAction, &data, Qt::LeftButton, {})));
+    EXPECT_FALSE(Drag(*over, QDropEvent(at, Qt::CopyAction, &data, Qt::LeftButton, {})));
+    EXPECT_TRUE(WaitUntil([&] { return over.isNull(); }));
+    Settle();
+    EXPECT_EQ(NewCalls(), Strings{});
 }
 
 TEST_F(ScriptedDeviceWindow, MayBeOpenWhenTheProgramEnds)

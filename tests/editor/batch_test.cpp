@@ -311,3 +311,26 @@ TEST(Batch, APathThatClimbsOutOfALinkIsLeftAsItIs)
         RunEditor({"--document", local / "link/../a.py", "--batch", "run"}, board.variables());
     EXPECT_EQ(result.output, "right\r\n");
 }
+
+TEST(DeviceWindow, OpensByItselfOrSaysWhyNot)
+{
+    const TemporaryFolder bundle;
+    const auto plugin = bundle / "quilp.so";
+    std::filesystem::copy(QUILP_BUNDLE "/quilp.so", plugin);
+    const auto tool =
+        bundle.Write("Resources/mpremote/mpremote.py", "#!/bin/sh\necho >\"$0.ran\"\n");
+    std::filesystem::permissions(tool, std::filesystem::perms::owner_all);
+    const Words arguments{"--plugin", plugin, "--open-device-window"};
+    const Words screen{"QT_QPA_PLATFORM=offscreen", "XDG_RUNTIME_DIR=" + bundle.path()};
+
+    const auto refused = RunEditor(arguments, screen);
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_NE(refused.output.find("QuilpWindow.ui"), std::string::npos) << refused.output;
+
+    std::filesystem::copy(QUILP_BUNDLE "/Resources/QuilpWindow.ui", bundle / "Resources");
+    BackgroundProgram editor(Editor(arguments), screen);
+    EXPECT_TRUE(WaitUntil([&] { return std::filesystem::exists(tool + ".ran"); })) << "no listing";
+    editor.Signal(SIGTERM);
+    EXPECT_TRUE(editor.WaitForExit(std::chrono::seconds(5)));
+    EXPECT_EQ(editor.Status(), 0) << editor.output();
+}

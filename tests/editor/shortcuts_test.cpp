@@ -82,8 +82,11 @@ TEST(Shortcuts, ThePluginGetsKeyAndModifiers)
         {"Ctrl+R", {'R', 2}},
         {"Shift+ä", {0xC4, 1}},
         {"Meta+Alt+Ctrl+Shift+1", {'1', 0x47}},
-        {"F1", {0x01000030, 0}},
-        {"Meta+F12", {0x0100003B, 4}},
+        {"F1", {0x81, 0}},
+        {"Meta+F31", {0x9F, 4}},
+        {"F32", {0, 0}},
+        {"Ctrl+Home", {0, 0}},
+        {"Ctrl+Ж", {0, 0}},
         {"Alt+.", {'.', 0x40}},
         {"Ctrl+X, Ctrl+Y", {0, 0}},
     };

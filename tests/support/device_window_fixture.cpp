@@ -152,6 +152,13 @@ void DeviceWindowTest::ChooseFromMenu(const std::string& label)
     ADD_FAILURE() << "no item " << label;
 }
 
+bool DeviceWindowTest::Drag(QWidget& over, QDropEvent&& event)
+{
+    event.ignore();  // They come accepted.
+    QApplication::sendEvent(&over, &event);
+    return event.isAccepted();
+}
+
 std::pair<bool, bool> DeviceWindowTest::Drop(const QMimeData& data, const std::string& name,
                                              int offset)
 {
@@ -161,15 +168,11 @@ std::pair<bool, bool> DeviceWindowTest::Drop(const QMimeData& data, const std::s
         at = table().visualRect(table().model()->index(RowOf(name), 0)).center();
     }
     at.ry() += offset;
-    const auto send = [&](QDropEvent&& event) {
-        event.ignore();  // They come accepted.
-        QApplication::sendEvent(table().viewport(), &event);
-        return event.isAccepted();
-    };
+    QWidget& over = *table().viewport();
     const auto actions = Qt::CopyAction | Qt::MoveAction;
-    send(QDragEnterEvent(at, actions, &data, Qt::LeftButton, {}));
-    const bool proposed = send(QDragMoveEvent(at, actions, &data, Qt::LeftButton, {}));
-    return {proposed, send(QDropEvent(at, actions, &data, Qt::LeftButton, {}))};
+    Drag(over, QDragEnterEvent(at, actions, &data, Qt::LeftButton, {}));
+    const bool proposed = Drag(over, QDragMoveEvent(at, actions, &data, Qt::LeftButton, {}));
+    return {proposed, Drag(over, QDropEvent(at, actions, &data, Qt::LeftButton, {}))};
 }
 
 QMenu* OpenMenu()

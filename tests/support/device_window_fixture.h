@@ -14,7 +14,9 @@
 class BusyWidget;
 class MenuButton;
 class QMenu;
+class QDropEvent;
 class QMimeData;
+class QWidget;
 class TableWidget;
 class WindowWidget;
 
@@ -49,6 +51,8 @@ class DeviceWindowTest : public testing::Test {
     Strings OpenPathMenu();
     void ChooseFromMenu(const std::string& label);
 
+    // Tells whether the event of a drag was accepted.
+    static bool Drag(QWidget& over, QDropEvent&& event);
     // Drags over the middle of a row (below the rows for an empty name) and, when that is accepted,
     // drops there. Tells both.
     std::pair<bool, bool> Drop(const QMimeData& data, const std::string& name, int offset = 0);

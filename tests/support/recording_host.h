@@ -45,11 +45,14 @@ class RecordingHost final : public PluginInterface {
     bool currentTarget = false;
     std::uint32_t targetLanguage = 0;
     std::string target;
+    BRect buttonFrame;
+    std::pair<std::uint32_t, std::uint32_t> shortcut{0, 0};  // of every command
+    std::vector<std::string> shortcutsAsked;                 // the names
     std::vector<std::string> log;
     std::string worksheet;
 
     void AddButton(const std::string& name, void* pluginBundle) override;
-    BRect ButtonFrame() override { return {}; }
+    BRect ButtonFrame() override { return buttonFrame; }
     void RegisterSettingsKey(const std::string& key) override { log.push_back("key " + key); }
     void RegisterCommand(const std::string& name, const std::string& description) override;
     EntryRef DocumentRef() override;
@@ -57,9 +60,10 @@ class RecordingHost final : public PluginInterface {
     bool HasProjectTarget() override;
     std::uint32_t DocumentLanguage() override;
     void WriteSettings(const char* format, ...) override;
-    std::pair<std::uint32_t, std::uint32_t> CommandShortcut(const std::string&) override
+    std::pair<std::uint32_t, std::uint32_t> CommandShortcut(const std::string& name) override
     {
-        return {0, 0};
+        shortcutsAsked.push_back(name);
+        return shortcut;
     }
     Rebinder MakeRebinder(std::int32_t kind) override;
     void InsertInWorksheet(const std::string& text, const std::string& second, std::int32_t third,

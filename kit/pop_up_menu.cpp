@@ -1,0 +1,51 @@
+#include "pop_up_menu.h"
+
+#include "menu_widget.h"
+#include "protect.h"
+
+#include <QApplication>
+#include <QPointer>
+#include <QWindow>
+
+#include <utility>
+
+namespace {
+
+std::function<const BMenuItem*(const BMenu&)> popUpChooser;
+
+// The action of the item that the user chooses; empty for none. The menu goes with the window that
+// it lies over, whatever ends that meanwhile.
+std::function<void()> LetUserChoose(const BMenu& menu, BPoint where)
+{
+    std::function<void()> chosen;
+    auto* const window = QApplication::activeWindow();
+    const QPointer<QMenu> widget = MakeMenuWidget(
+        menu, window, [&chosen](const std::function<void()>& action) { chosen = action; });
+    if (window != nullptr) {
+        QObject::connect(window->windowHandle(), &QWindow::visibleChanged, widget, &QWidget::close);
+    }
+    widget->exec(QPointF(where.x, where.y).toPoint());
+    delete widget;  // Unless it has gone already.
+    return chosen;
+}
+
+}  // namespace
+
+BPopUpMenu::BPopUpMenu(const char* name, bool, bool) : BMenu(name) {}
+
+void BPopUpMenu::Go(BPoint where, bool, bool, bool, BView* /*view*/)
+{
+    AboutToShow();
+    if (popUpChooser) {
+        if (const auto* item = popUpChooser(*this)) {
+            item->Action()();
+        }
+    } else if (const auto action = LetUserChoose(*this, where)) {
+        Protect(action);
+    }
+}
+
+void SetPopUpChooser(std::function<const BMenuItem*(const BMenu& menu)> chooser)
+{
+    popUpChooser = std::move(chooser);
+}
