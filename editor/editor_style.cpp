@@ -4,6 +4,7 @@
 #include "scintilla_text.h"
 
 #include <QFontDatabase>
+#include <QKeyEvent>
 
 using Sci = QsciScintillaBase;
 
@@ -127,4 +128,10 @@ void ApplyStyle(QsciScintilla& editor)
     editor.setMatchedBraceBackgroundColor(colors.good);
     editor.setUnmatchedBraceForegroundColor(colors.bad);
     editor.setUnmatchedBraceBackgroundColor(palette.color(QPalette::Base));
+}
+
+bool IsControlChord(const QKeyEvent& event)
+{
+    const auto modifiers = event.modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier);
+    return modifiers == Qt::ControlModifier && !event.text().isEmpty() && event.text()[0].isPrint();
 }

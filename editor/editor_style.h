@@ -5,6 +5,8 @@
 #include <QColor>
 #include <QFont>
 
+class QKeyEvent;
+
 // How texts look. Used on the user-interface thread.
 
 // Colours that a palette does not have.
@@ -23,3 +25,6 @@ void SetUpEditor(QsciScintilla& editor);
 
 // Fonts, and colours that suit the widget's palette. Again when the palette or the lexer changes.
 void ApplyStyle(QsciScintilla& editor);
+
+// Whether it is a chord of Control that stands for no character, though it has one.
+bool IsControlChord(const QKeyEvent& event);

@@ -24,8 +24,9 @@ long LineEnd(const QsciScintillaBase& editor, long line)
 
 QByteArray BytesBetween(const QsciScintillaBase& editor, long start, long end)
 {
-    QByteArray bytes(end - start, Qt::Uninitialized);  // Has room for the NUL that ends it.
+    QByteArray bytes(end - start + 1, Qt::Uninitialized);  // A NUL ends it.
     editor.SendScintilla(Sci::SCI_GETTEXTRANGE, start, end, bytes.data());
+    bytes.chop(1);
     return bytes;
 }
 

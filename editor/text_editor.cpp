@@ -6,6 +6,7 @@
 #include "scintilla_text.h"
 
 #include <QDropEvent>
+#include <QKeyEvent>
 #include <QMimeData>
 #include <QUrl>
 
@@ -200,8 +201,18 @@ void TextEditor::ToggleComment()
             const bool hasBlank = mark + 1 < text.size() && text.at(mark + 1) == ' ';
             ReplaceBetween(*this, start + mark, start + mark + (hasBlank ? 2 : 1), {});
         } else {
-            ReplaceBetween(*this, start + indent, start + indent, "# ");
+            Comment(start + indent);
         }
+    }
+}
+
+void TextEditor::Comment(long position)
+{
+    const QByteArray mark = "# ";
+    const bool isCaretHere = !hasSelectedText() && Ask(*this, SCI_GETCURRENTPOS) == position;
+    ReplaceBetween(*this, position, position, mark);
+    if (isCaretHere) {
+        Ask(*this, SCI_SETEMPTYSELECTION, position + mark.size());
     }
 }
 
@@ -304,4 +315,13 @@ void TextEditor::dropEvent(QDropEvent* event)
     }
     AcceptAsCopy(event);
     Q_EMIT FilesDropped(paths);
+}
+
+void TextEditor::keyPressEvent(QKeyEvent* event)
+{
+    if (IsControlChord(*event)) {
+        event->ignore();
+        return;
+    }
+    QsciScintilla::keyPressEvent(event);
 }

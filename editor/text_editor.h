@@ -52,6 +52,7 @@ class TextEditor final : public QsciScintilla {
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
   private:
     void SetUpKeys();
@@ -60,6 +61,7 @@ class TextEditor final : public QsciScintilla {
     void IndentNewLine(int character);
     bool OpensBlock(long line) const;
     std::vector<long> SelectedLines() const;
+    void Comment(long position);
 
     PythonLexer* lexer_;  // Qt's parent owns it.
     bool isPython_ = false;

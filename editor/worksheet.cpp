@@ -217,8 +217,9 @@ void Worksheet::MarkChange(int position, int type, int length)
 
 std::optional<long> Worksheet::FirstLinkFrom(long position) const
 {
+    // At the text's end Scintilla gives the value before it.
     const auto isLink = [this](long at) {
-        return Ask(*this, SCI_INDICATORVALUEAT, kLinkIndicator, at) != 0;
+        return at < Length(*this) && Ask(*this, SCI_INDICATORVALUEAT, kLinkIndicator, at) != 0;
     };
     if (isLink(position)) {
         return position;
@@ -268,8 +269,8 @@ bool Worksheet::ChooseLinkAt(long position)
     if (!link) {
         return false;
     }
-    markerDeleteHandle(chosen_);
-    chosen_ = markerAdd(static_cast<int>(line), kChosenMarker);
+    Ask(*this, SCI_MARKERDELETEHANDLE, chosen_);
+    chosen_ = Ask(*this, SCI_MARKERADD, line, kChosenMarker);
     SelectBetween(*this, start, LineEnd(*this, line));
     Q_EMIT LinkChosen(link->path, link->line);
     return true;
@@ -309,9 +310,11 @@ void Worksheet::keyPressEvent(QKeyEvent* event)
 {
     if (IsRunChord(*event)) {
         RequestRun();
-        return;
+    } else if (IsControlChord(*event)) {
+        event->ignore();
+    } else {
+        QsciScintilla::keyPressEvent(event);
     }
-    QsciScintilla::keyPressEvent(event);
 }
 
 void Worksheet::changeEvent(QEvent* event)

@@ -67,5 +67,5 @@ class Worksheet final : public QsciScintilla {
     std::string waiting_;
     std::size_t taken_ = 0;  // From the front of `waiting_`.
     QTimer turn_;
-    int chosen_ = -1;  // Handle of the marker on the chosen line.
+    long chosen_ = -1;  // Handle of the marker on the chosen line.
 };

@@ -1,5 +1,7 @@
 #include "worksheet_text.h"
 
+#include "whole_characters.h"
+
 #include <utility>
 
 namespace {
@@ -20,8 +22,10 @@ bool IsInSequence(QChar c)
 
 WorksheetChange WorksheetText::Feed(std::string_view bytes, qsizetype column)
 {
-    const QString text =
-        decoder_.decode(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
+    begun_ += bytes;
+    const auto whole = WholeCharacters(begun_);
+    const auto text = QString::fromUtf8(begun_.data(), static_cast<qsizetype>(whole));
+    begun_.erase(0, whole);
     column_ = column;
     change_ = {};
     change_.text.reserve(text.size());

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <QString>
-#include <QStringDecoder>
 
+#include <string>
 #include <string_view>
 
 // What a piece of output does to the end of a text.
@@ -30,7 +30,7 @@ class WorksheetText {
     void TakeText(QChar c);
     void StartLineAnew();
 
-    QStringDecoder decoder_{QStringDecoder::Utf8};
+    std::string begun_;  // The beginning of a character.
     State state_ = State::Text;
     WorksheetChange change_;
     qsizetype column_ = 0;

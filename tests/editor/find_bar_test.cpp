@@ -270,11 +270,11 @@ TEST_F(FindBarTest, EveryControlIsReachedByTab)
 
 TEST_F(FindBarTest, ANearMatchOfALongTextIsFoundBackwards)
 {
-    editor->setText("x " + QString(1'000'000, u'a') + " x");
+    editor->setText("x " + QString("aaaaaaa\n").repeated(100'000) + " x");
     bar->OpenForFind();
     words()->setText("x");
     bar->FindPrevious();
-    EXPECT_EQ(selection(), "1000003-1000004");
+    EXPECT_EQ(selection(), "800003-800004");
     bar->FindPrevious();
     EXPECT_EQ(selection(), "0-1") << "the one far before";
 }

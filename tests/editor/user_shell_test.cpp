@@ -42,7 +42,12 @@ class UserShellTest : public testing::Test {
         EXPECT_TRUE(WaitUntil([&] { return output.ends_with('\n'); })) << output;
         return static_cast<pid_t>(std::stol(output));
     }
-    static bool IsAlive(pid_t pid) { return kill(pid, 0) == 0; }
+    // Who takes an orphan's status may take a while.
+    static bool IsAlive(pid_t pid)
+    {
+        return kill(pid, 0) == 0 &&
+               ReadFile("/proc/" + std::to_string(pid) + "/stat").find(") Z ") == std::string::npos;
+    }
 
     const QByteArray shellBefore = qgetenv("SHELL");
     const TemporaryFolder folder;
@@ -120,7 +125,8 @@ TEST_F(UserShellTest, ANewCommandWaitsForTheEndOfTheOld)
     Run("echo new");
     EXPECT_TRUE(shell->IsRunning());
     ASSERT_TRUE(WaitForEnd(2));
-    EXPECT_EQ(output, "old\nnew\n");
+    EXPECT_TRUE(output.ends_with("old\nnew\n")) << output;
+    EXPECT_EQ(output.find("never"), std::string::npos);
     EXPECT_EQ(statuses, (std::vector{9, 0}));
     Run("echo taken back");
     shell->Stop();
