@@ -42,11 +42,6 @@ QPalette MakePalette(const Colors& colors)
     return palette;
 }
 
-bool IsDark(const QPalette& palette)
-{
-    return palette.color(QPalette::Window).lightness() < 128;
-}
-
 QString StyleSheet(const Colors& colors)
 {
     return QStringLiteral(
@@ -85,4 +80,10 @@ void SetAppearance(Appearance appearance)
     QApplication::setStyle(QStyleFactory::create("Fusion"));
     QApplication::setPalette(MakePalette(colors));
     qApp->setStyleSheet(StyleSheet(colors));
+}
+
+bool IsDark(const QPalette& palette)
+{
+    return palette.color(QPalette::WindowText).lightness() >
+           palette.color(QPalette::Window).lightness();
 }

@@ -35,12 +35,15 @@ std::vector<char*> AsArguments(const std::vector<std::string>& words)
 // them, whatever the calling thread has blocked or ignored.
 class SpawnSettings {
   public:
-    explicit SpawnSettings(int output)
+    SpawnSettings(int output, const std::string& folder)
     {
         posix_spawn_file_actions_init(&actions);
         posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
         posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
         posix_spawn_file_actions_adddup2(&actions, output, STDERR_FILENO);
+        if (!folder.empty()) {
+            posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
+        }
         sigset_t none;
         sigemptyset(&none);
         sigset_t all;
@@ -75,7 +78,8 @@ int OpenProcessDescriptor([[maybe_unused]] pid_t pid)
 }  // namespace
 
 std::expected<ChildProcess, std::string> ChildProcess::Start(
-    const std::vector<std::string>& words, const std::vector<std::string>& environment)
+    const std::vector<std::string>& words, const std::vector<std::string>& environment,
+    const std::string& folder)
 {
     std::array<int, 2> pipe{-1, -1};
     if (!MakePipe(pipe)) {
@@ -83,7 +87,7 @@ std::expected<ChildProcess, std::string> ChildProcess::Start(
     }
     ChildProcess child;
     child.output_ = pipe[0];
-    const SpawnSettings settings(pipe[1]);
+    const SpawnSettings settings(pipe[1], folder);
     const int error =
         posix_spawnp(&child.pid_, words.front().c_str(), &settings.actions, &settings.attributes,
                      AsArguments(words).data(), AsArguments(environment).data());

@@ -12,10 +12,11 @@
 // reaped before it is destroyed.
 class ChildProcess {
   public:
-    // `environment` holds "NAME=value" words. A program without "/" is looked for in PATH. The
-    // error is "program: reason".
+    // `environment` holds "NAME=value" words. A program without "/" is looked for in PATH. It
+    // starts in `folder`; empty for this process's own. The error is "program: reason".
     static std::expected<ChildProcess, std::string> Start(
-        const std::vector<std::string>& words, const std::vector<std::string>& environment);
+        const std::vector<std::string>& words, const std::vector<std::string>& environment,
+        const std::string& folder = {});
     ChildProcess(ChildProcess&& other) noexcept;
     ChildProcess& operator=(ChildProcess&&) = delete;
     ~ChildProcess();

@@ -1,0 +1,59 @@
+#include "scintilla_text.h"
+
+using Sci = QsciScintillaBase;
+
+long Length(const QsciScintillaBase& editor)
+{
+    return Ask(editor, Sci::SCI_GETLENGTH);
+}
+
+long LineAt(const QsciScintillaBase& editor, long position)
+{
+    return Ask(editor, Sci::SCI_LINEFROMPOSITION, position);
+}
+
+long LineStart(const QsciScintillaBase& editor, long line)
+{
+    return Ask(editor, Sci::SCI_POSITIONFROMLINE, line);
+}
+
+long LineEnd(const QsciScintillaBase& editor, long line)
+{
+    return Ask(editor, Sci::SCI_GETLINEENDPOSITION, line);
+}
+
+QByteArray BytesBetween(const QsciScintillaBase& editor, long start, long end)
+{
+    QByteArray bytes(end - start + 1, Qt::Uninitialized);  // A NUL ends it.
+    editor.SendScintilla(Sci::SCI_GETTEXTRANGE, start, end, bytes.data());
+    bytes.chop(1);
+    return bytes;
+}
+
+QString TextBetween(const QsciScintillaBase& editor, long start, long end)
+{
+    return QString::fromUtf8(BytesBetween(editor, start, end));
+}
+
+QString TextOf(const QsciScintillaBase& editor)
+{
+    return TextBetween(editor, 0, Length(editor));
+}
+
+void ReplaceBetween(QsciScintillaBase& editor, long start, long end, const QByteArray& utf8)
+{
+    Ask(editor, Sci::SCI_SETTARGETRANGE, start, end);
+    editor.SendScintilla(Sci::SCI_REPLACETARGET, static_cast<unsigned long>(utf8.size()),
+                         utf8.constData());
+}
+
+void SelectBetween(QsciScintillaBase& editor, long start, long end)
+{
+    const long line = LineAt(editor, end);
+    const long visible = Ask(editor, Sci::SCI_LINESONSCREEN);
+    const long first = Ask(editor, Sci::SCI_GETFIRSTVISIBLELINE);
+    if (line < first || line >= first + visible) {
+        Ask(editor, Sci::SCI_SETFIRSTVISIBLELINE, line - visible / 2);
+    }
+    Ask(editor, Sci::SCI_SETSEL, start, end);
+}

@@ -1,0 +1,327 @@
+#include "text_editor.h"
+
+#include "document_file.h"
+#include "editor_style.h"
+#include "python_lexer.h"
+#include "scintilla_text.h"
+
+#include <QDropEvent>
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QUrl>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int kIndent = 4;  // blanks
+constexpr int kNumberMargin = 0;
+constexpr int kPaddingMargin = 1;
+constexpr int kPadding = 8;  // pixels
+
+QsciScintilla::EolMode ModeFor(const QString& text)
+{
+    switch (DominantLineEnding(text)) {
+        case LineEnding::Lf: return QsciScintilla::EolUnix;
+        case LineEnding::CrLf: return QsciScintilla::EolWindows;
+        case LineEnding::Cr: return QsciScintilla::EolMac;
+    }
+    return QsciScintilla::EolUnix;
+}
+
+char LastOfEnding(QsciScintilla::EolMode mode)
+{
+    return mode == QsciScintilla::EolMac ? '\r' : '\n';
+}
+
+bool IsBlank(char c)
+{
+    return c == ' ' || c == '\t';
+}
+
+long IndentLength(const QByteArray& line)
+{
+    return std::find_if_not(line.begin(), line.end(), IsBlank) - line.begin();
+}
+
+QStringList LocalFiles(const QMimeData& data)
+{
+    QStringList paths;
+    for (const auto& url : data.urls()) {
+        if (url.isLocalFile()) {
+            paths.append(url.toLocalFile());
+        }
+    }
+    return paths;
+}
+
+// As a copy: a file manager would remove what it believes was moved.
+void AcceptAsCopy(QDropEvent* event)
+{
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+}
+
+// Several changes that undo takes back at once.
+class UndoStep {
+  public:
+    explicit UndoStep(QsciScintilla& editor) : editor_(editor) { editor_.beginUndoAction(); }
+    UndoStep(const UndoStep&) = delete;
+    UndoStep& operator=(const UndoStep&) = delete;
+    ~UndoStep() { editor_.endUndoAction(); }
+
+  private:
+    QsciScintilla& editor_;
+};
+
+}  // namespace
+
+TextEditor::TextEditor(QWidget* parent) : QsciScintilla(parent), lexer_(new PythonLexer(this))
+{
+    SetUpEditor(*this);
+    SetUpKeys();
+    SetUpMargins();
+    setBraceMatching(SloppyBraceMatch);
+    setIndentationGuides(true);
+    Ask(*this, SCI_SETIDLESTYLING, SC_IDLESTYLING_TOVISIBLE);
+    connect(this, &QsciScintillaBase::SCN_CHARADDED, this, &TextEditor::IndentNewLine);
+    connect(this, &QsciScintilla::linesChanged, this, &TextEditor::FitNumberMargin);
+    connect(this, &QsciScintillaBase::SCN_ZOOM, this, &TextEditor::FitNumberMargin);
+}
+
+void TextEditor::SetUpKeys()
+{
+    setTabWidth(kIndent);
+    setIndentationWidth(kIndent);
+    setIndentationsUseTabs(false);
+    setTabIndents(true);
+    setBackspaceUnindents(true);
+}
+
+void TextEditor::SetUpMargins()
+{
+    setMarginLineNumbers(kNumberMargin, true);
+    setMarginType(kPaddingMargin, SymbolMarginDefaultBackgroundColor);
+    setMarginMarkerMask(kPaddingMargin, 0);
+    setMarginWidth(kPaddingMargin, kPadding);
+    FitNumberMargin();
+}
+
+void TextEditor::FitNumberMargin()
+{
+    constexpr qsizetype kFewestDigits = 3;
+    const auto digits = std::max(kFewestDigits, QString::number(lines()).size());
+    setMarginWidth(kNumberMargin, QString(digits + 1, u'9'));
+}
+
+void TextEditor::SetLanguage(Language language)
+{
+    isPython_ = language == Language::Python;
+    lexer_->ApplyColors(palette());
+    setLexer(isPython_ ? lexer_ : nullptr);
+    ApplyStyle(*this);
+    FitNumberMargin();
+}
+
+void TextEditor::SetContent(const QString& text)
+{
+    Ask(*this, SCI_SETUNDOCOLLECTION, 0);
+    ReplaceBetween(*this, 0, Length(*this), text.toUtf8());
+    Ask(*this, SCI_SETUNDOCOLLECTION, 1);
+    Ask(*this, SCI_EMPTYUNDOBUFFER);
+    setEolMode(ModeFor(text));
+    setModified(false);
+    Ask(*this, SCI_GOTOPOS, 0);
+}
+
+void TextEditor::ReplaceContent(const QString& text)
+{
+    const long line = CaretLine() - 1;
+    const long column = Ask(*this, SCI_GETCURRENTPOS) - LineStart(*this, line);
+    const long firstVisible = Ask(*this, SCI_GETFIRSTVISIBLELINE);
+    {
+        const UndoStep step(*this);
+        ReplaceBetween(*this, 0, Length(*this), text.toUtf8());
+    }
+    const long start = LineStart(*this, std::min<long>(line, lines() - 1));
+    const long end = LineEnd(*this, LineAt(*this, start));
+    // Not inside a character.
+    const long before = Ask(*this, SCI_POSITIONBEFORE, std::min(start + column, end) + 1);
+    Ask(*this, SCI_SETEMPTYSELECTION, std::max(start, before));
+    Ask(*this, SCI_SETFIRSTVISIBLELINE, firstVisible);
+    setEolMode(ModeFor(text));
+    setModified(false);
+}
+
+QString TextEditor::Content() const
+{
+    return TextOf(*this);
+}
+
+std::vector<long> TextEditor::SelectedLines() const
+{
+    const long start = Ask(*this, SCI_GETSELECTIONSTART);
+    const long end = Ask(*this, SCI_GETSELECTIONEND);
+    const long first = LineAt(*this, start);
+    long last = LineAt(*this, end);
+    if (last > first && end == LineStart(*this, last)) {
+        --last;  // Nothing of it is selected.
+    }
+    std::vector<long> selected;
+    for (long line = first; line <= last; ++line) {
+        selected.push_back(line);
+    }
+    return selected;
+}
+
+void TextEditor::ToggleComment()
+{
+    struct Line {
+        long start;
+        QByteArray text;
+    };
+    std::vector<Line> code;
+    long indent = -1;
+    bool areComments = true;
+    for (const long number : SelectedLines()) {
+        const long start = LineStart(*this, number);
+        const auto text = BytesBetween(*this, start, LineEnd(*this, number));
+        const long own = IndentLength(text);
+        if (own < text.size()) {
+            code.push_back({start, text});
+            indent = indent < 0 ? own : std::min(indent, own);
+            areComments = areComments && text.at(own) == '#';
+        }
+    }
+    std::ranges::reverse(code);  // So that the starts stay right.
+    const UndoStep step(*this);
+    for (const auto& [start, text] : code) {
+        if (areComments) {
+            const long mark = IndentLength(text);
+            const bool hasBlank = mark + 1 < text.size() && text.at(mark + 1) == ' ';
+            ReplaceBetween(*this, start + mark, start + mark + (hasBlank ? 2 : 1), {});
+        } else {
+            Comment(start + indent);
+        }
+    }
+}
+
+void TextEditor::Comment(long position)
+{
+    const QByteArray mark = "# ";
+    const bool isCaretHere = !hasSelectedText() && Ask(*this, SCI_GETCURRENTPOS) == position;
+    ReplaceBetween(*this, position, position, mark);
+    if (isCaretHere) {
+        Ask(*this, SCI_SETEMPTYSELECTION, position + mark.size());
+    }
+}
+
+void TextEditor::GoToLine(int line)
+{
+    const long start = LineStart(*this, std::clamp(line, 1, lines()) - 1);
+    SelectBetween(*this, start, start);
+    setFocus();
+}
+
+int TextEditor::CaretLine() const
+{
+    return static_cast<int>(LineAt(*this, Ask(*this, SCI_GETCURRENTPOS))) + 1;
+}
+
+int TextEditor::CaretColumn() const
+{
+    const long caret = Ask(*this, SCI_GETCURRENTPOS);
+    const long start = LineStart(*this, CaretLine() - 1);
+    return static_cast<int>(Ask(*this, SCI_COUNTCHARACTERS, start, caret)) + 1;
+}
+
+void TextEditor::ZoomBy(int points)
+{
+    zoomTo(static_cast<int>(Ask(*this, SCI_GETZOOM)) + points);
+}
+
+void TextEditor::ResetZoom()
+{
+    zoomTo(0);
+}
+
+// QScintilla's own way counts a colon of a few lines before, and one in a comment.
+void TextEditor::IndentNewLine(int character)
+{
+    const long line = CaretLine() - 1;
+    if (character != LastOfEnding(eolMode()) || line == 0) {
+        return;
+    }
+    const auto before = BytesBetween(*this, LineStart(*this, line - 1), LineEnd(*this, line - 1));
+    QByteArray indent = before.first(IndentLength(before));
+    if (OpensBlock(line - 1)) {
+        indent.append(kIndent, ' ');
+    }
+    const long caret = Ask(*this, SCI_GETCURRENTPOS);
+    ReplaceBetween(*this, caret, caret, indent);
+    Ask(*this, SCI_GOTOPOS, caret + indent.size());
+}
+
+bool TextEditor::OpensBlock(long line) const
+{
+    if (!isPython_) {
+        return false;
+    }
+    const long start = LineStart(*this, line);
+    long at = LineEnd(*this, line);
+    Ask(*this, SCI_COLOURISE, Ask(*this, SCI_GETENDSTYLED), at);
+    while (at > start) {
+        --at;
+        const auto c = static_cast<char>(Ask(*this, SCI_GETCHARAT, at));
+        const long style = Ask(*this, SCI_GETSTYLEAT, at);
+        const bool isComment =
+            style == QsciLexerPython::Comment || style == QsciLexerPython::CommentBlock;
+        if (!isComment && !IsBlank(c)) {
+            return c == ':' && style == QsciLexerPython::Operator;
+        }
+    }
+    return false;
+}
+
+void TextEditor::changeEvent(QEvent* event)
+{
+    QsciScintilla::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        lexer_->ApplyColors(palette());
+        ApplyStyle(*this);
+    }
+}
+
+void TextEditor::dragEnterEvent(QDragEnterEvent* event)
+{
+    dragMoveEvent(event);
+}
+
+void TextEditor::dragMoveEvent(QDragMoveEvent* event)
+{
+    if (LocalFiles(*event->mimeData()).isEmpty()) {
+        QsciScintilla::dragMoveEvent(event);
+    } else {
+        AcceptAsCopy(event);
+    }
+}
+
+void TextEditor::dropEvent(QDropEvent* event)
+{
+    const auto paths = LocalFiles(*event->mimeData());
+    if (paths.isEmpty()) {
+        QsciScintilla::dropEvent(event);
+        return;
+    }
+    AcceptAsCopy(event);
+    Q_EMIT FilesDropped(paths);
+}
+
+void TextEditor::keyPressEvent(QKeyEvent* event)
+{
+    if (IsControlChord(*event)) {
+        event->ignore();
+        return;
+    }
+    QsciScintilla::keyPressEvent(event);
+}

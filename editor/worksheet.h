@@ -1,0 +1,73 @@
+#pragma once
+
+#include "scintilla.h"
+#include "worksheet_text.h"
+
+#include <QString>
+#include <QTimer>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+// Where the output of programs arrives; the user edits it as any text. Used on the user-interface
+// thread.
+class Worksheet final : public QsciScintilla {
+    Q_OBJECT
+
+  public:
+    static constexpr int kMostLines = 100'000;
+
+    explicit Worksheet(QWidget* parent = nullptr);
+
+    // Adds output (see WorksheetText) at the end, in one of the next turns of the event loop; a
+    // turn takes a part only. When too much waits, this call adds a part itself, so that a
+    // producer becomes as slow as the view. The oldest lines go when there are too many. The view
+    // follows while its end is in sight. The caret and the selection stay where they are. Undo
+    // does not take it back, and what was typed before something was erased stays.
+    void Append(std::string_view utf8);
+
+    // Everything, also what waits to be added.
+    QString Text();
+    void SetText(const QString& text);
+    void Clear();
+
+    // As Control-Return.
+    void RequestRun();
+
+    // From the link chosen last, or from the end; goes on at the other end. False when there is no
+    // link.
+    bool GoToNextLink();
+    bool GoToPreviousLink();
+
+  Q_SIGNALS:
+    // A line of a traceback was chosen: the path as it stands there, and a line from 1.
+    void LinkChosen(const QString& path, int line);
+    // The user wants this run: what is selected, or the caret's line.
+    void RunRequested(const QString& text);
+
+  protected:
+    bool event(QEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    void SetUpLinks();
+    void ApplyLinkStyle();
+    void AppendPart();
+    void AppendAllThatWaits();
+    void Change(const WorksheetChange& change);
+    void DropOldLines();
+    void MarkLinks(long start, long end);
+    void MarkChange(int position, int type, int length);
+    std::optional<long> FirstLinkFrom(long position) const;
+    std::optional<long> LastLinkBefore(long position) const;
+    bool ChooseLinkAt(long position);
+    void Click(int position);
+
+    WorksheetText parser_;
+    std::string waiting_;
+    std::size_t taken_ = 0;  // From the front of `waiting_`.
+    QTimer turn_;
+    long chosen_ = -1;  // Handle of the marker on the chosen line.
+};
