@@ -50,7 +50,8 @@ void AddItems(PluginInterface* pi, BMenu* menu)
 
 }  // namespace
 
-void AddOneMenuItem(PluginInterface* pi, BMenu* menu, std::string label,
+void AddOneMenuItem(PluginInterface* pi, BMenu* menu,
+                    std::string label,  // NOLINT(performance-unnecessary-value-param)
                     const std::function<void()>& action, const std::string& commandName)
 {
     auto* const item = new BMenuItem(label, action, 0, 0);
