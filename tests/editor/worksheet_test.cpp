@@ -114,7 +114,6 @@ TEST_F(WorksheetTest, ProgressOnALineThatTheUserHadLeaves)
 
 TEST_F(WorksheetTest, OutputOfOneTurnComesTogetherAndInParts)
 {
-    QSignalSpy painted(&sheet, &QsciScintillaBase::SCN_PAINTED);
     for (int i = 0; i < 1000; ++i) {
         sheet.Append("x\n");
     }
