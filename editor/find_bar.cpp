@@ -267,11 +267,9 @@ void FindBar::ReplaceAll()
         Say(tr("No match"), Kind::Bad);
         return;
     }
-    editor_->beginUndoAction();
     ReplaceBetween(*editor_, PositionOf(text, replaced.range.start),
                    PositionOf(text, replaced.range.start + replaced.range.length),
                    replaced.text.toUtf8());
-    editor_->endUndoAction();
     Say(replaced.count == 1 ? tr("1 replaced") : tr("%1 replaced").arg(replaced.count));
 }
 

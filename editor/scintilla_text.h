@@ -23,7 +23,8 @@ QByteArray BytesBetween(const QsciScintillaBase& editor, long start, long end);
 QString TextBetween(const QsciScintillaBase& editor, long start, long end);
 QString TextOf(const QsciScintillaBase& editor);
 
-// Puts the text in place of what stands there; the selection stays on the text that it was on.
+// Puts the text in place of what stands there, in one step of undo; the selection stays on the text
+// that it was on.
 void ReplaceBetween(QsciScintillaBase& editor, long start, long end, const QByteArray& utf8);
 
 // Selects and shows it, in the middle when it was out of sight. The caret stands at the end.

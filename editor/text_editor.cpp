@@ -94,7 +94,6 @@ void TextEditor::SetUpKeys()
     setTabWidth(kIndent);
     setIndentationWidth(kIndent);
     setIndentationsUseTabs(false);
-    setTabIndents(true);
     setBackspaceUnindents(true);
 }
 
@@ -139,10 +138,7 @@ void TextEditor::ReplaceContent(const QString& text)
     const long line = CaretLine() - 1;
     const long column = Ask(*this, SCI_GETCURRENTPOS) - LineStart(*this, line);
     const long firstVisible = Ask(*this, SCI_GETFIRSTVISIBLELINE);
-    {
-        const UndoStep step(*this);
-        ReplaceBetween(*this, 0, Length(*this), text.toUtf8());
-    }
+    ReplaceBetween(*this, 0, Length(*this), text.toUtf8());
     const long start = LineStart(*this, std::min<long>(line, lines() - 1));
     const long end = LineEnd(*this, LineAt(*this, start));
     // Not inside a character.

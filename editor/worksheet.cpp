@@ -151,11 +151,9 @@ void Worksheet::DropOldLines()
     if (lines() <= kMostLines) {
         return;
     }
-    const long first = Ask(*this, SCI_GETFIRSTVISIBLELINE);
     const long dropped = lines() - kLinesAfterDrop;
     Ask(*this, SCI_DELETERANGE, 0, LineStart(*this, dropped));
     Ask(*this, SCI_EMPTYUNDOBUFFER);
-    Ask(*this, SCI_SETFIRSTVISIBLELINE, std::max(0L, first - dropped));
 }
 
 QString Worksheet::Text()
