@@ -121,8 +121,12 @@ bool EditorHost::PerformFromMenu(const std::string& label)
         known = found != items.end();
         return known ? found->get() : nullptr;
     });
-    Send(kOpenPopUp);
-    return known;
+    bool performed = false;  // And did not throw.
+    Protect([&] {
+        plugin_.Main(kOpenPopUp, this);
+        performed = known;
+    });
+    return performed;
 }
 
 std::expected<void, std::string> EditorHost::SaveSettings()

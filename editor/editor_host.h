@@ -57,7 +57,8 @@ class EditorHost final : public PluginInterface {
     // As a click on its arrow; returns when the menu has closed. In the window's coordinates.
     void OpenPopUp(BRect control);
 
-    // Chooses from the plug-in's menu without showing it. False when no item has this label.
+    // Chooses from the plug-in's menu without showing it. False when no item has this label
+    // or its action threw.
     bool PerformFromMenu(const std::string& label);
 
     // Has the plug-in write its settings lines, and saves them. The error is a sentence.

@@ -1,8 +1,8 @@
 // The editor as its user meets it: the real window, the real plug-in, the real tool.
 
 #include "editor_window_fixture.h"
-#include "forked_child.h"
 #include "leaks.h"
+#include "program.h"
 #include "run_control.h"
 #include "table_widget.h"
 #include "text_editor.h"
@@ -21,6 +21,7 @@
 #include <QUrl>
 
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 
 namespace {
@@ -58,6 +59,18 @@ void DropOn(QWidget& over, const QString& path)
                                 static_cast<QEvent*>(&drop)}) {
         QCoreApplication::sendEvent(&over, event);
     }
+}
+
+// Whether text lies in a folder of copies; its lock is empty.
+bool HoldsACopy(const std::string& folder)
+{
+    std::error_code error;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder, error)) {
+        if (entry.is_regular_file(error) && entry.file_size(error) > 0) {
+            return true;
+        }
+    }
+    return false;
 }
 
 QStringList Labels(const QWidget& menu)
@@ -233,28 +246,25 @@ TEST_F(EditorWindow, ChangesShortcutsButRefusesClashes)
     EXPECT_EQ(Action("Stop")->shortcut(), QKeySequence("Shift+F5"));
 }
 
+// The other process of the next test.
+TEST_F(EditorWindow, DISABLED_TypesAndIsKilledOnceTheTextIsSafe)
+{
+    const std::string root = qEnvironmentVariable("QUILP_TEST_ROOT").toStdString();
+    places.folders.state = root + "/state";
+    Start({QString::fromStdString(root + "/a.py")});
+    Type("new ");
+    ASSERT_TRUE(WaitUntil([&] { return HoldsACopy(root + "/state/recovery"); }));
+    raise(SIGKILL);
+}
+
 TEST_F(EditorWindow, OffersUnsavedTextAgainAfterTheProgramWasKilled)
 {
     const QString path = Write("a.py", "old\n");
-    {
-        // A copy of this program, which is killed once its text is safe.
-        ForkedChild child([&] {
-            Start({path});
-            Type("new ");
-            WaitUntil([&] {
-                const auto recovery = std::filesystem::path(folder / "state/recovery");
-                std::error_code error;
-                int files = 0;
-                for (const auto& entry : std::filesystem::recursive_directory_iterator(recovery, error)) {
-                    files += entry.is_regular_file() && entry.file_size() > 0 ? 1 : 0;
-                }
-                return files > 0;
-            });
-            kill(getpid(), SIGKILL);
-            return 0;
-        });
-        ASSERT_EQ(child.Wait(), -1);
-    }
+    const auto killed = RunProgram(
+        {"/proc/self/exe", "--gtest_also_run_disabled_tests",
+         "--gtest_filter=EditorWindow.DISABLED_TypesAndIsKilledOnceTheTextIsSafe"},
+        {"QUILP_TEST_ROOT=" + folder.path()});
+    ASSERT_EQ(killed.status, 128 + SIGKILL) << killed.output;
     EXPECT_EQ(ReadFile(path.toStdString()), "old\n");
     Start({path});
     ASSERT_TRUE(Message().contains("a.py")) << Message().toStdString();

@@ -125,6 +125,7 @@ void EditorWindow::Answer(const QString& button)
 
 QStringList EditorWindow::Controls()
 {
+    QCoreApplication::processEvents();  // The tool bar lays itself out.
     QStringList names;
     for (const auto* const control : window_->findChildren<RunControl*>()) {
         if (control->isVisible()) {
