@@ -8,6 +8,8 @@
 // A message above what it is about, with buttons for what can be done. Goes when one is pressed.
 // Does not take the keyboard, so that nobody answers it by typing on.
 class MessageBar final : public QFrame {
+    Q_OBJECT
+
   public:
     struct Choice {
         QString label;
