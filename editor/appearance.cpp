@@ -11,13 +11,15 @@
 namespace {
 
 struct Colors {
-    QColor window, base, alternate, text, muted, line, button, highlight;
+    QColor window, base, alternate, text, muted, line, button, highlight, message;
 };
 
-const Colors kLight{{0xf4, 0xf5, 0xf7}, Qt::white,          {0xf7, 0xf9, 0xfb}, {0x1f, 0x23, 0x28},
-                    {0x5b, 0x64, 0x6d}, {0xd5, 0xd9, 0xde}, {0xfb, 0xfc, 0xfd}, {0x2f, 0x7f, 0xd6}};
-const Colors kDark{{0x25, 0x29, 0x2e}, {0x1c, 0x1f, 0x23}, {0x21, 0x25, 0x29}, {0xe3, 0xe6, 0xea},
-                   {0x9a, 0xa3, 0xad}, {0x3b, 0x41, 0x49}, {0x2f, 0x34, 0x3a}, {0x2f, 0x6f, 0xb8}};
+const Colors kLight{{0xf4, 0xf5, 0xf7}, Qt::white,          {0xf7, 0xf9, 0xfb},
+                    {0x1f, 0x23, 0x28}, {0x5b, 0x64, 0x6d}, {0xd5, 0xd9, 0xde},
+                    {0xfb, 0xfc, 0xfd}, {0x2f, 0x7f, 0xd6}, {0xff, 0xf4, 0xd6}};
+const Colors kDark{{0x25, 0x29, 0x2e}, {0x1c, 0x1f, 0x23}, {0x21, 0x25, 0x29},
+                   {0xe3, 0xe6, 0xea}, {0x9a, 0xa3, 0xad}, {0x3b, 0x41, 0x49},
+                   {0x2f, 0x34, 0x3a}, {0x2f, 0x6f, 0xb8}, {0x46, 0x3f, 0x2a}};
 
 QPalette MakePalette(const Colors& colors)
 {
@@ -42,20 +44,42 @@ QPalette MakePalette(const Colors& colors)
     return palette;
 }
 
+// In the colours' names, which stand in braces.
+constexpr const char* kStyleSheet = R"(
+QHeaderView::section { background: {window}; color: {muted}; border: none;
+    border-bottom: 1px solid {line}; padding: 5px 6px; }
+QHeaderView { background: {window}; }
+QAbstractScrollArea#listing { border: 1px solid {line}; }
+QToolBar { background: {window}; border: none; border-bottom: 1px solid {line};
+    padding: 3px 6px; spacing: 4px; }
+QTabBar { background: {window}; }
+QTabBar::tab { background: {window}; color: {muted}; border: none; border-top: 2px solid {window};
+    border-right: 1px solid {line}; padding: 5px 10px; }
+QTabBar::tab:selected { background: {base}; color: {text}; border-top-color: {highlight}; }
+QTabBar::tab:hover { color: {text}; }
+QSplitter::handle { background: {line}; }
+QStatusBar { background: {window}; border-top: 1px solid {line}; }
+QStatusBar::item { border: none; }
+QStatusBar QLabel { color: {muted}; padding: 2px 8px; }
+QFrame#messageBar { background: {message}; border: none; border-bottom: 1px solid {line}; }
+)";
+
 QString StyleSheet(const Colors& colors)
 {
-    return QStringLiteral(
-               "QHeaderView::section { background: %1; color: %2; border: none;"
-               " border-bottom: 1px solid %3; padding: 5px 6px; }"
-               "QHeaderView { background: %1; }"
-               "QAbstractScrollArea#listing { border: 1px solid %3; }")
-        .arg(colors.window.name(), colors.muted.name(), colors.line.name());
+    QString sheet = kStyleSheet;
+    for (const auto& [name, color] :
+         {std::pair("{window}", colors.window), std::pair("{base}", colors.base),
+          std::pair("{text}", colors.text), std::pair("{muted}", colors.muted),
+          std::pair("{line}", colors.line), std::pair("{highlight}", colors.highlight),
+          std::pair("{message}", colors.message)}) {
+        sheet.replace(QLatin1String(name), color.name());
+    }
+    return sheet;
 }
 
 using NamedAppearance = std::pair<const char*, Appearance>;
-constexpr std::array<NamedAppearance, 3> kNames{{{"system", Appearance::System},
-                                                 {"light", Appearance::Light},
-                                                 {"dark", Appearance::Dark}}};
+constexpr std::array<NamedAppearance, 3> kNames{
+    {{"system", Appearance::System}, {"light", Appearance::Light}, {"dark", Appearance::Dark}}};
 
 }  // namespace
 

@@ -4,5 +4,6 @@
 
 #include <QString>
 
-// How a menu shows a command of the plug-in: the name without what all of them begin with, as words.
+// How a menu shows a command of the plug-in: the name without what all of them begin with, as
+// words.
 QString CommandLabel(const RegisteredCommand& command);

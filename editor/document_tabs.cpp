@@ -1,12 +1,13 @@
 #include "document_tabs.h"
 
-#include "message_bar.h"
+#include "editor_icons.h"
 #include "text_editor.h"
 
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QTabBar>
+#include <QToolButton>
 
 #include <chrono>
 #include <filesystem>
@@ -27,17 +28,16 @@ QString Identity(const QString& path)
 
 DocumentTabs::DocumentTabs(const std::string& recoveryRoot, QWidget* parent)
     : QTabWidget(parent), recovery_(recoveryRoot, [this](const std::string& error) {
-          Q_EMIT Failed(tr("Unsaved text is not safe from a crash: %1").arg(QString::fromStdString(error)));
+          Q_EMIT Failed(
+              tr("Unsaved text is not safe from a crash: %1").arg(QString::fromStdString(error)));
       })
 {
     setDocumentMode(true);
     setMovable(true);
-    setTabsClosable(true);
     setAccessibleName(tr("Documents"));
     recoveryTimer_.setSingleShot(true);
     recoveryTimer_.setInterval(kCopyAfter);
     connect(&recoveryTimer_, &QTimer::timeout, this, &DocumentTabs::KeepCopies);
-    connect(this, &QTabWidget::tabCloseRequested, this, &DocumentTabs::Close);
     connect(this, &QTabWidget::currentChanged, this, [this] {
         if (auto* const page = FrontPage()) {
             page->editor().setFocus();
@@ -94,11 +94,19 @@ DocumentPage& DocumentTabs::AddPage()
     ++made_;
     const QString name = tr("Untitled %1").arg(made_);
     auto* const page = new DocumentPage(name, std::to_string(made_));
-    connect(&page->editor(), &QsciScintilla::textChanged, page, [this, page] { TextChanged(*page); });
+    connect(&page->editor(), &QsciScintilla::textChanged, page,
+            [this, page] { TextChanged(*page); });
     connect(&page->editor(), &QsciScintilla::modificationChanged, page,
             [this, page] { ShowState(*page); });
     connect(&page->editor(), &TextEditor::FilesDropped, this, &DocumentTabs::FilesDropped);
-    addTab(page, name);
+    const int index = addTab(page, name);
+    auto* const close = new QToolButton(tabBar());
+    close->setIcon(EditorIcon("close"));
+    close->setIconSize(QSize(12, 12));
+    close->setAutoRaise(true);
+    close->setFocusPolicy(Qt::NoFocus);  // The keyboard has Control-W.
+    tabBar()->setTabButton(index, QTabBar::RightSide, close);
+    connect(close, &QToolButton::clicked, page, [this, page] { Close(indexOf(page)); });
     return *page;
 }
 
@@ -120,6 +128,7 @@ void DocumentTabs::ShowState(DocumentPage& page)
     setTabText(index, QString(title).replace('&', "&&"));
     setTabToolTip(index, QString::fromStdString(document.path()));
     page.editor().setAccessibleName(title);
+    tabBar()->tabButton(index, QTabBar::RightSide)->setAccessibleName(tr("Close %1").arg(title));
     if (index == currentIndex()) {
         Q_EMIT FrontChanged();
     }
@@ -191,10 +200,11 @@ bool DocumentTabs::Save(DocumentPage& page)
     // What another program wrote meanwhile is not to be lost unasked.
     if (page.document().CheckDisk() == Document::Disk::Changed) {
         page.document().AcceptDisk();
-        const auto answer = QMessageBox::question(
-            this, tr("Save"),
-            tr("Another program has changed %1 meanwhile. Save over it?").arg(page.document().Name()),
-            QMessageBox::Save | QMessageBox::Cancel, QMessageBox::Cancel);
+        const auto answer =
+            QMessageBox::question(this, tr("Save"),
+                                  tr("Another program has changed %1 meanwhile. Save over it?")
+                                      .arg(page.document().Name()),
+                                  QMessageBox::Save | QMessageBox::Cancel, QMessageBox::Cancel);
         if (answer != QMessageBox::Save) {
             return false;
         }
@@ -206,8 +216,8 @@ bool DocumentTabs::SaveAs(DocumentPage& page)
 {
     setCurrentWidget(&page);
     const auto& document = page.document();
-    const QString suggestion = document.path().empty() ? document.Name() + ".py"
-                                                       : QString::fromStdString(document.path());
+    const QString suggestion =
+        document.path().empty() ? document.Name() + ".py" : QString::fromStdString(document.path());
     const QString path = QFileDialog::getSaveFileName(this, tr("Save As"), suggestion,
                                                       tr("Python (*.py);;All files (*)"));
     return !path.isEmpty() && Write(page, path);

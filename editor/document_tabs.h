@@ -42,7 +42,8 @@ class DocumentTabs final : public QTabWidget {
     // Asks about all of them, then closes all or none.
     bool CloseAll();
 
-    // Keeps a copy of everything unsaved that changed since the last one. Does not wait for the disk.
+    // Keeps a copy of everything unsaved that changed since the last one. Does not wait for the
+    // disk.
     void KeepCopies();
 
     // Looks whether other programs have written the files.

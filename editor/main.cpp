@@ -154,8 +154,9 @@ int main(int argc, char** argv)
         return Complain(files.error(), kUsageError);
     }
     if (!options->batch && !HasScreen()) {
-        return Complain("there is no screen to show a window on: DISPLAY is not set; --batch needs none",
-                        kFailure);
+        return Complain(
+            "there is no screen to show a window on: DISPLAY is not set; --batch needs none",
+            kFailure);
     }
     const auto application = MakeApplication(*options, argc, argv);
     return Run(*options, *files);

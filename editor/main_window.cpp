@@ -127,7 +127,7 @@ void MainWindow::MakeStatusBar()
     boardButton_->setFocusPolicy(Qt::TabFocus);
     boardButton_->setPopupMode(QToolButton::InstantPopup);
     boardButton_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    boardButton_->setIcon(EditorIcon("board", palette()));
+    boardButton_->setIcon(EditorIcon("board"));
     statusBar()->addWidget(position_);
     for (QWidget* widget : std::initializer_list<QWidget*>{target_, format_, boardButton_}) {
         statusBar()->addPermanentWidget(widget);
@@ -280,8 +280,7 @@ void MainWindow::ShowPosition()
         return;
     }
     auto& editor = page->editor();
-    position_->setText(
-        tr("Ln %1, Col %2").arg(editor.CaretLine()).arg(editor.CaretColumn()));
+    position_->setText(tr("Ln %1, Col %2").arg(editor.CaretLine()).arg(editor.CaretColumn()));
     const QString format = EncodingName(page->document().encoding()) + "   " +
                            LineEndingName(editor.eolMode()) + "   " +
                            (editor.lexer() != nullptr ? "Python" : tr("Plain text"));
@@ -291,10 +290,10 @@ void MainWindow::ShowPosition()
 void MainWindow::ShowTarget()
 {
     const auto name = [](const QString& path) { return QFileInfo(path).fileName(); };
-    const QString project =
-        session_.folder.isEmpty() ? QString() : name(session_.folder) + "   ";
+    const QString project = session_.folder.isEmpty() ? QString() : name(session_.folder) + "   ";
     const QString file = QString::fromStdString(host_.TargetRef(0).path());
-    target_->setText(project + (file.isEmpty() ? tr("No target") : tr("Target: %1").arg(name(file))));
+    target_->setText(project +
+                     (file.isEmpty() ? tr("No target") : tr("Target: %1").arg(name(file))));
     target_->setToolTip(file);
 }
 

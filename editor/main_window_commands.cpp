@@ -22,7 +22,8 @@ namespace {
 // The menu's own words, by which it is chosen.
 constexpr const char* kOpenDeviceWindow = "Open Device window";
 
-// These need no file, so that there is nothing to save first: to stop must never wait for an answer.
+// These need no file, so that there is nothing to save first: to stop must never wait for an
+// answer.
 constexpr std::array<std::string_view, 2> kWithoutFile{"QuilpStop", "QuilpList"};
 
 bool NeedsFile(std::string_view command)
@@ -61,7 +62,8 @@ void MainWindow::Perform(const std::string& command)
         return;
     }
     if (!host_.Perform(command)) {
-        Tell(tr("The plug-in did not perform the command %1.").arg(QString::fromStdString(command)));
+        Tell(
+            tr("The plug-in did not perform the command %1.").arg(QString::fromStdString(command)));
     }
 }
 
@@ -80,8 +82,8 @@ void MainWindow::OpenPopUp(const QWidget& control)
         return;
     }
     const QPointF corner = control.mapTo(this, QPoint(0, 0));
-    host_.OpenPopUp({corner.x(), corner.y(), corner.x() + control.width(),
-                     corner.y() + control.height()});
+    host_.OpenPopUp(
+        {corner.x(), corner.y(), corner.x() + control.width(), corner.y() + control.height()});
 }
 
 // The plug-in offers its controls for the front document as it is now.
@@ -175,8 +177,8 @@ void MainWindow::RunLine(const QString& text)
 void MainWindow::FollowLink(const QString& path, int line)
 {
     const auto file =
-        FindLinkedFile(path.toStdString(), {WorkingFolder(), session_.folder.toStdString(),
-                                            board_->boardFolder()});
+        FindLinkedFile(path.toStdString(),
+                       {WorkingFolder(), session_.folder.toStdString(), board_->boardFolder()});
     if (file.empty()) {
         Tell(tr("There is no file %1 here.").arg(path));
     } else if (tabs_->Open(QString::fromStdString(file))) {

@@ -55,7 +55,8 @@ void MainWindow::MakeFileMenu()
     Add(menu, tr("Save &As…"), QKeySequence("Ctrl+Shift+S"), [this] { tabs_->SaveFrontAs(); });
     Add(menu, tr("Save A&ll"), QKeySequence("Ctrl+Alt+S"), [this] { tabs_->SaveAll(); });
     menu->addSeparator();
-    Add(menu, tr("&Close"), QKeySequence("Ctrl+W"), [this] { tabs_->Close(tabs_->currentIndex()); });
+    Add(menu, tr("&Close"), QKeySequence("Ctrl+W"),
+        [this] { tabs_->Close(tabs_->currentIndex()); });
     Add(menu, tr("&Quit"), QKeySequence("Ctrl+Q"), [this] { close(); });
 }
 
@@ -147,15 +148,17 @@ void MainWindow::GoToLine()
 void MainWindow::MakeViewMenu()
 {
     auto* const menu = menuBar()->addMenu(tr("&View"));
-    Add(menu, tr("&Larger Text"), QKeySequence("Ctrl++"), [this] { ZoomTo(session_.zoom + 1); })
-        ->setShortcuts({QKeySequence("Ctrl++"), QKeySequence("Ctrl+=")});
+    Add(menu, tr("&Larger Text"), QKeySequence("Ctrl++"), [this] {
+        ZoomTo(session_.zoom + 1);
+    })->setShortcuts({QKeySequence("Ctrl++"), QKeySequence("Ctrl+=")});
     Add(menu, tr("&Smaller Text"), QKeySequence("Ctrl+-"), [this] { ZoomTo(session_.zoom - 1); });
     Add(menu, tr("&Usual Size"), QKeySequence("Ctrl+0"), [this] { ZoomTo(0); });
     menu->addSeparator();
     Add(menu, tr("To the &Worksheet and Back"), QKeySequence("Ctrl+J"),
         [this] { SwitchToWorksheetAndBack(); });
-    Add(menu, tr("&Next Document"), QKeySequence("Ctrl+PgDown"),
-        [this] { tabs_->setCurrentIndex(std::min(tabs_->currentIndex() + 1, tabs_->count() - 1)); });
+    Add(menu, tr("&Next Document"), QKeySequence("Ctrl+PgDown"), [this] {
+        tabs_->setCurrentIndex(std::min(tabs_->currentIndex() + 1, tabs_->count() - 1));
+    });
     Add(menu, tr("&Previous Document"), QKeySequence("Ctrl+PgUp"),
         [this] { tabs_->setCurrentIndex(std::max(tabs_->currentIndex() - 1, 0)); });
     menu->addSeparator();
@@ -239,8 +242,7 @@ void MainWindow::AddPluginCommands()
         auto* const action = new QAction(CommandLabel(command), commandsMenu_);
         action->setStatusTip(QString::fromStdString(command.description));
         action->setToolTip(action->statusTip());
-        connect(action, &QAction::triggered, this,
-                [this, name = command.name] { Perform(name); });
+        connect(action, &QAction::triggered, this, [this, name = command.name] { Perform(name); });
         commandsMenu_->insertAction(commandsEnd_, action);
         commandActions_[command.name] = action;
     }
@@ -331,8 +333,7 @@ void MainWindow::MakeBoardMenu()
     });
     Add(boardMenu_, tr("Show the Virtual Board's &Folder"), {}, [this] {
         const QString folder = QString::fromStdString(board_->boardFolder());
-        if (!QFileInfo(folder).isDir() ||
-            !QDesktopServices::openUrl(QUrl::fromLocalFile(folder))) {
+        if (!QFileInfo(folder).isDir() || !QDesktopServices::openUrl(QUrl::fromLocalFile(folder))) {
             Tell(tr("The virtual board's files are in %1.").arg(folder));
         }
     });
@@ -367,7 +368,7 @@ void MainWindow::MakeToolBar()
     toolBar_->setIconSize(QSize(16, 16));
     toolBar_->setContextMenuPolicy(Qt::PreventContextMenu);
     const auto add = [this](const QString& icon, const QString& text, const auto& action) {
-        auto* const added = toolBar_->addAction(EditorIcon(icon, palette()), text);
+        auto* const added = toolBar_->addAction(EditorIcon(icon), text);
         connect(added, &QAction::triggered, this, action);
     };
     add("new", tr("New"), [this] { tabs_->New(); });

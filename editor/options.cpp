@@ -110,8 +110,8 @@ bool Take(Options& options, int option, const char* argument)
     }
 }
 
-// What stands without an option in front of it: commands of a batch, files otherwise. The error is a
-// sentence.
+// What stands without an option in front of it: commands of a batch, files otherwise. The error is
+// a sentence.
 std::expected<void, std::string> SortWords(Options& options)
 {
     if (!options.batch) {

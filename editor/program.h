@@ -5,8 +5,8 @@
 
 #include <string>
 
-// What the program does, in its several ways. Each has its application object already, runs until it
-// ends, and returns the exit status.
+// What the program does, in its several ways. Each has its application object already, runs until
+// it ends, and returns the exit status.
 
 enum ExitStatus : int { kSuccess = 0, kFailure = 1, kUsageError = 2, kNoPlugin = 3 };
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-// A RecoveryStore on a thread of its own, so that nobody who types waits for the disk. What is asked
-// of it is done in the order of the calls. Used on the user-interface thread.
+// A RecoveryStore on a thread of its own, so that nobody who types waits for the disk. What is
+// asked of it is done in the order of the calls. Used on the user-interface thread.
 class RecoveryKeeper {
   public:
     // `root` as for RecoveryStore. `onError` gets sentences, on the thread of this object.

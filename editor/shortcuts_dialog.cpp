@@ -64,9 +64,9 @@ std::expected<Shortcuts, QString> ShortcutsDialog::Wanted() const
     for (std::size_t i = 0; i < commands_.size(); ++i) {
         const auto keys = edits_[i]->keySequence();
         if (const auto set = wanted.SetShortcut(commands_[i].name, keys); !set) {
-            return std::unexpected(tr("%1 belongs to “%2” already.")
-                                       .arg(keys.toString(QKeySequence::NativeText),
-                                            LabelOf(set.error())));
+            return std::unexpected(
+                tr("%1 belongs to “%2” already.")
+                    .arg(keys.toString(QKeySequence::NativeText), LabelOf(set.error())));
         }
     }
     return wanted;

@@ -56,8 +56,8 @@ void DropOn(QWidget& over, const QString& path)
     QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, {});
     QDragMoveEvent move(at, Qt::CopyAction, &data, Qt::LeftButton, {});
     QDropEvent drop(at, Qt::CopyAction, &data, Qt::LeftButton, {});
-    for (QEvent* const event : {static_cast<QEvent*>(&enter), static_cast<QEvent*>(&move),
-                                static_cast<QEvent*>(&drop)}) {
+    for (QEvent* const event :
+         {static_cast<QEvent*>(&enter), static_cast<QEvent*>(&move), static_cast<QEvent*>(&drop)}) {
         QCoreApplication::sendEvent(&over, event);
     }
 }
@@ -67,8 +67,7 @@ bool HoldsACopy(const std::string& folder)
 {
     std::error_code error;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder, error)) {
-        const bool isBeingWritten =
-            entry.path().filename().string().starts_with(kTemporaryPrefix);
+        const bool isBeingWritten = entry.path().filename().string().starts_with(kTemporaryPrefix);
         if (entry.is_regular_file(error) && entry.file_size(error) > 0 && !isBeingWritten) {
             return true;
         }
@@ -154,10 +153,14 @@ TEST_F(EditorWindow, OpensThePopUpUnderItsControlInEveryState)
     const QStringList always{"Stop ", "List ", "Status ", "Add upload command to worksheet ",
                              "Open Device window"};
     const Row rows[] = {
-        {python, {}, {"Run", "Stop ", "Upload as main.py", "Upload ", always[1], always[2],
-                      always[3], always[4]}},
-        {notes, python, {"Run boot.py", "Stop ", "Upload boot.py as main.py", "Upload  boot.py",
-                         always[1], always[2], always[3], always[4]}},
+        {python,
+         {},
+         {"Run", "Stop ", "Upload as main.py", "Upload ", always[1], always[2], always[3],
+          always[4]}},
+        {notes,
+         python,
+         {"Run boot.py", "Stop ", "Upload boot.py as main.py", "Upload  boot.py", always[1],
+          always[2], always[3], always[4]}},
         {notes, {}, always},
     };
     for (const auto& row : rows) {
@@ -263,10 +266,10 @@ TEST_F(EditorWindow, DISABLED_TypesAndIsKilledOnceTheTextIsSafe)
 TEST_F(EditorWindow, OffersUnsavedTextAgainAfterTheProgramWasKilled)
 {
     const QString path = Write("a.py", "old\n");
-    const auto killed = RunProgram(
-        {"/proc/self/exe", "--gtest_also_run_disabled_tests",
-         "--gtest_filter=EditorWindow.DISABLED_TypesAndIsKilledOnceTheTextIsSafe"},
-        {"QUILP_TEST_ROOT=" + folder.path()});
+    const auto killed =
+        RunProgram({"/proc/self/exe", "--gtest_also_run_disabled_tests",
+                    "--gtest_filter=EditorWindow.DISABLED_TypesAndIsKilledOnceTheTextIsSafe"},
+                   {"QUILP_TEST_ROOT=" + folder.path()});
     ASSERT_EQ(killed.status, 128 + SIGKILL) << killed.output;
     EXPECT_EQ(ReadFile(path.toStdString()), "old\n");
     Start({path});
@@ -312,7 +315,9 @@ TEST_F(EditorWindow, FollowsAFileThatAnotherProgramChanges)
 TEST_F(EditorWindow, KeepsBytesThatItDoesNotUnderstand)
 {
     const std::string rows[] = {"", "no UTF-8: \xFF\xC0\r\nx\ry\n", std::string("a\0b\n", 4),
-                                "\xEF\xBB\xBF" "with a mark\r\n", "no end"};
+                                "\xEF\xBB\xBF"
+                                "with a mark\r\n",
+                                "no end"};
     Start();
     for (const auto& bytes : rows) {
         const QString path = Write("file.txt", bytes);

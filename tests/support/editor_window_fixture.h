@@ -21,7 +21,8 @@ class EditorWindow : public testing::Test {
     ~EditorWindow() override;
 
     // Another start of the program. Without documents it opens those of last time.
-    void Start(const QStringList& documents = {}, const std::string& plugin = QUILP_BUNDLE "/quilp.so");
+    void Start(const QStringList& documents = {},
+               const std::string& plugin = QUILP_BUNDLE "/quilp.so");
     // Closes the window and ends everything. False when the window stays open.
     bool Close();
     // As when the program is gone, without a question.
