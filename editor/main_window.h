@@ -130,6 +130,7 @@ class MainWindow final : public QMainWindow {
     void Perform(const std::string& command);
     void PressControl();
     void OpenPopUp(const QWidget& control);
+    void OpenPopUpFromMenu();
     void ShowControls();
     void RunLine(const QString& text);
     void FollowLink(const QString& path, int line);

@@ -86,6 +86,13 @@ void MainWindow::OpenPopUp(const QWidget& control)
         {corner.x(), corner.y(), corner.x() + control.width(), corner.y() + control.height()});
 }
 
+void MainWindow::OpenPopUpFromMenu()
+{
+    const auto* const control =
+        controlActions_.empty() ? toolBar_ : toolBar_->widgetForAction(controlActions_.front());
+    OpenPopUp(*control);
+}
+
 // The plug-in offers its controls for the front document as it is now.
 void MainWindow::ShowControls()
 {

@@ -224,7 +224,7 @@ void MainWindow::MakeCommandsMenu()
     commandsMenu_ = menuBar()->addMenu(tr("&Commands"));
     commandsEnd_ = commandsMenu_->addSeparator();
     Add(commandsMenu_, tr("&Menu of All Commands"), QKeySequence("Alt+Return"),
-        [this] { OpenPopUp(*toolBar_); });
+        [this] { OpenPopUpFromMenu(); });
     Add(commandsMenu_, tr("&Device Window"), QKeySequence("F8"), [this] { OpenDeviceWindow(); });
     commandsMenu_->addSeparator();
     auto* const saves = Add(commandsMenu_, tr("Save &before Commands"), {}, [] {});
