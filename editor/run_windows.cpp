@@ -56,9 +56,9 @@ int RunDeviceWindow(const Options& options, const PluginModule& plugin)
         return Complain(started.error(), kNoPlugin);
     }
     runtime.SetWindowClosedHandler(QCoreApplication::quit);
-    signals.SetHandler([&runtime](int number) {
+    signals.SetHandler([&runtime](int) {
         runtime.CloseWindows();
-        QCoreApplication::exit(128 + number);
+        QCoreApplication::quit();
     });
     const int status =
         host.PerformFromMenu("Open Device window") ? QCoreApplication::exec() : kFailure;
