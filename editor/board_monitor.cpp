@@ -40,6 +40,9 @@ std::string BoardMonitor::FindRealBoard()
 
 void BoardMonitor::Look()
 {
+    if (virtualBoard_ && !virtualBoard_->IsRunning()) {
+        virtualBoard_.reset();
+    }
     Board now;
     if (virtualBoard_) {
         now.kind = Kind::Virtual;

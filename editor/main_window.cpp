@@ -85,7 +85,9 @@ MainWindow::MainWindow(const PluginModule& plugin, Runtime& runtime, const Edito
 
 MainWindow::~MainWindow()
 {
-    delete shell_;  // Its last output must not meet what is half destroyed.
+    // While there is still somebody for their last signals.
+    delete shell_;
+    delete takeCentralWidget();
 }
 
 void MainWindow::MakeCentralWidget()
@@ -218,6 +220,10 @@ void MainWindow::OpenFiles(const QStringList& files)
 {
     const auto& wanted = files.isEmpty() && tabs_->count() == 0 ? session_.files : files;
     for (const auto& path : wanted) {
+        if (QFileInfo(path).isDir()) {
+            SetFolder(path);
+            continue;
+        }
         // What is gone since last time is no reason for a message.
         if (!files.isEmpty() || QFileInfo::exists(path)) {
             tabs_->Open(path);

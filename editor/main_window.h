@@ -45,7 +45,7 @@ class MainWindow final : public QMainWindow {
     // Loads the plug-in and what the editor looked like last. The error is a sentence.
     std::expected<void, std::string> Start();
 
-    // The documents of last time when `files` is empty. What cannot be opened is told in the
+    // A folder among them becomes the project. The documents of last time when `files` is empty. What cannot be opened is told in the
     // window.
     void OpenFiles(const QStringList& files);
     void SetTarget(const QString& path);

@@ -1,5 +1,6 @@
 #include "batch.h"
 #include "program.h"
+#include "protect.h"
 #include "signals.h"
 #include "standard_output.h"
 
@@ -9,6 +10,7 @@
 
 int RunBatch(const Options& options, const Files& files, const PluginModule& plugin)
 {
+    SetErrorHandler([](const std::string& error) { Complain(error, kFailure); });
     Signals signals;
     Runtime runtime;
     Batch* running = nullptr;

@@ -16,6 +16,9 @@ class VirtualBoard {
     VirtualBoard& operator=(VirtualBoard&&) = delete;
     ~VirtualBoard();
 
+    // False once its program has ended by itself.
+    bool IsRunning() const { return !process_.HasExited(); }
+
   private:
     VirtualBoard(ChildProcess process, std::string linkFolder);
 
