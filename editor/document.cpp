@@ -39,22 +39,8 @@ void Document::SetPath(const std::string& path)
     editor_.SetLanguage(isPython ? TextEditor::Language::Python : TextEditor::Language::PlainText);
 }
 
-std::expected<void, std::string> Document::Load(const std::string& path)
-{
-    const Stamp before = StampOf(path);
-    auto loaded = LoadText(path);
-    if (!loaded) {
-        return std::unexpected(loaded.error());
-    }
-    stamp_ = before;
-    encoding_ = loaded->encoding;
-    SetPath(path);
-    unsaved_ = false;
-    editor_.SetContent(loaded->text);
-    return {};
-}
-
-std::expected<void, std::string> Document::Reload()
+// The file's text; takes over how it is encoded and what the disk holds.
+std::expected<QString, std::string> Document::Read()
 {
     const Stamp before = StampOf(path_);
     auto loaded = LoadText(path_);
@@ -64,7 +50,28 @@ std::expected<void, std::string> Document::Reload()
     stamp_ = before;
     encoding_ = loaded->encoding;
     unsaved_ = false;
-    editor_.ReplaceContent(loaded->text);
+    return std::move(loaded->text);
+}
+
+std::expected<void, std::string> Document::Load(const std::string& path)
+{
+    SetPath(path);
+    const auto text = Read();
+    if (!text) {
+        SetPath({});
+        return std::unexpected(text.error());
+    }
+    editor_.SetContent(*text);
+    return {};
+}
+
+std::expected<void, std::string> Document::Reload()
+{
+    const auto text = Read();
+    if (!text) {
+        return std::unexpected(text.error());
+    }
+    editor_.ReplaceContent(*text);
     return {};
 }
 

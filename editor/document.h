@@ -34,6 +34,7 @@ class Document {
     // New, empty and never touched: another may take its place.
     bool IsPristine() const;
 
+    // Only of a pristine one, which it stays on an error.
     std::expected<void, std::string> Load(const std::string& path);
     // The file's text in place of the editor's, which can be undone.
     std::expected<void, std::string> Reload();
@@ -58,6 +59,7 @@ class Document {
         bool operator==(const Stamp&) const = default;
     };
 
+    std::expected<QString, std::string> Read();
     Stamp StampOf(const std::string& path) const;
     void SetPath(const std::string& path);
 

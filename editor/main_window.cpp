@@ -1,6 +1,7 @@
 #include "main_window.h"
 
 #include "default_shortcuts.h"
+#include "dropped_files.h"
 #include "editor_icons.h"
 #include "file_bytes.h"
 #include "find_bar.h"
@@ -46,17 +47,6 @@ QString LineEndingName(int mode)
         case QsciScintilla::EolMac: return "CR";
         default: return "LF";
     }
-}
-
-QStringList LocalFiles(const QMimeData& data)
-{
-    QStringList files;
-    for (const auto& url : data.urls()) {
-        if (url.isLocalFile()) {
-            files.append(url.toLocalFile());
-        }
-    }
-    return files;
 }
 
 }  // namespace
@@ -372,12 +362,12 @@ void MainWindow::changeEvent(QEvent* event)
 void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 {
     if (!LocalFiles(*event->mimeData()).isEmpty()) {
-        event->acceptProposedAction();
+        AcceptAsCopy(event);
     }
 }
 
 void MainWindow::dropEvent(QDropEvent* event)
 {
     OpenFiles(LocalFiles(*event->mimeData()));
-    event->acceptProposedAction();
+    AcceptAsCopy(event);
 }

@@ -1,6 +1,7 @@
 #include "text_editor.h"
 
 #include "document_file.h"
+#include "dropped_files.h"
 #include "editor_style.h"
 #include "python_lexer.h"
 #include "scintilla_text.h"
@@ -42,24 +43,6 @@ bool IsBlank(char c)
 long IndentLength(const QByteArray& line)
 {
     return std::find_if_not(line.begin(), line.end(), IsBlank) - line.begin();
-}
-
-QStringList LocalFiles(const QMimeData& data)
-{
-    QStringList paths;
-    for (const auto& url : data.urls()) {
-        if (url.isLocalFile()) {
-            paths.append(url.toLocalFile());
-        }
-    }
-    return paths;
-}
-
-// As a copy: a file manager would remove what it believes was moved.
-void AcceptAsCopy(QDropEvent* event)
-{
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
 }
 
 // Several changes that undo takes back at once.
