@@ -257,15 +257,22 @@ TEST_F(EditorWindow, DISABLED_TypesAndIsKilledOnceTheTextIsSafe)
 {
     const std::string root = qEnvironmentVariable("QUILP_TEST_ROOT").toStdString();
     places.folders.state = root + "/state";
-    Start({QString::fromStdString(root + "/a.py")});
+    const std::string copies = root + "/state/recovery";
+    Start({QString::fromStdString(root + "/saved.py")});
     Type("new ");
-    ASSERT_TRUE(WaitUntil([&] { return HoldsACopy(root + "/state/recovery"); }));
+    ASSERT_TRUE(WaitUntil([&] { return HoldsACopy(copies); }));
+    ASSERT_TRUE(window().documents().SaveFront());
+    ASSERT_TRUE(WaitUntil([&] { return !HoldsACopy(copies); }));
+    window().OpenFiles({QString::fromStdString(root + "/a.py")});
+    Type("new ");
+    ASSERT_TRUE(WaitUntil([&] { return HoldsACopy(copies); }));
     raise(SIGKILL);
 }
 
 TEST_F(EditorWindow, OffersUnsavedTextAgainAfterTheProgramWasKilled)
 {
     const QString path = Write("a.py", "old\n");
+    Write("saved.py", "");
     const auto killed =
         RunProgram({"/proc/self/exe", "--gtest_also_run_disabled_tests",
                     "--gtest_filter=EditorWindow.DISABLED_TypesAndIsKilledOnceTheTextIsSafe"},
@@ -273,7 +280,7 @@ TEST_F(EditorWindow, OffersUnsavedTextAgainAfterTheProgramWasKilled)
     ASSERT_EQ(killed.status, 128 + SIGKILL) << killed.output;
     EXPECT_EQ(ReadFile(path.toStdString()), "old\n");
     Start({path});
-    ASSERT_TRUE(Message().contains("a.py")) << Message().toStdString();
+    ASSERT_TRUE(Message().endsWith(": a.py.")) << Message().toStdString();
     Answer("Recover");
     EXPECT_EQ(editor().Content(), "new old\n");
     EXPECT_TRUE(window().documents().Front()->IsModified());
