@@ -2,20 +2,25 @@
 
 #include "recovery.h"
 
-#include <QThreadPool>
-
+#include <condition_variable>
+#include <deque>
 #include <functional>
+#include <mutex>
 #include <string>
+#include <thread>
 #include <vector>
 
-// A RecoveryStore on a thread of its own, so that nobody who types waits for the disk. What is
-// asked of it is done in the order of the calls. Used on the user-interface thread.
+// A RecoveryStore on a thread of its own, so that nobody who types waits for the disk. What is asked
+// of it is done in the order of the calls. Used on the user-interface thread, while there is a
+// Runtime.
 class RecoveryKeeper {
   public:
-    // `root` as for RecoveryStore. `onError` gets sentences, on the thread of this object.
+    // `root` as for RecoveryStore. `onError` gets sentences, until the Runtime is shut down.
     RecoveryKeeper(std::string root, std::function<void(const std::string&)> onError);
     // Waits until everything is done.
     ~RecoveryKeeper();
+    RecoveryKeeper(const RecoveryKeeper&) = delete;
+    RecoveryKeeper& operator=(const RecoveryKeeper&) = delete;
 
     void Keep(std::string id, RecoveryCopy copy);
     void Discard(std::string id);
@@ -23,10 +28,17 @@ class RecoveryKeeper {
     std::vector<OrphanedCopy> Orphans();
 
   private:
-    void Do(std::function<void()> work);
+    using Work = std::function<void()>;
 
-    RecoveryStore store_;
+    void Do(Work work);
+    void DoAll();
+    void Finish();
+
+    RecoveryStore store_;  // The thread's while it runs.
     std::function<void(const std::string&)> onError_;
-    QObject context_;  // Errors that arrive after the end are dropped with it.
-    QThreadPool thread_;
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::deque<Work> work_;
+    bool ends_ = false;
+    std::thread thread_;  // From the first work on.
 };
