@@ -57,7 +57,7 @@ QTabBar::tab { background: {window}; color: {muted}; border: none; border-top: 2
     border-right: 1px solid {line}; padding: 5px 10px; }
 QTabBar::tab:selected { background: {base}; color: {text}; border-top-color: {highlight}; }
 QTabBar::tab:hover { color: {text}; }
-QSplitter::handle { background: {line}; }
+QSplitter::handle { background: {window}; border-top: 1px solid {line}; }
 QStatusBar { background: {window}; border-top: 1px solid {line}; }
 QStatusBar::item { border: none; }
 QStatusBar QLabel { color: {muted}; padding: 2px 8px; }

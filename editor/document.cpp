@@ -3,7 +3,6 @@
 #include "file_bytes.h"
 #include "text_editor.h"
 
-#include <QDateTime>
 #include <QFileInfo>
 
 #include <utility>
@@ -25,12 +24,6 @@ bool Document::IsPristine() const
     return path_.empty() && !IsModified() && editor_.length() == 0;
 }
 
-Document::Stamp Document::StampOf(const std::string& path) const
-{
-    const QFileInfo info(QString::fromStdString(path));
-    return info.exists() ? Stamp{info.lastModified().toMSecsSinceEpoch(), info.size()} : Stamp();
-}
-
 void Document::SetPath(const std::string& path)
 {
     path_ = path;
@@ -42,7 +35,7 @@ void Document::SetPath(const std::string& path)
 // The file's text; takes over how it is encoded and what the disk holds.
 std::expected<QString, std::string> Document::Read()
 {
-    const Stamp before = StampOf(path_);
+    const auto before = FileStamp::Of(path_);
     auto loaded = LoadText(path_);
     if (!loaded) {
         return std::unexpected(loaded.error());
@@ -79,8 +72,8 @@ void Document::Recover(const RecoveryCopy& copy)
 {
     SetPath(copy.path);
     encoding_ = copy.encoding;
-    stamp_ = StampOf(path_);
-    editor_.SetContent(copy.text);
+    stamp_ = copy.stamp;
+    editor_.ReplaceContent(copy.text);
     MarkUnsaved();
 }
 
@@ -107,19 +100,19 @@ Document::Disk Document::CheckDisk() const
     if (path_.empty()) {
         return Disk::Same;
     }
-    const Stamp now = StampOf(path_);
+    const auto now = FileStamp::Of(path_);
     if (now == stamp_) {
         return Disk::Same;
     }
-    return now == Stamp() ? Disk::Gone : Disk::Changed;
+    return now == FileStamp() ? Disk::Gone : Disk::Changed;
 }
 
 void Document::AcceptDisk()
 {
-    stamp_ = StampOf(path_);
+    stamp_ = FileStamp::Of(path_);
 }
 
 RecoveryCopy Document::Copy() const
 {
-    return {path_, encoding_, editor_.Content()};
+    return {path_, encoding_, editor_.Content(), stamp_};
 }

@@ -38,10 +38,10 @@ class Document {
     std::expected<void, std::string> Load(const std::string& path);
     // The file's text in place of the editor's, which can be undone.
     std::expected<void, std::string> Reload();
-    // Takes over a copy that a crash has left. It counts as modified.
+    // Takes over a copy that a crash has left, which can be undone. It counts as modified, and what
+    // other programs have done to the file since then as a change.
     void Recover(const RecoveryCopy& copy);
 
-    std::expected<void, std::string> Save() { return SaveAs(path_); }
     std::expected<void, std::string> SaveAs(const std::string& path);
 
     // Whether the file is still as it was read or saved last.
@@ -52,21 +52,13 @@ class Document {
     RecoveryCopy Copy() const;
 
   private:
-    // What changes when somebody writes a file.
-    struct Stamp {
-        qint64 modified = -1;  // Milliseconds; -1 when there is no file.
-        qint64 size = -1;
-        bool operator==(const Stamp&) const = default;
-    };
-
     std::expected<QString, std::string> Read();
-    Stamp StampOf(const std::string& path) const;
     void SetPath(const std::string& path);
 
     TextEditor& editor_;
     QString name_;
     std::string path_;
     TextEncoding encoding_ = TextEncoding::Utf8;
-    Stamp stamp_;
+    FileStamp stamp_;
     bool unsaved_ = false;  // Whatever the editor says.
 };

@@ -19,26 +19,30 @@ DocumentPage::DocumentPage(const QString& name, std::string recoveryId)
     column->addWidget(messages_);
     column->addWidget(editor_, 1);
     setFocusProxy(editor_);
+    editor_->SetLanguage(TextEditor::Language::Python);  // Which most new texts become.
+}
+
+void DocumentPage::DropMessage()
+{
+    messages_->hide();
 }
 
 void DocumentPage::CheckDisk(const std::function<void()>& onChange)
 {
-    switch (document_.CheckDisk()) {
-        case Document::Disk::Same: return;
-        case Document::Disk::Gone:
-            document_.AcceptDisk();
-            document_.MarkUnsaved();
-            messages_->Ask(tr("The file is gone from the disk. Saving writes it again."),
-                           {{tr("OK"), [] {}}});
-            break;
-        case Document::Disk::Changed:
-            document_.AcceptDisk();
-            if (document_.IsModified()) {
-                AskAboutChange(onChange);
-            } else {
-                Reload();
-            }
-            break;
+    const auto disk = document_.CheckDisk();
+    if (disk == Document::Disk::Same || (asks_ && messages_->IsAsking())) {
+        return;
+    }
+    asks_ = false;
+    if (disk == Document::Disk::Gone) {
+        document_.AcceptDisk();
+        document_.MarkUnsaved();
+        messages_->Ask(tr("The file is gone from the disk. Saving writes it again."),
+                       {{tr("OK"), [] {}}});
+    } else if (document_.IsModified()) {
+        AskAboutChange(onChange);
+    } else {
+        Reload();
     }
     onChange();
 }
@@ -46,18 +50,21 @@ void DocumentPage::CheckDisk(const std::function<void()>& onChange)
 void DocumentPage::Reload()
 {
     if (const auto reloaded = document_.Reload(); !reloaded) {
+        document_.AcceptDisk();
         document_.MarkUnsaved();
         messages_->Ask(QString::fromStdString(reloaded.error()), {{tr("OK"), [] {}}});
     }
 }
 
+// Until there is an answer the file counts as changed, and saving asks as well.
 void DocumentPage::AskAboutChange(const std::function<void()>& onChange)
 {
+    asks_ = true;
     messages_->Ask(tr("Another program has changed the file, and there are unsaved changes here."),
                    {{tr("Load the File"),
                      [this, onChange] {
                          Reload();
                          onChange();
                      }},
-                    {tr("Keep Mine"), [] {}}});
+                    {tr("Keep Mine"), [this] { document_.AcceptDisk(); }}});
 }

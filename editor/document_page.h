@@ -17,7 +17,8 @@ class DocumentPage final : public QWidget {
 
     TextEditor& editor() { return *editor_; }
     Document& document() { return document_; }
-    MessageBar& messages() { return *messages_; }
+    // When what was said or asked about the file holds no more.
+    void DropMessage();
     const std::string& recoveryId() const { return recoveryId_; }
     void SetRecoveryId(std::string id) { recoveryId_ = std::move(id); }
 
@@ -33,4 +34,5 @@ class DocumentPage final : public QWidget {
     TextEditor* editor_;
     Document document_;
     std::string recoveryId_;
+    bool asks_ = false;  // What became of the file, unless the answer has come.
 };

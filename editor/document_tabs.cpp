@@ -27,9 +27,9 @@ QString Identity(const QString& path)
 }  // namespace
 
 DocumentTabs::DocumentTabs(const std::string& recoveryRoot, QWidget* parent)
-    : QTabWidget(parent), recovery_(recoveryRoot, [this](const std::string& error) {
-          Q_EMIT Failed(
-              tr("Unsaved text is not safe from a crash: %1").arg(QString::fromStdString(error)));
+    : QTabWidget(parent),
+      recovery_(recoveryRoot, [this](const std::string& id, const std::string& error) {
+          CopyFailed(id, QString::fromStdString(error));
       })
 {
     setDocumentMode(true);
@@ -199,7 +199,6 @@ bool DocumentTabs::Save(DocumentPage& page)
     }
     // What another program wrote meanwhile is not to be lost unasked.
     if (page.document().CheckDisk() == Document::Disk::Changed) {
-        page.document().AcceptDisk();
         const auto answer =
             QMessageBox::question(this, tr("Save"),
                                   tr("Another program has changed %1 meanwhile. Save over it?")
@@ -216,11 +215,20 @@ bool DocumentTabs::SaveAs(DocumentPage& page)
 {
     setCurrentWidget(&page);
     const auto& document = page.document();
-    const QString suggestion =
-        document.path().empty() ? document.Name() + ".py" : QString::fromStdString(document.path());
-    const QString path = QFileDialog::getSaveFileName(this, tr("Save As"), suggestion,
-                                                      tr("Python (*.py);;All files (*)"));
-    return !path.isEmpty() && Write(page, path);
+    QFileDialog dialog(this, tr("Save As"), {}, tr("Python (*.py);;All files (*)"));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix("py");
+    dialog.selectFile(document.path().empty() ? document.Name()
+                                              : QString::fromStdString(document.path()));
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+        return false;
+    }
+    const QString path = dialog.selectedFiles().constFirst();
+    if (const int other = IndexOf(path); other >= 0 && PageAt(other) != &page) {
+        Q_EMIT Failed(tr("%1 is open in another tab; close it there first.").arg(path));
+        return false;
+    }
+    return Write(page, path);
 }
 
 bool DocumentTabs::Write(DocumentPage& page, const QString& path)
@@ -236,6 +244,7 @@ bool DocumentTabs::Write(DocumentPage& page, const QString& path)
     }
     uncopied_.erase(&page);
     recovery_.Discard(page.recoveryId());
+    page.DropMessage();
     ShowState(page);
     Q_EMIT Opened(path);
     return true;
@@ -276,25 +285,34 @@ bool DocumentTabs::Close(int index)
     return true;
 }
 
-bool DocumentTabs::CloseAll()
+bool DocumentTabs::MayCloseAll()
 {
     for (int i = 0; i < count(); ++i) {
         if (!MayClose(*PageAt(i))) {
             return false;
         }
     }
+    return true;
+}
+
+void DocumentTabs::CloseAll()
+{
     const QSignalBlocker quiet(this);
     while (count() > 0) {
         RemovePage(0);
     }
-    return true;
 }
 
 void DocumentTabs::CheckDisk()
 {
     for (int i = 0; i < count(); ++i) {
         auto& page = *PageAt(i);
-        page.CheckDisk([this, &page] { ShowState(page); });
+        page.CheckDisk([this, &page] {
+            if (page.document().IsModified()) {
+                TextChanged(page);  // A text without its file needs a copy.
+            }
+            ShowState(page);
+        });
     }
 }
 
@@ -317,6 +335,19 @@ void DocumentTabs::KeepCopies()
     }
 }
 
+// It is tried again; the user is told once.
+void DocumentTabs::CopyFailed(const std::string& id, const QString& error)
+{
+    for (int i = 0; i < count(); ++i) {
+        if (PageAt(i)->recoveryId() == id) {
+            TextChanged(*PageAt(i));
+        }
+    }
+    if (std::exchange(copyError_, error) != error) {
+        Q_EMIT Failed(tr("Unsaved text is not safe from a crash: %1").arg(error));
+    }
+}
+
 QStringList DocumentTabs::FindRecovered()
 {
     orphans_ = recovery_.Orphans();
@@ -335,6 +366,7 @@ void DocumentTabs::Recover()
         const int open =
             orphan.copy.path.empty() ? -1 : IndexOf(QString::fromStdString(orphan.copy.path));
         auto& page = open >= 0 ? *PageAt(open) : AddPage();
+        recovery_.Discard(page.recoveryId());
         page.SetRecoveryId(orphan.id);
         page.document().Recover(orphan.copy);
         setCurrentWidget(&page);

@@ -39,8 +39,10 @@ class DocumentTabs final : public QTabWidget {
 
     // False when the user would rather keep it open.
     bool Close(int index);
-    // Asks about all of them, then closes all or none.
-    bool CloseAll();
+    // Asks about all of them, and closes none. False when one is to stay open.
+    bool MayCloseAll();
+    // Unasked.
+    void CloseAll();
 
     // Keeps a copy of everything unsaved that changed since the last one. Does not wait for the
     // disk.
@@ -74,11 +76,13 @@ class DocumentTabs final : public QTabWidget {
     bool Write(DocumentPage& page, const QString& path);
     bool SaveAsUtf8(DocumentPage& page, const QString& path, const QString& problem);
     bool MayClose(DocumentPage& page);
+    void CopyFailed(const std::string& id, const QString& error);
     void TextChanged(DocumentPage& page);
 
     RecoveryKeeper recovery_;
     QTimer recoveryTimer_;
     std::set<DocumentPage*> uncopied_;  // Changed since the last copy.
+    QString copyError_;                 // The last one.
     std::vector<OrphanedCopy> orphans_;
     int made_ = 0;
 };

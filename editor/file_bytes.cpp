@@ -2,7 +2,9 @@
 
 #include "descriptors.h"
 
+#include <QDateTime>
 #include <QFile>
+#include <QFileInfo>
 #include <QUuid>
 
 #include <fcntl.h>
@@ -224,4 +226,11 @@ std::expected<std::string, std::string> SetAside(const std::string& path)
         return std::unexpected(path + " cannot be set aside: " + std::strerror(errno));
     }
     return name;
+}
+
+FileStamp FileStamp::Of(const std::string& path)
+{
+    const QFileInfo info(QString::fromStdString(path));
+    return info.exists() ? FileStamp{info.lastModified().toMSecsSinceEpoch(), info.size()}
+                         : FileStamp();
 }

@@ -14,6 +14,15 @@ inline constexpr qint64 kLargestDocument = 64LL * 1024 * 1024;  // bytes
 std::expected<QByteArray, std::string> ReadFileBytes(const std::string& path,
                                                      qint64 largest = kLargestDocument);
 
+// What changes when somebody writes a file; -1 when there is none.
+struct FileStamp {
+    qint64 modified = -1;  // Milliseconds since 1970.
+    qint64 size = -1;      // Bytes.
+
+    static FileStamp Of(const std::string& path);
+    bool operator==(const FileStamp&) const = default;
+};
+
 // What the names of SaveAtomically's temporary files begin with: a process that is killed while it
 // saves leaves one behind.
 inline constexpr const char* kTemporaryPrefix = ".quilp-";

@@ -67,7 +67,7 @@ FindBar::FindBar(QWidget* parent)
       words_(new QLineEdit(this)),
       replacement_(new QLineEdit(this)),
       matchCase_(new QCheckBox(tr("&Match case"), this)),
-      wholeWords_(new QCheckBox(tr("&Whole words"), this)),
+      wholeWords_(new QCheckBox(tr("Whole w&ords"), this)),
       regularExpression_(new QCheckBox(tr("Re&gular expression"), this)),
       message_(new QLabel(this))
 {
@@ -102,7 +102,7 @@ QWidget* FindBar::MakeFindRow()
     layout->addWidget(MakeLabel(tr("Fi&nd:"), words_));
     layout->addWidget(words_, 1);
     layout->addWidget(MakeButton(tr("Ne&xt"), this, &FindBar::FindNext));
-    layout->addWidget(MakeButton(tr("Pre&vious"), this, &FindBar::FindPrevious));
+    layout->addWidget(MakeButton(tr("Previo&us"), this, &FindBar::FindPrevious));
     for (auto* option : {matchCase_, wholeWords_, regularExpression_}) {
         layout->addWidget(option);
     }
@@ -118,7 +118,7 @@ QWidget* FindBar::MakeReplaceRow()
     replacement_->setAccessibleName(tr("Replace with"));
     layout->addWidget(MakeLabel(tr("Replace w&ith:"), replacement_));
     layout->addWidget(replacement_, 1);
-    layout->addWidget(MakeButton(tr("Re&place"), this, &FindBar::Replace));
+    layout->addWidget(MakeButton(tr("Rep&lace"), this, &FindBar::Replace));
     layout->addWidget(MakeButton(tr("Replace &all"), this, &FindBar::ReplaceAll));
     return row;
 }

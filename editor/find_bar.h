@@ -19,6 +19,7 @@ class FindBar final : public QWidget {
 
     // The text to search; null for none. It may be destroyed at any time.
     void SetEditor(QsciScintilla* editor);
+    QsciScintilla* editor() const { return editor_; }
 
     // Shows the bar, which takes the focus and the selection's words when they are on one line.
     void OpenForFind();

@@ -90,8 +90,9 @@ bool HasScreen()
 }
 
 // Windows need more of the application than batches do.
-std::unique_ptr<QCoreApplication> MakeApplication(const Options& options, int& argc, char** argv)
+std::unique_ptr<QCoreApplication> MakeApplication(const Options& options, char** argv)
 {
+    static int argc = 1;  // Qt has options of its own, of which one has our "--plugin" name.
     if (!options.batch) {
         return std::make_unique<QApplication>(argc, argv);
     }
@@ -158,6 +159,6 @@ int main(int argc, char** argv)
             "there is no screen to show a window on: DISPLAY is not set; --batch needs none",
             kFailure);
     }
-    const auto application = MakeApplication(*options, argc, argv);
+    const auto application = MakeApplication(*options, argv);
     return Run(*options, *files);
 }

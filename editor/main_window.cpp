@@ -13,7 +13,9 @@
 #include <QDragEnterEvent>
 #include <QFileInfo>
 #include <QLabel>
+#include <QMessageBox>
 #include <QMimeData>
+#include <QPushButton>
 #include <QScreen>
 #include <QSplitter>
 #include <QStatusBar>
@@ -21,6 +23,7 @@
 #include <QVBoxLayout>
 
 #include <chrono>
+#include <cstdio>
 #include <filesystem>
 #include <utility>
 
@@ -99,7 +102,7 @@ void MainWindow::MakeCentralWidget()
     worksheet_ = new Worksheet(this);
     worksheet_->setAccessibleName(tr("Worksheet"));
     splitter_ = new QSplitter(Qt::Vertical, this);
-    splitter_->setHandleWidth(1);
+    splitter_->setHandleWidth(5);  // Of which one pixel is drawn.
     splitter_->setChildrenCollapsible(false);
     splitter_->addWidget(documents);
     splitter_->addWidget(worksheet_);
@@ -240,9 +243,26 @@ void MainWindow::OfferRecovery()
                     {tr("Later"), [] {}}});
 }
 
+// What was said before and is not yet read stays.
 void MainWindow::Tell(const QString& message)
 {
-    messages_->Ask(message, {{tr("OK"), [] {}}});
+    constexpr int kMostLines = 5;
+    QStringList lines =
+        messages_->IsAsking() ? messages_->accessibleName().split('\n') : QStringList();
+    lines.removeAll(message);
+    lines.append(message);
+    messages_->Ask(lines.mid(std::max<qsizetype>(lines.size() - kMostLines, 0)).join('\n'),
+                   {{tr("OK"), [] {}}});
+}
+
+void MainWindow::GoToMessage()
+{
+    for (const auto* const bar : findChildren<MessageBar*>()) {
+        if (bar->isVisible()) {
+            bar->findChild<QPushButton*>()->setFocus();
+            return;
+        }
+    }
 }
 
 void MainWindow::TellOfPlugin(const std::string& error)
@@ -255,12 +275,16 @@ void MainWindow::ShowFront()
     auto* const page = tabs_->FrontPage();
     const auto* const front = tabs_->Front();
     host_.SetDocument(front != nullptr ? front->path() : std::string());
-    findBar_->SetEditor(page != nullptr ? &page->editor() : nullptr);
+    if (findBar_->editor() != worksheet_) {
+        findBar_->SetEditor(page != nullptr ? &page->editor() : nullptr);
+    }
     setWindowTitle(front != nullptr ? front->Name() + "[*] – Quilp" : "Quilp");
     setWindowModified(front != nullptr && front->IsModified());
     if (page != nullptr) {
         connect(&page->editor(), &QsciScintilla::cursorPositionChanged, this,
                 &MainWindow::ShowPosition, Qt::UniqueConnection);
+        connect(&page->editor(), &QsciScintilla::SCN_ZOOM, this, &MainWindow::TakeZoom,
+                Qt::UniqueConnection);
         page->editor().zoomTo(session_.zoom);
     }
     ShowPosition();
@@ -323,32 +347,45 @@ void MainWindow::SavePluginSettings()
     }
 }
 
-void MainWindow::SaveEverything(const Session& session)
+// What could not be saved, as sentences.
+QStringList MainWindow::SaveEverything(const Session& session)
 {
     runtime_.CloseWindows();
-    SavePluginSettings();
     std::error_code ignored;
     std::filesystem::create_directories(places_.folders.state, ignored);
-    std::ignore = SaveAtomically(WorksheetPath(), worksheet_->Text().toUtf8());
-    std::ignore = SaveSession(SessionPath(), session, shortcuts_);
+    QStringList problems;
+    for (const auto& saved :
+         {host_.SaveSettings(), SaveAtomically(WorksheetPath(), worksheet_->Text().toUtf8()),
+          SaveSession(SessionPath(), session, shortcuts_)}) {
+        if (!saved) {
+            problems.append(QString::fromStdString(saved.error()));
+        }
+    }
+    return problems;
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    const Session session = Current();  // With the files that are about to be closed.
-    if (!tabs_->CloseAll()) {
+    if (!tabs_->MayCloseAll()) {
         return event->ignore();
     }
-    SaveEverything(session);
+    const auto problems = SaveEverything(Current());
+    if (!problems.isEmpty()) {
+        QMessageBox::warning(this, tr("Quit"), problems.join('\n'));
+    }
+    tabs_->CloseAll();
     event->accept();
-    QCoreApplication::quit();
+    Q_EMIT Ended();
 }
 
 void MainWindow::EndAtOnce()
 {
     tabs_->KeepCopies();
-    SaveEverything(Current());
-    QCoreApplication::quit();
+    const auto problems = SaveEverything(Current());
+    if (!problems.isEmpty()) {
+        std::fprintf(stderr, "quilp-editor: %s\n", qPrintable(problems.join("; ")));
+    }
+    Q_EMIT Ended();
 }
 
 void MainWindow::changeEvent(QEvent* event)

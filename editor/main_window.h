@@ -45,8 +45,8 @@ class MainWindow final : public QMainWindow {
     // Loads the plug-in and what the editor looked like last. The error is a sentence.
     std::expected<void, std::string> Start();
 
-    // A folder among them becomes the project. The documents of last time when `files` is empty. What cannot be opened is told in the
-    // window.
+    // A folder among them becomes the project. The documents of last time when `files` is empty.
+    // What cannot be opened is told in the window.
     void OpenFiles(const QStringList& files);
     void SetTarget(const QString& path);
     void SetEditorAppearance(Appearance appearance);
@@ -64,6 +64,10 @@ class MainWindow final : public QMainWindow {
     Worksheet& worksheet() { return *worksheet_; }
     BoardMonitor& board() { return *board_; }
 
+  Q_SIGNALS:
+    // Everything is saved, and the program may end.
+    void Ended();
+
   protected:
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
@@ -80,13 +84,14 @@ class MainWindow final : public QMainWindow {
     void ShowTarget();
     void ShowBoard();
     void Tell(const QString& message);
+    void GoToMessage();
     void OfferRecovery();
     void CheckDisk();
 
     // The session.
     Session Current() const;
     void Restore(const Session& session);
-    void SaveEverything(const Session& session);
+    QStringList SaveEverything(const Session& session);
     void SavePluginSettings();
     std::string SessionPath() const;
     std::string WorksheetPath() const;
@@ -116,9 +121,12 @@ class MainWindow final : public QMainWindow {
 
     // What the menus do.
     QsciScintilla* FocusedText() const;
+    bool IsFindBarFocused() const;
+    void Search(const std::function<void()>& search);
     void OpenByDialog();
     void GoToLine();
     void ZoomTo(int zoom);
+    void TakeZoom();
     void SwitchToWorksheetAndBack();
     void OpenFolderByDialog();
     void SetFolder(const QString& folder);
@@ -164,5 +172,6 @@ class MainWindow final : public QMainWindow {
     QLabel* target_ = nullptr;
     QLabel* format_ = nullptr;
     QToolButton* boardButton_ = nullptr;
+    QString projectTarget_;
     QTimer diskTimer_;
 };

@@ -8,6 +8,7 @@
 #include "run_control.h"
 #include "text_editor.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QToolBar>
@@ -16,6 +17,7 @@
 #include <array>
 #include <filesystem>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -77,9 +79,9 @@ void MainWindow::PressControl()
 // In the place of the control that was pressed.
 void MainWindow::OpenPopUp(const QWidget& control)
 {
-    const auto* const front = tabs_->Front();
-    if (front != nullptr && !front->path().empty() && !SaveForCommand()) {
-        return;
+    // Also after a save that failed: one may want to stop.
+    if (const auto* const front = tabs_->Front(); front != nullptr && !front->path().empty()) {
+        SaveForCommand();
     }
     const QPointF corner = control.mapTo(this, QPoint(0, 0));
     host_.OpenPopUp(
@@ -151,9 +153,12 @@ void MainWindow::FindProjectTarget()
 {
     const QFileInfo main(session_.folder + "/main.py");
     const bool isThere = !session_.folder.isEmpty() && main.isFile();
-    host_.SetProjectTarget(isThere ? main.absoluteFilePath().toStdString() : std::string());
+    const QString found = isThere ? main.absoluteFilePath() : QString();
+    if (std::exchange(projectTarget_, found) != found) {
+        host_.SetProjectTarget(found.toStdString());
+        ShowControls();
+    }
     ShowTarget();
-    ShowControls();
 }
 
 void MainWindow::SetTarget(const QString& path)
@@ -170,7 +175,7 @@ std::string MainWindow::WorkingFolder() const
     if (session_.folder.isEmpty() && front != nullptr && !front->path().empty()) {
         return std::filesystem::path(front->path()).parent_path().string();
     }
-    return session_.folder.toStdString();
+    return (session_.folder.isEmpty() ? QDir::homePath() : session_.folder).toStdString();
 }
 
 void MainWindow::RunLine(const QString& text)

@@ -83,28 +83,32 @@ QsciScintilla* MainWindow::FocusedText() const
     return page != nullptr ? &page->editor() : nullptr;
 }
 
+bool MainWindow::IsFindBarFocused() const
+{
+    const auto* const focused = QApplication::focusWidget();
+    return focused != nullptr && findBar_->isAncestorOf(focused);
+}
+
 void MainWindow::MakeEditMenu()
 {
     auto* const menu = menuBar()->addMenu(tr("&Edit"));
-    using Action = void (QsciScintilla::*)();
-    const auto add = [&](const QString& text, const QKeySequence& keys, Action action) {
-        Add(menu, text, keys, [this, action] {
-            if (auto* const focused = FocusedText()) {
-                (focused->*action)();
+    // The fields of the find bar have slots of the same names as the texts.
+    const auto add = [&](const QString& text, const char* keys, const char* slot) {
+        Add(menu, text, QKeySequence(keys), [this, slot] {
+            auto* const target = IsFindBarFocused() ? QApplication::focusWidget() : FocusedText();
+            if (target != nullptr &&
+                target->metaObject()->indexOfSlot(QByteArray(slot).append("()").constData()) >= 0) {
+                QMetaObject::invokeMethod(target, slot);
             }
         });
     };
-    add(tr("&Undo"), QKeySequence("Ctrl+Z"), &QsciScintilla::undo);
-    add(tr("&Redo"), QKeySequence("Ctrl+Shift+Z"), &QsciScintilla::redo);
+    add(tr("&Undo"), "Ctrl+Z", "undo");
+    add(tr("&Redo"), "Ctrl+Shift+Z", "redo");
     menu->addSeparator();
-    add(tr("Cu&t"), QKeySequence("Ctrl+X"), &QsciScintilla::cut);
-    add(tr("&Copy"), QKeySequence("Ctrl+C"), &QsciScintilla::copy);
-    add(tr("&Paste"), QKeySequence("Ctrl+V"), &QsciScintilla::paste);
-    Add(menu, tr("Select &All"), QKeySequence("Ctrl+A"), [this] {
-        if (auto* const focused = FocusedText()) {
-            focused->selectAll();
-        }
-    });
+    add(tr("Cu&t"), "Ctrl+X", "cut");
+    add(tr("&Copy"), "Ctrl+C", "copy");
+    add(tr("&Paste"), "Ctrl+V", "paste");
+    add(tr("Select &All"), "Ctrl+A", "selectAll");
     menu->addSeparator();
     Add(menu, tr("Comment or Unco&mment"), QKeySequence("Ctrl+/"), [this] {
         if (auto* const page = tabs_->FrontPage()) {
@@ -116,18 +120,25 @@ void MainWindow::MakeEditMenu()
 void MainWindow::MakeSearchMenu()
 {
     auto* const menu = menuBar()->addMenu(tr("&Search"));
-    Add(menu, tr("&Find…"), QKeySequence("Ctrl+F"), [this] {
-        findBar_->SetEditor(FocusedText());
-        findBar_->OpenForFind();
-    });
-    Add(menu, tr("&Replace…"), QKeySequence("Ctrl+H"), [this] {
-        findBar_->SetEditor(FocusedText());
-        findBar_->OpenForReplace();
-    });
-    Add(menu, tr("Find &Next"), QKeySequence("F3"), [this] { findBar_->FindNext(); });
-    Add(menu, tr("Find &Previous"), QKeySequence("Shift+F3"), [this] { findBar_->FindPrevious(); });
+    Add(menu, tr("&Find…"), QKeySequence("Ctrl+F"),
+        [this] { Search([this] { findBar_->OpenForFind(); }); });
+    Add(menu, tr("&Replace…"), QKeySequence("Ctrl+H"),
+        [this] { Search([this] { findBar_->OpenForReplace(); }); });
+    Add(menu, tr("Find &Next"), QKeySequence("F3"),
+        [this] { Search([this] { findBar_->FindNext(); }); });
+    Add(menu, tr("Find &Previous"), QKeySequence("Shift+F3"),
+        [this] { Search([this] { findBar_->FindPrevious(); }); });
     menu->addSeparator();
     Add(menu, tr("&Go to Line…"), QKeySequence("Ctrl+G"), [this] { GoToLine(); });
+}
+
+// In the text that the user works in, also from within the find bar.
+void MainWindow::Search(const std::function<void()>& search)
+{
+    if (!IsFindBarFocused()) {
+        findBar_->SetEditor(FocusedText());
+    }
+    search();
 }
 
 void MainWindow::GoToLine()
@@ -161,6 +172,7 @@ void MainWindow::MakeViewMenu()
     });
     Add(menu, tr("&Previous Document"), QKeySequence("Ctrl+PgUp"),
         [this] { tabs_->setCurrentIndex(std::max(tabs_->currentIndex() - 1, 0)); });
+    Add(menu, tr("To the &Message"), QKeySequence("Ctrl+M"), [this] { GoToMessage(); });
     menu->addSeparator();
     MakeAppearanceMenu(menu);
 }
@@ -190,11 +202,20 @@ void MainWindow::SetEditorAppearance(Appearance appearance)
 
 void MainWindow::ZoomTo(int zoom)
 {
-    session_.zoom = std::clamp(zoom, -8, 20);
+    session_.zoom = std::clamp(zoom, kSmallestZoom, kLargestZoom);
     for (int i = 0; i < tabs_->count(); ++i) {
         static_cast<DocumentPage*>(tabs_->widget(i))->editor().zoomTo(session_.zoom);
     }
     worksheet_->zoomTo(session_.zoom);
+}
+
+// The wheel zooms one text, the others follow when they come to the front.
+void MainWindow::TakeZoom()
+{
+    if (auto* const page = tabs_->FrontPage()) {
+        const auto zoom = page->editor().SendScintilla(QsciScintilla::SCI_GETZOOM);
+        session_.zoom = std::clamp(static_cast<int>(zoom), kSmallestZoom, kLargestZoom);
+    }
 }
 
 void MainWindow::SwitchToWorksheetAndBack()
@@ -266,7 +287,11 @@ void MainWindow::ChangeShortcuts()
 // The editor's own, which no command of the plug-in may take.
 std::vector<NamedShortcut> MainWindow::OwnShortcuts() const
 {
-    std::vector<NamedShortcut> own;
+    std::vector<NamedShortcut> own{{"Run Line or Selection", "Ctrl+Return"}};
+    for (const auto* action : menuBar()->actions()) {
+        own.push_back({tr("the menu %1").arg(action->text().remove('&')).toStdString(),
+                       QKeySequence::mnemonic(action->text()).toString()});
+    }
     for (const auto* menu : menuBar()->findChildren<QMenu*>()) {
         for (const auto* action : menu->actions()) {
             for (const auto& keys : action->shortcuts()) {

@@ -14,7 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // A file is this line, the hash of the rest, and the rest.
-const QByteArray kMark = "quilp recovery copy 1\n";
+const QByteArray kMark = "quilp recovery copy 2\n";
 constexpr auto kHash = QCryptographicHash::Sha256;
 constexpr auto kStreamVersion = QDataStream::Qt_6_0;
 constexpr auto kAnySize = std::numeric_limits<qint64>::max();
@@ -25,7 +25,7 @@ QByteArray ToBytes(const RecoveryCopy& copy)
     QDataStream stream(&rest, QIODevice::WriteOnly);
     stream.setVersion(kStreamVersion);
     stream << QByteArray::fromStdString(copy.path) << static_cast<quint8>(copy.encoding)
-           << copy.text;
+           << copy.text << copy.stamp.modified << copy.stamp.size;
     return kMark + QCryptographicHash::hash(rest, kHash) + rest;
 }
 
@@ -48,11 +48,12 @@ std::optional<RecoveryCopy> FromBytes(const QByteArray& bytes)
     QByteArray path;
     quint8 encoding = 0;
     QString text;
-    stream >> path >> encoding >> text;
+    FileStamp stamp;
+    stream >> path >> encoding >> text >> stamp.modified >> stamp.size;
     if (stream.status() != QDataStream::Ok || !IsEncoding(encoding)) {
         return std::nullopt;
     }
-    return RecoveryCopy{path.toStdString(), TextEncoding(encoding), std::move(text)};
+    return RecoveryCopy{path.toStdString(), TextEncoding(encoding), std::move(text), stamp};
 }
 
 // In order; empty when there is no such folder.

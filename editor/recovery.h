@@ -18,6 +18,7 @@ struct RecoveryCopy {
     std::string path;  // The document's; empty when it has none yet.
     TextEncoding encoding = TextEncoding::Utf8;
     QString text;
+    FileStamp stamp = {};  // Of the file as the text's writer knew it.
 };
 
 // A copy that another editor left behind.

@@ -4,7 +4,7 @@
 
 #include <utility>
 
-RecoveryKeeper::RecoveryKeeper(std::string root, std::function<void(const std::string&)> onError)
+RecoveryKeeper::RecoveryKeeper(std::string root, ErrorHandler onError)
     : store_(std::move(root)), onError_(std::move(onError))
 {
 }
@@ -58,7 +58,8 @@ void RecoveryKeeper::Keep(std::string id, RecoveryCopy copy)
 {
     Do([this, id = std::move(id), copy = std::move(copy)] {
         if (const auto kept = store_.Keep(id, copy); !kept) {
-            Runtime::Current().queue().Post([this, error = kept.error()] { onError_(error); });
+            Runtime::Current().queue().Post(
+                [this, id, error = kept.error()] { onError_(id, error); });
         }
     });
 }

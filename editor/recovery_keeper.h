@@ -10,13 +10,16 @@
 #include <thread>
 #include <vector>
 
-// A RecoveryStore on a thread of its own, so that nobody who types waits for the disk. What is asked
-// of it is done in the order of the calls. Used on the user-interface thread, while there is a
-// Runtime.
+// A RecoveryStore on a thread of its own, so that nobody who types waits for the disk. What is
+// asked of it is done in the order of the calls. Used on the user-interface thread, while there is
+// a Runtime.
 class RecoveryKeeper {
   public:
-    // `root` as for RecoveryStore. `onError` gets sentences, until the Runtime is shut down.
-    RecoveryKeeper(std::string root, std::function<void(const std::string&)> onError);
+    // Gets the id of a copy that could not be kept, and a sentence.
+    using ErrorHandler = std::function<void(const std::string& id, const std::string& error)>;
+
+    // `root` as for RecoveryStore. Errors are told until the Runtime is shut down.
+    RecoveryKeeper(std::string root, ErrorHandler onError);
     // Waits until everything is done.
     ~RecoveryKeeper();
     RecoveryKeeper(const RecoveryKeeper&) = delete;
@@ -35,7 +38,7 @@ class RecoveryKeeper {
     void Finish();
 
     RecoveryStore store_;  // The thread's while it runs.
-    std::function<void(const std::string&)> onError_;
+    ErrorHandler onError_;
     std::mutex mutex_;
     std::condition_variable changed_;
     std::deque<Work> work_;

@@ -25,7 +25,11 @@ RunControl::RunControl(const QString& name, QWidget* parent) : QToolButton(paren
     setPopupMode(QToolButton::MenuButtonPopup);
     held_.setSingleShot(true);
     held_.setInterval(kLongPress);
-    connect(&held_, &QTimer::timeout, this, &RunControl::RequestMenu);
+    connect(&held_, &QTimer::timeout, this, [this] {
+        if (isDown()) {
+            RequestMenu();
+        }
+    });
 }
 
 void RunControl::initStyleOption(QStyleOptionToolButton* option) const

@@ -5,6 +5,7 @@
 #include "standard_output.h"
 
 #include <QApplication>
+#include <QScopeGuard>
 #include <QStringList>
 #include <QTimer>
 
@@ -15,6 +16,7 @@ int RunEditor(const Options& options, const Files& files, const PluginModule& pl
     MainWindow window(plugin, runtime,
                       {UserFolders::OfUser(), BoardProgram(), BoardFolder(options)});
     SetErrorHandler([&window](const std::string& error) { window.TellOfPlugin(error); });
+    const auto forget = qScopeGuard([] { SetErrorHandler({}); });
     if (const auto started = window.Start(); !started) {
         return Complain(started.error(), kNoPlugin);
     }
@@ -33,6 +35,8 @@ int RunEditor(const Options& options, const Files& files, const PluginModule& pl
     }
     window.OpenFiles(documents);
     window.show();
+    // To quit would ask every window once more.
+    QObject::connect(&window, &MainWindow::Ended, [] { QCoreApplication::exit(); });
     signals.SetHandler([&window](int) { window.EndAtOnce(); });
     if (options.virtualBoard) {
         // The window is to be seen first.
@@ -40,7 +44,6 @@ int RunEditor(const Options& options, const Files& files, const PluginModule& pl
     }
     const int status = QCoreApplication::exec();
     runtime.ShutDown();
-    SetErrorHandler({});
     return status;
 }
 

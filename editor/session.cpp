@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int kFarthestZoom = 20;
+constexpr const char* kAlwaysThere = "editor/zoom";
 
 Session Read(QSettings& settings)
 {
@@ -21,8 +21,7 @@ Session Read(QSettings& settings)
     session.recent = settings.value("session/recent").toStringList();
     session.folder = settings.value("session/folder").toString();
     session.target = settings.value("session/target").toString();
-    session.zoom =
-        std::clamp(settings.value("editor/zoom", 0).toInt(), -kFarthestZoom, kFarthestZoom);
+    session.zoom = std::clamp(settings.value(kAlwaysThere, 0).toInt(), kSmallestZoom, kLargestZoom);
     session.savesBeforeCommands = settings.value("editor/savesBeforeCommands", true).toBool();
     session.appearance =
         AppearanceNamed(settings.value("editor/appearance").toString().toStdString())
@@ -47,7 +46,10 @@ LoadedSession LoadSession(const std::string& path, Shortcuts& shortcuts)
     QSettings settings(SettingsOf(path), QSettings::IniFormat);
     loaded.session = Read(settings);
     shortcuts.Load(settings);
-    if (settings.status() != QSettings::NoError) {
+    // Text of other kinds counts as values without a section, and is no error to Qt.
+    const bool isOurs =
+        settings.contains(kAlwaysThere) || std::filesystem::file_size(path, error) == 0;
+    if (settings.status() != QSettings::NoError || !isOurs) {
         const auto aside = SetAside(path);
         loaded.problem = QString::fromStdString(
             aside ? "The settings cannot be read and were set aside as " + *aside + "."
@@ -69,7 +71,7 @@ std::expected<void, std::string> SaveSession(const std::string& path, const Sess
     settings.setValue("session/recent", session.recent);
     settings.setValue("session/folder", session.folder);
     settings.setValue("session/target", session.target);
-    settings.setValue("editor/zoom", session.zoom);
+    settings.setValue(kAlwaysThere, session.zoom);
     settings.setValue("editor/savesBeforeCommands", session.savesBeforeCommands);
     settings.setValue("editor/appearance",
                       QString::fromStdString(AppearanceName(session.appearance)));

@@ -10,6 +10,10 @@
 #include <expected>
 #include <string>
 
+// Points that can be added to the font's size.
+inline constexpr int kSmallestZoom = -8;
+inline constexpr int kLargestZoom = 20;
+
 // What the editor looked like when it ended, and what the user has set.
 struct Session {
     QByteArray geometry;  // Of the window, and the rest of Qt's own form.
@@ -19,7 +23,7 @@ struct Session {
     QStringList recent;
     QString folder;  // The project's; empty for none, as the target.
     QString target;
-    int zoom = 0;  // Points added to the font's size.
+    int zoom = 0;
     bool savesBeforeCommands = true;
     Appearance appearance = Appearance::System;
 };

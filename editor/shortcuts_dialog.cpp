@@ -54,6 +54,20 @@ QString ShortcutsDialog::LabelOf(const std::string& command) const
     return QString::fromStdString(command);
 }
 
+namespace {
+
+// A character that is typed with or without Shift, which must stay in the text.
+bool IsTyped(const QKeySequence& keys)
+{
+    if (keys.isEmpty()) {
+        return false;
+    }
+    const auto modifiers = keys[0].keyboardModifiers() & ~Qt::ShiftModifier;
+    return modifiers == Qt::NoModifier && keys[0].key() < Qt::Key_Escape;
+}
+
+}  // namespace
+
 std::expected<Shortcuts, QString> ShortcutsDialog::Wanted() const
 {
     Shortcuts wanted = shortcuts_;
@@ -63,6 +77,10 @@ std::expected<Shortcuts, QString> ShortcutsDialog::Wanted() const
     }
     for (std::size_t i = 0; i < commands_.size(); ++i) {
         const auto keys = edits_[i]->keySequence();
+        if (IsTyped(keys)) {
+            return std::unexpected(tr("%1 is typed into texts; hold Control or Alt with it.")
+                                       .arg(keys.toString(QKeySequence::NativeText)));
+        }
         if (const auto set = wanted.SetShortcut(commands_[i].name, keys); !set) {
             return std::unexpected(
                 tr("%1 belongs to “%2” already.")
