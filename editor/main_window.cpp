@@ -165,7 +165,8 @@ std::expected<void, std::string> MainWindow::Start()
     Restore(loaded.session);
     if (problem) {
         Tell(QString::fromStdString(*problem));
-    } else if (!loaded.problem.isEmpty()) {
+    }
+    if (!loaded.problem.isEmpty()) {
         Tell(loaded.problem);
     }
     OfferRecovery();

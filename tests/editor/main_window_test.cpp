@@ -113,11 +113,11 @@ TEST_F(EditorWindow, MakesTheWholeRound)
     ASSERT_TRUE(DeviceTableHas(2));
     EXPECT_EQ(ReadFile(folder / "board/data.csv"), "1,2\n");
     ASSERT_TRUE(WaitUntil([] { return Runtime::Current().IsIdle(); }));
+    const auto deleted = DeviceTable()->model()->index(0, 0).data().toString().toStdString();
     DeviceTable()->SelectRow(0, false);
     QTest::keyClick(DeviceTable(), Qt::Key_Backspace, Qt::ControlModifier);
     ASSERT_TRUE(DeviceTableHas(1));
-    EXPECT_EQ(std::filesystem::exists(folder / "board/data.csv"),
-              !std::filesystem::exists(folder / "board/loop.py"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "board/" + deleted));
 }
 
 TEST_F(EditorWindow, ShowsTheControlExactlyWhileThePluginOffersIt)
@@ -128,6 +128,11 @@ TEST_F(EditorWindow, ShowsTheControlExactlyWhileThePluginOffersIt)
     std::filesystem::create_directory(folder / "project");
     Start({notes});
     EXPECT_EQ(Controls(), QStringList());
+    Write("project/main.py", "");
+    window().OpenFiles({project});
+    EXPECT_EQ(Controls(), QStringList("Run"));
+    std::filesystem::remove(folder / "project/main.py");
+    EXPECT_TRUE(WaitUntil([&] { return Controls().isEmpty(); }));
     window().OpenFiles({python});
     EXPECT_EQ(Controls(), QStringList("Run"));
     window().OpenFiles({notes});
@@ -278,12 +283,17 @@ TEST_F(EditorWindow, OffersUnsavedTextAgainAfterTheProgramWasKilled)
                     "--gtest_filter=EditorWindow.DISABLED_TypesAndIsKilledOnceTheTextIsSafe"},
                    {"QUILP_TEST_ROOT=" + folder.path()});
     ASSERT_EQ(killed.status, 128 + SIGKILL) << killed.output;
-    EXPECT_EQ(ReadFile(path.toStdString()), "old\n");
+    Write("a.py", "theirs, meanwhile\n");
     Start({path});
     ASSERT_TRUE(Message().endsWith(": a.py.")) << Message().toStdString();
+    Type("typed ");
     Answer("Recover");
     EXPECT_EQ(editor().Content(), "new old\n");
     EXPECT_TRUE(window().documents().Front()->IsModified());
+    Action("Undo")->trigger();
+    EXPECT_EQ(editor().Content(), "typed theirs, meanwhile\n");
+    Action("Redo")->trigger();
+    WhenAskedPress(QMessageBox::Save);  // Over theirs.
     Press(Qt::Key_S, Qt::ControlModifier);
     EXPECT_EQ(ReadFile(path.toStdString()), "new old\n");
     ASSERT_TRUE(Close());
@@ -303,9 +313,15 @@ TEST_F(EditorWindow, FollowsAFileThatAnotherProgramChanges)
     Write("a.py", "theirs, which is longer\n");
     ASSERT_TRUE(WaitUntil([&] { return !Message().isEmpty(); }));
     EXPECT_EQ(editor().Content(), "mine one and two\n");
+    for (int i = 0; i < 2; ++i) {  // Nothing but an answer settles it.
+        WhenAskedPress(QMessageBox::Cancel);
+        Press(Qt::Key_F5);
+        EXPECT_EQ(ReadFile(path.toStdString()), "theirs, which is longer\n");
+    }
     Answer("Keep Mine");
     Press(Qt::Key_S, Qt::ControlModifier);
     EXPECT_EQ(ReadFile(path.toStdString()), "mine one and two\n");
+    EXPECT_EQ(Message(), QString());
 
     Type("again ");
     Write("a.py", "theirs once more\n");
@@ -315,6 +331,7 @@ TEST_F(EditorWindow, FollowsAFileThatAnotherProgramChanges)
 
     std::filesystem::remove(path.toStdString());
     ASSERT_TRUE(WaitUntil([&] { return window().documents().Front()->IsModified(); }));
+    EXPECT_TRUE(WaitUntil([&] { return HoldsACopy(places.folders.state + "/recovery"); }));
     Press(Qt::Key_S, Qt::ControlModifier);
     EXPECT_EQ(ReadFile(path.toStdString()), "theirs once more\n");
 }
@@ -362,8 +379,6 @@ TEST_F(EditorWindow, ComesBackAsItWasLeft)
 {
     const QString first = Write("a.py", "");
     const QString second = Write("b.txt", "");
-    std::filesystem::create_directory(folder / "project");
-    Write("project/main.py", "");
     Start({first, second});
     window().resize(700, 500);
     window().SetTarget(first);
@@ -400,10 +415,15 @@ TEST_F(EditorWindow, SetsUnreadableSettingsAside)
 {
     std::filesystem::create_directory(folder / "config");
     const std::string damaged("\0\xFF binary", 9);
-    Write("config/plugins.settings", damaged);
+    for (const std::string name : {"plugins.settings", "editor.ini"}) {
+        Write("config/" + name, damaged);
+    }
     Start();
-    EXPECT_TRUE(Message().contains("plugins.settings.unreadable")) << Message().toStdString();
-    EXPECT_EQ(ReadFile(folder / "config/plugins.settings.unreadable"), damaged);
+    for (const std::string name : {"plugins.settings", "editor.ini"}) {
+        EXPECT_TRUE(Message().contains(QString::fromStdString(name) + ".unreadable"))
+            << Message().toStdString();
+        EXPECT_EQ(ReadFile(folder / "config/" + name + ".unreadable"), damaged);
+    }
 }
 
 TEST_F(EditorWindow, LivesOnWhenThePluginThrowsOrTalksNonsense)
@@ -436,19 +456,68 @@ TEST_F(EditorWindow, EndsWithinASecondWhileTheBoardPrints)
     Press(Qt::Key_F5);
     ASSERT_TRUE(SheetShows("round"));
     const auto begin = std::chrono::steady_clock::now();
-    ASSERT_TRUE(Close());
+    EXPECT_TRUE(RunUntilEnd([this] { window().close(); }));
+    End();
     EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(1));
     EXPECT_FALSE(SettledHoldings(before).children);
 }
 
-TEST_F(EditorWindow, RunsALineOfTheWorksheetInTheProjectsFolder)
+TEST_F(EditorWindow, EndsWithoutAQuestionWhenToldAndOffersTheTextAgain)
+{
+    const QString path = Write("a.py", "old\n");
+    Start({path});
+    Type("new ");
+    EXPECT_TRUE(RunUntilEnd([this] { window().EndAtOnce(); }));
+    End();
+    Start({path});
+    Answer("Recover");
+    EXPECT_EQ(editor().Content(), "new old\n");
+}
+
+TEST_F(EditorWindow, FollowsTheBoardsOwnPathsToItsFiles)
 {
     Start({Write("a.py", "")});
+    std::filesystem::create_directories(folder / "board/lib");
+    Write("board/lib/x.py", "1\n2\n3\n");
+    window().worksheet().Append("  File \"/lib/x.py\", line 3, in f\n  File \"no.py\", line 1\n");
+    ASSERT_TRUE(SheetShows("no.py"));
+    Press(Qt::Key_F4);
+    EXPECT_EQ(window().documents().Front()->path(), folder / "board/lib/x.py");
+    EXPECT_EQ(editor().CaretLine(), 3);
+    Press(Qt::Key_F4);
+    EXPECT_TRUE(Message().contains("no.py")) << Message().toStdString();
+}
+
+TEST_F(EditorWindow, EditsWhatHasTheKeyboard)
+{
+    Start({Write("a.py", "word\n")});
+    Action("Find…")->trigger();
+    QTest::keyClicks(QApplication::focusWidget(), "other");
+    Action("Select All")->trigger();
+    Action("Cut")->trigger();
+    EXPECT_EQ(editor().Content(), "word\n");
+    EXPECT_EQ(qobject_cast<QLineEdit*>(QApplication::focusWidget())->text(), QString());
+    editor().setFocus();
+    Action("Select All")->trigger();
+    Action("Paste")->trigger();
+    EXPECT_EQ(editor().Content(), "other");
+    Action("Undo")->trigger();
+    EXPECT_EQ(editor().Content(), "word\n");
+    window().worksheet().setFocus();
+    Action("Paste")->trigger();
+    EXPECT_EQ(Sheet(), "other");
+}
+
+TEST_F(EditorWindow, RunsALineOfTheWorksheetInTheProjectsFolder)
+{
+    std::filesystem::create_directory(folder / "project");
+    const std::string project = folder / "project";
+    Start({Write("a.py", ""), QString::fromStdString(project)});
     auto& sheet = window().worksheet();
     sheet.SetText("pwd; echo \"two words\"");
     sheet.setFocus();
     Press(Qt::Key_Return, Qt::ControlModifier);
-    EXPECT_TRUE(SheetShows("\"two words\"\n" + folder.path() + "\ntwo words\n")) << Sheet();
+    EXPECT_TRUE(SheetShows("\"two words\"\n" + project + "\ntwo words\n")) << Sheet();
 }
 
 TEST_F(EditorWindow, TwoAtOnceKeepEachOthersSettings)

@@ -50,6 +50,14 @@ bool EditorWindow::Close()
     return closed;
 }
 
+bool EditorWindow::RunUntilEnd(const std::function<void()>& act)
+{
+    bool ended = false;
+    QObject::connect(window_.get(), &MainWindow::Ended, window_.get(), [&ended] { ended = true; });
+    QTimer::singleShot(0, window_.get(), act);
+    return WaitUntil([&ended] { return ended; });
+}
+
 void EditorWindow::End()
 {
     if (runtime_) {
@@ -79,6 +87,10 @@ void EditorWindow::Type(const QString& text)
 
 void EditorWindow::Press(Qt::Key key, Qt::KeyboardModifiers modifiers)
 {
+    if (QApplication::activeWindow() == nullptr) {  // After a dialog, where no desktop does it.
+        window_->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window_.get()));
+    }
     auto* const focused = QApplication::focusWidget();
     QTest::keyClick(focused != nullptr ? focused : window_.get(), key, modifiers);
 }

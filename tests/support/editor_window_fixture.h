@@ -25,6 +25,9 @@ class EditorWindow : public testing::Test {
                const std::string& plugin = QUILP_BUNDLE "/quilp.so");
     // Closes the window and ends everything. False when the window stays open.
     bool Close();
+    // Does this in an event loop, until the window says that the program may end. False
+    // when it does not in time.
+    bool RunUntilEnd(const std::function<void()>& act);
     // As when the program is gone, without a question.
     void End();
 
