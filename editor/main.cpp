@@ -6,6 +6,7 @@
 #include "virtual_board.h"
 
 #include <QApplication>
+#include <QIcon>
 
 #include <unistd.h>
 
@@ -92,10 +93,14 @@ bool HasScreen()
 // Windows need more of the application than batches do.
 std::unique_ptr<QCoreApplication> MakeApplication(const Options& options, int& argc, char** argv)
 {
-    if (!options.batch) {
-        return std::make_unique<QApplication>(argc, argv);
+    if (options.batch) {
+        return std::make_unique<QCoreApplication>(argc, argv);
     }
-    return std::make_unique<QCoreApplication>(argc, argv);
+    auto application = std::make_unique<QApplication>(argc, argv);
+    QIcon icon(":/quilp-32.png");
+    icon.addFile(":/quilp-128.png");
+    QApplication::setWindowIcon(icon);
+    return application;
 }
 
 int Run(const Options& options, const Files& files)
@@ -154,8 +159,9 @@ int main(int argc, char** argv)
         return Complain(files.error(), kUsageError);
     }
     if (!options->batch && !HasScreen()) {
-        return Complain("there is no screen to show a window on: DISPLAY is not set; --batch needs none",
-                        kFailure);
+        return Complain(
+            "there is no screen to show a window on: DISPLAY is not set; --batch needs none",
+            kFailure);
     }
     const auto application = MakeApplication(*options, argc, argv);
     return Run(*options, *files);
