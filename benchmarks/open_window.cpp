@@ -13,15 +13,14 @@
 #include "run_with_plugin.h"
 #include "runner.h"
 #include "runtime.h"
+#include "stall_meter.h"
 #include "table_widget.h"
 
 #include <QApplication>
 #include <QLabel>
-#include <QTimer>
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstddef>
 #include <cstdio>
@@ -43,28 +42,6 @@ std::size_t ResidentBytes()
     std::ifstream("/proc/self/statm") >> pages >> pages;
     return pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
-
-// For how long the event loop does not come round, to a millisecond.
-class StallMeter : public QObject {
-  public:
-    StallMeter()
-    {
-        connect(&timer_, &QTimer::timeout, this, [this] {
-            const auto now = Clock::now();
-            longest_ = std::max(longest_, now - last_);
-            last_ = now;
-        });
-        timer_.setTimerType(Qt::PreciseTimer);
-        timer_.start(1);
-    }
-
-    double Longest() const { return Milliseconds(longest_); }
-
-  private:
-    QTimer timer_;
-    Clock::time_point last_ = Clock::now();
-    Clock::duration longest_{};
-};
 
 // Tells when the last row has been painted.
 class LastRow : public QObject {

@@ -5,7 +5,7 @@
 
 #include <cstdio>
 
-int RunWithPlugin(const char* plugin, const std::function<void(EditorHost&)>& measure)
+int WithPlugin(const char* plugin, const std::function<int(const PluginModule&, Runtime&)>& measure)
 {
     const auto module = PluginModule::Load(plugin);
     if (!module) {
@@ -13,8 +13,15 @@ int RunWithPlugin(const char* plugin, const std::function<void(EditorHost&)>& me
         return 1;
     }
     Runtime runtime;
-    EditorHost host(*module, runtime, [](const std::string&) {});
-    measure(host);
-    runtime.ShutDown();
-    return 0;
+    return measure(*module, runtime);
+}
+
+int RunWithPlugin(const char* plugin, const std::function<void(EditorHost&)>& measure)
+{
+    return WithPlugin(plugin, [&](const PluginModule& module, Runtime& runtime) {
+        EditorHost host(module, runtime, [](const std::string&) {});
+        measure(host);
+        runtime.ShutDown();
+        return 0;
+    });
 }

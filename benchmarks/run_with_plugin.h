@@ -4,6 +4,11 @@
 
 #include <functional>
 
-// Loads the plug-in and lets a measurement use it, with an editor that drops what is written to the
-// worksheet. Called when there is an application object. Returns the program's exit status.
+// Both load the plug-in and return the program's exit status. Called when there is an application
+// object.
+
+int WithPlugin(const char* plugin,
+               const std::function<int(const PluginModule&, Runtime&)>& measure);
+
+// Lets a measurement use the plug-in, with an editor that drops what is written to the worksheet.
 int RunWithPlugin(const char* plugin, const std::function<void(EditorHost&)>& measure);

@@ -6,6 +6,7 @@
 #include "virtual_board.h"
 
 #include <QApplication>
+#include <QIcon>
 
 #include <unistd.h>
 
@@ -93,10 +94,14 @@ bool HasScreen()
 std::unique_ptr<QCoreApplication> MakeApplication(const Options& options, char** argv)
 {
     static int argc = 1;  // Qt has options of its own, of which one has our "--plugin" name.
-    if (!options.batch) {
-        return std::make_unique<QApplication>(argc, argv);
+    if (options.batch) {
+        return std::make_unique<QCoreApplication>(argc, argv);
     }
-    return std::make_unique<QCoreApplication>(argc, argv);
+    auto application = std::make_unique<QApplication>(argc, argv);
+    QIcon icon(":/quilp-32.png");
+    icon.addFile(":/quilp-128.png");
+    QApplication::setWindowIcon(icon);
+    return application;
 }
 
 int Run(const Options& options, const Files& files)

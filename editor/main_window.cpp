@@ -67,7 +67,6 @@ MainWindow::MainWindow(const PluginModule& plugin, Runtime& runtime, const Edito
 {
     setAcceptDrops(true);
     setObjectName("editor");
-    setWindowIcon(QIcon::fromTheme("quilp"));
     MakeCentralWidget();
     MakeStatusBar();
     MakeMenus();
