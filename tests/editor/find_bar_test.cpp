@@ -96,7 +96,7 @@ TEST_F(FindBarTest, TypingFindsAndReturnGoesOnAndRound)
     EXPECT_EQ(message(), "");
     Choose("&Match case");
     EXPECT_EQ(selection(), "23-26");
-    Choose("&Whole words");
+    Choose("Whole w&ords");
     EXPECT_EQ(selection(), "5-8");
     QTest::keyClicks(words(), "x");
     EXPECT_EQ(message(), "No match");
@@ -127,7 +127,7 @@ TEST_F(FindBarTest, AFaultyExpressionIsSaidAndChangesNothing)
     Choose("Re&gular expression");
     bar->OpenForReplace();
     QTest::keyClicks(words(), "(b");
-    for (const char* button : {"Ne&xt", "Pre&vious", "Re&place", "Replace &all"}) {
+    for (const char* button : {"Ne&xt", "Previo&us", "Rep&lace", "Replace &all"}) {
         Press<QPushButton>(button);
         EXPECT_TRUE(message().startsWith("No regular expression: ")) << button;
     }
@@ -177,13 +177,13 @@ TEST_F(FindBarTest, ReplaceTakesTheMatchThatIsSelectedAndGoesOn)
     bar->OpenForReplace();
     words()->setText("one");
     Named<QLineEdit>("Replace with")->setText("ones");
-    Press<QPushButton>("Re&place");
+    Press<QPushButton>("Rep&lace");
     EXPECT_EQ(editor->text(), "one two one") << "replaced what was not shown yet";
-    Press<QPushButton>("Re&place");
+    Press<QPushButton>("Rep&lace");
     EXPECT_EQ(editor->text(), "ones two one");
     EXPECT_EQ(selection(), "9-12");
     editor->setReadOnly(true);
-    Press<QPushButton>("Re&place");
+    Press<QPushButton>("Rep&lace");
     Press<QPushButton>("Replace &all");
     EXPECT_EQ(editor->text(), "ones two one");
     EXPECT_EQ(message(), "The text cannot be changed");
@@ -239,7 +239,7 @@ TEST_F(FindBarTest, ManagesWithoutAnEditor)
     bar->OpenForReplace();
     words()->setText("one");
     delete editor;
-    for (const char* button : {"Ne&xt", "Pre&vious", "Re&place", "Replace &all"}) {
+    for (const char* button : {"Ne&xt", "Previo&us", "Rep&lace", "Replace &all"}) {
         Press<QPushButton>(button);
     }
     bar->OpenForFind();
