@@ -1,8 +1,9 @@
 #include "editor_icons.h"
 
+#include <QGuiApplication>
 #include <QIconEngine>
 #include <QPainter>
-#include <QPainterPath>
+#include <QPalette>
 
 #include <functional>
 #include <map>
@@ -17,7 +18,8 @@ void DrawSheet(QPainter& painter, const QColor& line, const QColor& fill)
 {
     painter.setPen(QPen(line, 1));
     painter.setBrush(fill);
-    painter.drawPolygon(QPolygonF({{3.5, 1.5}, {9.5, 1.5}, {12.5, 4.5}, {12.5, 14.5}, {3.5, 14.5}}));
+    painter.drawPolygon(
+        QPolygonF({{3.5, 1.5}, {9.5, 1.5}, {12.5, 4.5}, {12.5, 14.5}, {3.5, 14.5}}));
     painter.drawPolyline(QPolygonF({{9.5, 1.5}, {9.5, 4.5}, {12.5, 4.5}}));
 }
 
@@ -25,16 +27,16 @@ void DrawFolder(QPainter& painter, const QColor& /*line*/, const QColor& /*fill*
 {
     painter.setPen(QPen(QColor(0x2b, 0x6c, 0xb0), 1));
     painter.setBrush(QColor(0x6a, 0xa9, 0xe9));
-    painter.drawPolygon(QPolygonF(
-        {{1.5, 3.5}, {6.5, 3.5}, {7.5, 5.5}, {14.5, 5.5}, {14.5, 13.5}, {1.5, 13.5}}));
+    painter.drawPolygon(
+        QPolygonF({{1.5, 3.5}, {6.5, 3.5}, {7.5, 5.5}, {14.5, 5.5}, {14.5, 13.5}, {1.5, 13.5}}));
 }
 
 void DrawDisk(QPainter& painter, const QColor& line, const QColor& fill)
 {
     painter.setPen(QPen(line, 1));
     painter.setBrush(fill);
-    painter.drawPolygon(QPolygonF(
-        {{2.5, 2.5}, {11.5, 2.5}, {13.5, 4.5}, {13.5, 13.5}, {2.5, 13.5}}));
+    painter.drawPolygon(
+        QPolygonF({{2.5, 2.5}, {11.5, 2.5}, {13.5, 4.5}, {13.5, 13.5}, {2.5, 13.5}}));
     painter.drawRect(QRectF(5.5, 2.5, 4, 3));
     painter.drawRect(QRectF(4.5, 8.5, 7, 5));
 }
@@ -70,17 +72,18 @@ const std::map<QString, Drawing>& Drawings()
 // Draws at whatever size and scale is asked for.
 class DrawnIcon final : public QIconEngine {
   public:
-    DrawnIcon(Drawing drawing, const QPalette& palette) : drawing_(drawing), palette_(palette) {}
+    explicit DrawnIcon(Drawing drawing) : drawing_(drawing) {}
 
     void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override
     {
         const auto group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
+        const QPalette palette = QGuiApplication::palette();
         painter->save();
         painter->setRenderHint(QPainter::Antialiasing);
         painter->translate(rect.topLeft());
         painter->scale(rect.width() / 16.0, rect.height() / 16.0);
-        drawing_(*painter, palette_.color(group, QPalette::WindowText),
-                 palette_.color(QPalette::Base));
+        drawing_(*painter, palette.color(group, QPalette::WindowText),
+                 palette.color(QPalette::Base));
         painter->restore();
     }
 
@@ -97,12 +100,11 @@ class DrawnIcon final : public QIconEngine {
 
   private:
     Drawing drawing_;
-    QPalette palette_;
 };
 
 }  // namespace
 
-QIcon EditorIcon(const QString& name, const QPalette& palette)
+QIcon EditorIcon(const QString& name)
 {
-    return QIcon(new DrawnIcon(Drawings().at(name), palette));
+    return QIcon(new DrawnIcon(Drawings().at(name)));
 }

@@ -1,8 +1,7 @@
 #pragma once
 
 #include <QIcon>
-#include <QPalette>
 
-// The icons of the tool bar: "new", "open", "save", "run" and "board", drawn in the palette's
-// colours.
-QIcon EditorIcon(const QString& name, const QPalette& palette);
+// The icons of the tool bar: "new", "open", "save", "run" and "board", drawn in the colours
+// that the application has at the time.
+QIcon EditorIcon(const QString& name);

@@ -126,7 +126,7 @@ void MainWindow::MakeStatusBar()
     boardButton_->setFocusPolicy(Qt::TabFocus);
     boardButton_->setPopupMode(QToolButton::InstantPopup);
     boardButton_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    boardButton_->setIcon(EditorIcon("board", palette()));
+    boardButton_->setIcon(EditorIcon("board"));
     statusBar()->addWidget(position_);
     for (QWidget* widget : std::initializer_list<QWidget*>{target_, format_, boardButton_}) {
         statusBar()->addPermanentWidget(widget);

@@ -367,7 +367,7 @@ void MainWindow::MakeToolBar()
     toolBar_->setIconSize(QSize(16, 16));
     toolBar_->setContextMenuPolicy(Qt::PreventContextMenu);
     const auto add = [this](const QString& icon, const QString& text, const auto& action) {
-        auto* const added = toolBar_->addAction(EditorIcon(icon, palette()), text);
+        auto* const added = toolBar_->addAction(EditorIcon(icon), text);
         connect(added, &QAction::triggered, this, action);
     };
     add("new", tr("New"), [this] { tabs_->New(); });

@@ -19,7 +19,7 @@ RunControl::RunControl(const QString& name, QWidget* parent) : QToolButton(paren
 {
     setText(name);
     setAccessibleName(name);
-    setIcon(EditorIcon("run", palette()));
+    setIcon(EditorIcon("run"));
     setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     setFocusPolicy(Qt::TabFocus);
     setPopupMode(QToolButton::MenuButtonPopup);
