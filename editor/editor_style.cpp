@@ -55,7 +55,7 @@ bool BelongsToTheMenus(int chord)
 {
     const int key = chord & ~static_cast<int>(Qt::KeyboardModifierMask);
     const bool isEditing = QStringLiteral("ACVXYZ").contains(QChar(key));
-    return (chord & Qt::CTRL) != 0 && IsPrintable(key) && !isEditing;
+    return (chord & static_cast<int>(Qt::CTRL)) != 0 && IsPrintable(key) && !isEditing;
 }
 
 // QScintilla takes a chord that it knows before the menus see it.

@@ -204,7 +204,7 @@ void MainWindow::Restore(const Session& session)
     std::error_code ignored;
     if (std::filesystem::exists(WorksheetPath(), ignored)) {
         if (const auto text = LoadText(WorksheetPath())) {
-            worksheet_->SetText(text->text);
+            worksheet_->SetContent(text->text);
         }
     }
 }
@@ -355,7 +355,7 @@ QStringList MainWindow::SaveEverything(const Session& session)
     std::filesystem::create_directories(places_.folders.state, ignored);
     QStringList problems;
     for (const auto& saved :
-         {host_.SaveSettings(), SaveAtomically(WorksheetPath(), worksheet_->Text().toUtf8()),
+         {host_.SaveSettings(), SaveAtomically(WorksheetPath(), worksheet_->Content().toUtf8()),
           SaveSession(SessionPath(), session, shortcuts_)}) {
         if (!saved) {
             problems.append(QString::fromStdString(saved.error()));

@@ -18,6 +18,7 @@
 
 class FindBar;
 class MessageBar;
+class QActionGroup;
 class QLabel;
 class QSplitter;
 class QToolBar;
@@ -167,6 +168,7 @@ class MainWindow final : public QMainWindow {
     QMenu* commandsMenu_ = nullptr;
     QAction* commandsEnd_ = nullptr;
     QMenu* boardMenu_ = nullptr;
+    QActionGroup* appearances_ = nullptr;
     std::map<std::string, QAction*> commandActions_;
     QLabel* position_ = nullptr;
     QLabel* target_ = nullptr;

@@ -180,14 +180,14 @@ void MainWindow::MakeViewMenu()
 void MainWindow::MakeAppearanceMenu(QMenu* parent)
 {
     auto* const menu = parent->addMenu(tr("&Appearance"));
-    auto* const group = new QActionGroup(menu);
+    appearances_ = new QActionGroup(menu);
     for (const auto& [text, appearance] :
          {std::pair(tr("As the &Desktop"), Appearance::System),
           std::pair(tr("&Light"), Appearance::Light), std::pair(tr("D&ark"), Appearance::Dark)}) {
         auto* const action =
             Add(menu, text, {}, [this, wanted = appearance] { SetEditorAppearance(wanted); });
         action->setCheckable(true);
-        group->addAction(action);
+        appearances_->addAction(action);
         connect(menu, &QMenu::aboutToShow, action, [this, action, wanted = appearance] {
             action->setChecked(session_.appearance == wanted);
         });
@@ -341,7 +341,7 @@ void MainWindow::MakeWorksheetMenu()
     Add(menu, tr("&Previous Place in a Traceback"), QKeySequence("Shift+F4"),
         [this] { worksheet_->GoToPreviousLink(); });
     menu->addSeparator();
-    Add(menu, tr("&Clear"), QKeySequence("Ctrl+Shift+K"), [this] { worksheet_->Clear(); });
+    Add(menu, tr("&Clear"), QKeySequence("Ctrl+Shift+K"), [this] { worksheet_->MakeEmpty(); });
 }
 
 void MainWindow::MakeBoardMenu()

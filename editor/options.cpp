@@ -96,11 +96,8 @@ bool Take(Options& options, int option, const char* argument)
         case 'V': options.version = true; return true;
         case 'h': options.help = true; return true;
         case 'a':
-            if (const auto appearance = AppearanceNamed(argument)) {
-                options.appearance = *appearance;
-                return true;
-            }
-            return false;
+            options.appearance = AppearanceNamed(argument);
+            return options.appearance.has_value();
         case 'v':
             options.virtualBoard = true;
             options.boardFolder = argument != nullptr ? argument : "";

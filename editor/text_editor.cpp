@@ -214,16 +214,6 @@ int TextEditor::CaretColumn() const
     return static_cast<int>(Ask(*this, SCI_COUNTCHARACTERS, start, caret)) + 1;
 }
 
-void TextEditor::ZoomBy(int points)
-{
-    zoomTo(static_cast<int>(Ask(*this, SCI_GETZOOM)) + points);
-}
-
-void TextEditor::ResetZoom()
-{
-    zoomTo(0);
-}
-
 // QScintilla's own way counts a colon of a few lines before, and one in a comment.
 void TextEditor::IndentNewLine(int character)
 {

@@ -40,9 +40,6 @@ class TextEditor final : public QsciScintilla {
     int CaretLine() const;
     int CaretColumn() const;
 
-    void ZoomBy(int points);
-    void ResetZoom();
-
   Q_SIGNALS:
     // Full paths of files and folders of this machine.
     void FilesDropped(const QStringList& paths);

@@ -11,8 +11,8 @@
 
 namespace {
 
-constexpr std::size_t kPart = 64 * 1024;               // bytes a turn
-constexpr std::size_t kMostWaiting = 8 * 1024 * 1024;  // bytes
+constexpr std::size_t kPart = 65'536;            // bytes a turn
+constexpr std::size_t kMostWaiting = 8'388'608;  // bytes
 constexpr int kLinesAfterDrop = 95'000;  // Dropping moves the whole text, so it is done rarely.
 constexpr int kLinkIndicator = 8;
 constexpr int kChosenMarker = 1;
@@ -156,20 +156,20 @@ void Worksheet::DropOldLines()
     Ask(*this, SCI_EMPTYUNDOBUFFER);
 }
 
-QString Worksheet::Text()
+QString Worksheet::Content()
 {
     AppendAllThatWaits();
     return TextOf(*this);
 }
 
-void Worksheet::SetText(const QString& text)
+void Worksheet::SetContent(const QString& text)
 {
-    Clear();
+    MakeEmpty();
     Append(text.toStdString());
     AppendAllThatWaits();
 }
 
-void Worksheet::Clear()
+void Worksheet::MakeEmpty()
 {
     waiting_.clear();
     taken_ = 0;

@@ -28,9 +28,9 @@ class Worksheet final : public QsciScintilla {
     void Append(std::string_view utf8);
 
     // Everything, also what waits to be added.
-    QString Text();
-    void SetText(const QString& text);
-    void Clear();
+    QString Content();
+    void SetContent(const QString& text);
+    void MakeEmpty();
 
     // As Control-Return.
     void RequestRun();

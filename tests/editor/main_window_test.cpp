@@ -19,6 +19,7 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QTest>
+#include <QToolButton>
 #include <QUrl>
 
 #include <chrono>
@@ -514,7 +515,7 @@ TEST_F(EditorWindow, RunsALineOfTheWorksheetInTheProjectsFolder)
     const std::string project = folder / "project";
     Start({Write("a.py", ""), QString::fromStdString(project)});
     auto& sheet = window().worksheet();
-    sheet.SetText("pwd; echo \"two words\"");
+    sheet.SetContent("pwd; echo \"two words\"");
     sheet.setFocus();
     Press(Qt::Key_Return, Qt::ControlModifier);
     EXPECT_TRUE(SheetShows("\"two words\"\n" + project + "\ntwo words\n")) << Sheet();
@@ -536,4 +537,15 @@ TEST_F(EditorWindow, TwoAtOnceKeepEachOthersSettings)
     const auto settings = ReadFile(folder / "config/plugins.settings");
     EXPECT_NE(settings.find("OtherPlugin -kept\n"), std::string::npos) << settings;
     EXPECT_NE(settings.find("Third -new\n"), std::string::npos) << settings;
+}
+
+TEST_F(EditorWindow, IconsFollowTheAppearance)
+{
+    Start();
+    const auto draw = [this](Appearance appearance) {
+        window().SetEditorAppearance(appearance);
+        return window().findChild<QToolButton*>("board")->icon().pixmap(16).toImage();
+    };
+    EXPECT_NE(draw(Appearance::Light), draw(Appearance::Dark));
+    window().SetEditorAppearance(Appearance::System);
 }

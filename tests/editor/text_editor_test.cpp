@@ -232,9 +232,9 @@ TEST_F(TextEditorTest, TheNumberMarginFitsTheNumbers)
     editor.SetContent(ManyLines(100'000));
     EXPECT_GT(editor.marginWidth(0), narrow);
     EXPECT_TRUE(fits());
-    editor.ZoomBy(12);
+    editor.zoomTo(12);
     EXPECT_TRUE(fits()) << "after the zoom";
-    editor.ResetZoom();
+    editor.zoomTo(0);
     const QPoint middle(300, 200);
     QWheelEvent wheel(middle, editor.mapToGlobal(middle), {}, {0, 120}, Qt::NoButton,
                       Qt::ControlModifier, Qt::NoScrollPhase, false);

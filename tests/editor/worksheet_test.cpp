@@ -88,28 +88,28 @@ TEST_F(WorksheetTest, OutputBecomesTextHoweverItIsCut)
          "b"},
     };
     for (const auto& row : rows) {
-        sheet.Clear();
+        sheet.MakeEmpty();
         sheet.Append(row.bytes);
-        EXPECT_EQ(sheet.Text(), row.text) << row.what << " at once";
-        sheet.Clear();
+        EXPECT_EQ(sheet.Content(), row.text) << row.what << " at once";
+        sheet.MakeEmpty();
         for (const char byte : row.bytes) {
             sheet.Append(std::string_view(&byte, 1));
-            sheet.Text();  // Adds it by itself.
+            sheet.Content();  // Adds it by itself.
         }
-        EXPECT_EQ(sheet.Text(), row.text) << row.what << " byte by byte";
+        EXPECT_EQ(sheet.Content(), row.text) << row.what << " byte by byte";
     }
 }
 
 TEST_F(WorksheetTest, ProgressOnALineThatTheUserHadLeaves)
 {
     sheet.Append("10%");
-    ASSERT_EQ(sheet.Text(), "10%");
+    ASSERT_EQ(sheet.Content(), "10%");
     sheet.setCursorPosition(0, 3);
     QTest::keyClicks(&sheet, "typed");
     sheet.Append("\r20%\n");
-    EXPECT_EQ(sheet.Text(), "20%\n");
+    EXPECT_EQ(sheet.Content(), "20%\n");
     sheet.undo();
-    EXPECT_EQ(sheet.Text(), "20%\n") << "undo took what is no longer there";
+    EXPECT_EQ(sheet.Content(), "20%\n") << "undo took what is no longer there";
 }
 
 TEST_F(WorksheetTest, OutputOfOneTurnComesTogetherAndInParts)
@@ -119,7 +119,7 @@ TEST_F(WorksheetTest, OutputOfOneTurnComesTogetherAndInParts)
     }
     EXPECT_EQ(Length(sheet), 0) << "not before the next turn";
     ASSERT_TRUE(WaitUntil([&] { return sheet.lines() == 1001; }));
-    sheet.Clear();
+    sheet.MakeEmpty();
     sheet.Append(std::string(1'000'000, '\n'));
     QCoreApplication::processEvents();
     EXPECT_LT(sheet.lines(), 200'000) << "a turn took everything";
@@ -135,13 +135,13 @@ TEST_F(WorksheetTest, WhatWaitsIsBounded)
     }
     EXPECT_GT(Length(sheet), 0) << "everything waits";
     sheet.Append("the end");
-    EXPECT_TRUE(sheet.Text().endsWith("line 79999\nthe end"));
+    EXPECT_TRUE(sheet.Content().endsWith("line 79999\nthe end"));
 }
 
 TEST_F(WorksheetTest, TheOldestLinesGo)
 {
     sheet.Append(Lines(Worksheet::kMostLines + 50'000));
-    const QString text = sheet.Text();
+    const QString text = sheet.Content();
     EXPECT_LE(sheet.lines(), Worksheet::kMostLines);
     EXPECT_GT(sheet.lines(), Worksheet::kMostLines / 2);
     EXPECT_TRUE(text.endsWith("line 149999\n"));
@@ -152,7 +152,7 @@ TEST_F(WorksheetTest, TheOldestLinesGo)
 TEST_F(WorksheetTest, TheViewFollowsOnlyTheReaderAtTheEnd)
 {
     sheet.Append(Lines(1000));
-    sheet.Text();
+    sheet.Content();
     const auto last = [&] {
         return sheet.firstVisibleLine() + Ask(sheet, QsciScintilla::SCI_LINESONSCREEN);
     };
@@ -160,56 +160,56 @@ TEST_F(WorksheetTest, TheViewFollowsOnlyTheReaderAtTheEnd)
     sheet.setFirstVisibleLine(500);
     const auto topText = [&] { return sheet.text(sheet.firstVisibleLine()); };
     sheet.Append(Lines(1000, 1000));
-    sheet.Text();
+    sheet.Content();
     EXPECT_EQ(topText(), "line 500\n");
     sheet.setFirstVisibleLine(1900);
     sheet.Append(Lines(Worksheet::kMostLines, 2000));
-    sheet.Text();
+    sheet.Content();
     EXPECT_EQ(topText(), "line " + QString::number(102'001 - sheet.lines()) + "\n")
         << "the line at the top has gone: the oldest one is the nearest";
     sheet.setFirstVisibleLine(50'000);
     const QString before = topText();
     sheet.Append(Lines(10'000));
-    sheet.Text();
+    sheet.Content();
     EXPECT_EQ(topText(), before) << "lines were dropped in front";
     EXPECT_LT(sheet.firstVisibleLine(), 50'000);
     sheet.setFirstVisibleLine(sheet.lines());
     sheet.Append("more\n");
-    sheet.Text();
+    sheet.Content();
     EXPECT_GE(last(), sheet.lines()) << "at the end again";
 }
 
 TEST_F(WorksheetTest, CaretSelectionUndoAndClipboardAreTheUsers)
 {
     QGuiApplication::clipboard()->setText("mine");
-    sheet.SetText("one\ntwo");
+    sheet.SetContent("one\ntwo");
     EXPECT_FALSE(sheet.isUndoAvailable());
     QTest::keyClick(&sheet, Qt::Key_End, Qt::ControlModifier);
     QTest::keyClicks(&sheet, "!");
     sheet.Append(" three\n");
-    EXPECT_EQ(sheet.Text(), "one\ntwo! three\n");
+    EXPECT_EQ(sheet.Content(), "one\ntwo! three\n");
     QTest::keyClicks(&sheet, "?");
-    EXPECT_EQ(sheet.Text(), "one\ntwo!? three\n") << "the caret at the end was moved";
+    EXPECT_EQ(sheet.Content(), "one\ntwo!? three\n") << "the caret at the end was moved";
     for (int i = 0; i < 5 && sheet.isUndoAvailable(); ++i) {
         sheet.undo();
     }
-    EXPECT_EQ(sheet.Text(), "one\ntwo three\n");
+    EXPECT_EQ(sheet.Content(), "one\ntwo three\n");
     sheet.redo();
-    EXPECT_TRUE(sheet.Text().startsWith("one\ntwo!"));
+    EXPECT_TRUE(sheet.Content().startsWith("one\ntwo!"));
     sheet.setSelection(0, 1, 1, 2);
     sheet.Append(Lines(10));
-    sheet.Text();
+    sheet.Content();
     EXPECT_EQ(sheet.selectedText(), "ne\ntw");
     EXPECT_EQ(QGuiApplication::clipboard()->text(), "mine");
     sheet.Append(Lines(99'990));
     sheet.setSelection(50'000, 0, 50'000, 4);
-    sheet.Text();
+    sheet.Content();
     EXPECT_EQ(sheet.selectedText(), "");  // Not there yet when it was chosen.
     sheet.setSelection(50'000, 5, 50'001, 3);
     const QString selected = sheet.selectedText();
     ASSERT_NE(selected, "");
     sheet.Append(Lines(10'000));
-    sheet.Text();
+    sheet.Content();
     EXPECT_EQ(sheet.selectedText(), selected) << "lines were dropped in front";
 }
 
@@ -217,18 +217,18 @@ TEST_F(WorksheetTest, OutputComesIntoAReadOnlySheet)
 {
     sheet.setReadOnly(true);
     sheet.Append("text");
-    EXPECT_EQ(sheet.Text(), "text");
+    EXPECT_EQ(sheet.Content(), "text");
     EXPECT_TRUE(sheet.isReadOnly());
 }
 
 TEST_F(WorksheetTest, TracebackLinesAreLinks)
 {
     sheet.Append("ö  Fil");
-    sheet.Text();
+    sheet.Content();
     sheet.Append("e \"main.py\", li");
-    EXPECT_TRUE((sheet.Text(), Links().isEmpty()));
+    EXPECT_TRUE((sheet.Content(), Links().isEmpty()));
     sheet.Append("ne 12, in f\nFile \"<stdin>\", line 1\nFile \"/a b.py\", line 3\n");
-    sheet.Text();
+    sheet.Content();
     EXPECT_EQ(Links(), QStringList({"File \"main.py\", line 12", "File \"/a b.py\", line 3"}));
     QSignalSpy chosen(&sheet, &Worksheet::LinkChosen);
     const QPoint link = PointOf(LineStart(sheet, 0) + 12);
@@ -282,7 +282,7 @@ TEST_F(WorksheetTest, ControlReturnAsksForARun)
 {
     QShortcut other(QKeySequence(Qt::CTRL | Qt::Key_Return), &sheet);
     QSignalSpy asked(&sheet, &Worksheet::RunRequested);
-    sheet.SetText("ls -l\n  \npwd");
+    sheet.SetContent("ls -l\n  \npwd");
     const auto press = [&] { QTest::keyClick(&sheet, Qt::Key_Return, Qt::ControlModifier); };
     const auto last = [&] { return asked.isEmpty() ? QString() : asked.takeFirst()[0].toString(); };
     sheet.setCursorPosition(0, 2);
@@ -297,14 +297,14 @@ TEST_F(WorksheetTest, ControlReturnAsksForARun)
     sheet.setSelection(0, 3, 2, 1);
     press();
     EXPECT_EQ(last(), "-l\n  \np");
-    EXPECT_EQ(sheet.Text(), "ls -l\n  \npwd");
+    EXPECT_EQ(sheet.Content(), "ls -l\n  \npwd");
 }
 
 TEST_F(WorksheetTest, ALineWithoutEndIsBroken)
 {
     sheet.Append(std::string(100'000, 'x'));
     sheet.Append("\rlast");
-    const QString text = sheet.Text();
+    const QString text = sheet.Content();
     EXPECT_TRUE(text.endsWith("\nlast"));
     EXPECT_GE(text.size(), 90'000);
     for (int line = 0; line < sheet.lines(); ++line) {

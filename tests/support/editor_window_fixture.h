@@ -41,7 +41,7 @@ class EditorWindow : public testing::Test {
     // Into whatever has the keyboard.
     void Press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
     QAction* Action(const QString& text);
-    std::string Sheet() { return window_->worksheet().Text().toStdString(); }
+    std::string Sheet() { return window_->worksheet().Content().toStdString(); }
     bool SheetShows(const std::string& text);
     // The message above the documents; empty when there is none.
     QString Message();
