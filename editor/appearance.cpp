@@ -61,6 +61,11 @@ QSplitter::handle { background: {window}; border-top: 1px solid {line}; }
 QStatusBar { background: {window}; border-top: 1px solid {line}; }
 QStatusBar::item { border: none; }
 QStatusBar QLabel { color: {muted}; padding: 2px 8px; }
+QToolButton#board { border: 1px solid transparent; padding: 2px 18px 2px 4px; }
+QToolButton#board:hover { background: {line}; }
+QToolButton#board:focus { border-color: {highlight}; }
+QToolButton#board::menu-indicator { subcontrol-origin: padding; subcontrol-position: center right;
+    right: 4px; }
 QFrame#messageBar { background: {message}; border: none; border-bottom: 1px solid {line}; }
 )";
 

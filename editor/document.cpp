@@ -73,7 +73,7 @@ void Document::Recover(const RecoveryCopy& copy)
     SetPath(copy.path);
     encoding_ = copy.encoding;
     stamp_ = copy.stamp;
-    editor_.ReplaceContent(copy.text);
+    editor_.ReplaceContent(QString::fromUtf8(copy.text));
     MarkUnsaved();
 }
 
@@ -114,5 +114,5 @@ void Document::AcceptDisk()
 
 RecoveryCopy Document::Copy() const
 {
-    return {path_, encoding_, editor_.Content(), stamp_};
+    return {path_, encoding_, editor_.Utf8(), stamp_};
 }

@@ -14,7 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // A file is this line, the hash of the rest, and the rest.
-const QByteArray kMark = "quilp recovery copy 2\n";
+const QByteArray kMark = "quilp recovery copy 3\n";
 constexpr auto kHash = QCryptographicHash::Sha256;
 constexpr auto kStreamVersion = QDataStream::Qt_6_0;
 constexpr auto kAnySize = std::numeric_limits<qint64>::max();
@@ -47,7 +47,7 @@ std::optional<RecoveryCopy> FromBytes(const QByteArray& bytes)
     stream.setVersion(kStreamVersion);
     QByteArray path;
     quint8 encoding = 0;
-    QString text;
+    QByteArray text;
     FileStamp stamp;
     stream >> path >> encoding >> text >> stamp.modified >> stamp.size;
     if (stream.status() != QDataStream::Ok || !IsEncoding(encoding)) {

@@ -3,7 +3,7 @@
 #include "document_file.h"
 #include "process_folder.h"
 
-#include <QString>
+#include <QByteArray>
 
 #include <expected>
 #include <list>
@@ -17,7 +17,7 @@
 struct RecoveryCopy {
     std::string path;  // The document's; empty when it has none yet.
     TextEncoding encoding = TextEncoding::Utf8;
-    QString text;
+    QByteArray text;  // UTF-8, whatever the document's encoding is.
     FileStamp stamp = {};  // Of the file as the text's writer knew it.
 };
 

@@ -132,6 +132,11 @@ void TextEditor::ReplaceContent(const QString& text)
     setModified(false);
 }
 
+QByteArray TextEditor::Utf8() const
+{
+    return BytesBetween(*this, 0, Length(*this));
+}
+
 QString TextEditor::Content() const
 {
     return TextOf(*this);

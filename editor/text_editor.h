@@ -29,6 +29,7 @@ class TextEditor final : public QsciScintilla {
 
     // All of it, NUL characters too.
     QString Content() const;
+    QByteArray Utf8() const;
 
     // Makes the selected lines comments, or no comments when all of them are.
     void ToggleComment();

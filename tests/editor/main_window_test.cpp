@@ -18,9 +18,15 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QTest>
 #include <QToolButton>
 #include <QUrl>
+
+#ifdef __linux__
+#include <sched.h>
+#include <sys/mount.h>
+#endif
 
 #include <chrono>
 #include <csignal>
@@ -375,6 +381,32 @@ TEST_F(EditorWindow, TellsWhatCannotBeOpenedOrSavedAndKeepsTheText)
     WhenAskedPress(QMessageBox::Discard);
     EXPECT_TRUE(Close());
 }
+
+#ifdef __linux__
+TEST_F(EditorWindow, KeepsTheTextWhenTheDiskIsFullOrReadOnly)
+{
+    const std::string disk = folder / "disk";
+    std::filesystem::create_directory(disk);
+    // In a view of the disks of this program's own.
+    if (unshare(CLONE_NEWNS) != 0 || mount("", "/", "", MS_REC | MS_PRIVATE, "") != 0 ||
+        mount("none", disk.c_str(), "tmpfs", 0, "size=64k") != 0) {
+        GTEST_SKIP() << "this user may not mount a small disk here";
+    }
+    const auto unmount = qScopeGuard([&] { umount2(disk.c_str(), MNT_DETACH); });
+    Start({Write("disk/a.py", "old\n")});
+    const QString large(100'000, 'x');
+    editor().append(large);
+    EXPECT_FALSE(window().documents().SaveFront());
+    EXPECT_TRUE(Message().contains("No space left")) << Message().toStdString();
+    EXPECT_EQ(ReadFile(disk + "/a.py"), "old\n");
+
+    ASSERT_EQ(mount("none", disk.c_str(), "", MS_REMOUNT | MS_RDONLY, ""), 0);
+    EXPECT_FALSE(window().documents().SaveFront());
+    EXPECT_TRUE(Message().contains("Read-only")) << Message().toStdString();
+    EXPECT_EQ(editor().Content(), "old\n" + large);
+    EXPECT_TRUE(window().documents().Front()->IsModified());
+}
+#endif
 
 TEST_F(EditorWindow, ComesBackAsItWasLeft)
 {
