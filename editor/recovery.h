@@ -17,7 +17,7 @@
 struct RecoveryCopy {
     std::string path;  // The document's; empty when it has none yet.
     TextEncoding encoding = TextEncoding::Utf8;
-    QByteArray text;  // UTF-8, whatever the document's encoding is.
+    QByteArray text;       // UTF-8, whatever the document's encoding is.
     FileStamp stamp = {};  // Of the file as the text's writer knew it.
 };
 
