@@ -3,7 +3,6 @@
 #include "document_file.h"
 #include "recovery.h"
 
-#include <QByteArray>
 #include <QString>
 
 #include <expected>
@@ -20,7 +19,6 @@ class Document {
     // A new text, which has no file yet. `editor` is not owned and must outlive this object.
     Document(TextEditor& editor, QString name);
 
-    TextEditor& editor() const { return editor_; }
     // Full; empty for none yet.
     const std::string& path() const { return path_; }
     // The file's, or the one given.

@@ -10,7 +10,6 @@
 #include <QToolButton>
 
 #include <chrono>
-#include <filesystem>
 #include <utility>
 
 namespace {

@@ -82,7 +82,9 @@ QFont EditorFont()
 {
     QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     const QString preferred = QStringLiteral("JetBrains Mono");
-    if (QFontDatabase::families().contains(preferred)) {
+    // Once: it goes through every font of the system, and each new document asks.
+    static const bool isInstalled = QFontDatabase::families().contains(preferred);
+    if (isInstalled) {
         font.setFamilies({preferred});
     }
     font.setPointSize(kPointSize);

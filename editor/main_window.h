@@ -12,7 +12,6 @@
 
 #include <QMainWindow>
 
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -63,7 +62,6 @@ class MainWindow final : public QMainWindow {
 
     DocumentTabs& documents() { return *tabs_; }
     Worksheet& worksheet() { return *worksheet_; }
-    BoardMonitor& board() { return *board_; }
 
   Q_SIGNALS:
     // Everything is saved, and the program may end.

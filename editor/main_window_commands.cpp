@@ -1,9 +1,7 @@
 // What the editor's window does with the plug-in, the board, the project and the worksheet's lines.
 
-#include "default_shortcuts.h"
 #include "link_target.h"
 #include "main_window.h"
-#include "message_bar.h"
 #include "protect.h"
 #include "run_control.h"
 #include "text_editor.h"
