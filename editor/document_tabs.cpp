@@ -93,8 +93,7 @@ DocumentPage& DocumentTabs::AddPage()
     ++made_;
     const QString name = tr("Untitled %1").arg(made_);
     auto* const page = new DocumentPage(name, std::to_string(made_));
-    connect(&page->editor(), &QsciScintilla::textChanged, page,
-            [this, page] { TextChanged(*page); });
+    connect(&page->editor(), &TextEditor::Changing, page, [this, page] { TextChanged(*page); });
     connect(&page->editor(), &QsciScintilla::modificationChanged, page,
             [this, page] { ShowState(*page); });
     connect(&page->editor(), &TextEditor::FilesDropped, this, &DocumentTabs::FilesDropped);

@@ -1,6 +1,7 @@
 #include "editor_style.h"
 
 #include "appearance.h"
+#include "on_demand_accessibility.h"
 #include "scintilla_text.h"
 
 #include <QFontDatabase>
@@ -93,6 +94,7 @@ QFont EditorFont()
 
 void SetUpEditor(QsciScintilla& editor)
 {
+    new OnDemandAccessibility(editor);  // The editor owns it.
     editor.setUtf8(true);
     editor.setFrameShape(QFrame::NoFrame);
     editor.setExtraAscent(1);

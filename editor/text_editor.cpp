@@ -1,5 +1,6 @@
 #include "text_editor.h"
 
+#include "bracket_match.h"
 #include "document_file.h"
 #include "dropped_files.h"
 #include "editor_style.h"
@@ -45,6 +46,12 @@ long IndentLength(const QByteArray& line)
     return std::find_if_not(line.begin(), line.end(), IsBlank) - line.begin();
 }
 
+qsizetype DigitsOf(int lineCount)
+{
+    constexpr qsizetype kFewest = 3;
+    return std::max(kFewest, QString::number(lineCount).size());
+}
+
 // Several changes that undo takes back at once.
 class UndoStep {
   public:
@@ -64,11 +71,18 @@ TextEditor::TextEditor(QWidget* parent) : QsciScintilla(parent), lexer_(new Pyth
     SetUpEditor(*this);
     SetUpKeys();
     SetUpMargins();
-    setBraceMatching(SloppyBraceMatch);
     setIndentationGuides(true);
     Ask(*this, SCI_SETIDLESTYLING, SC_IDLESTYLING_TOVISIBLE);
     connect(this, &QsciScintillaBase::SCN_CHARADDED, this, &TextEditor::IndentNewLine);
-    connect(this, &QsciScintilla::linesChanged, this, &TextEditor::FitNumberMargin);
+    connect(this, &QsciScintillaBase::SCN_MODIFIED, this, [this](int, int type) {
+        if ((type & (SC_MOD_BEFOREINSERT | SC_MOD_BEFOREDELETE)) != 0) {
+            Q_EMIT Changing();
+        }
+    });
+    connect(this, &QsciScintillaBase::SCN_UPDATEUI, this, [this] {
+        FollowLineCount();
+        MarkBracketsAtCaret(*this);
+    });
     connect(this, &QsciScintillaBase::SCN_ZOOM, this, &TextEditor::FitNumberMargin);
 }
 
@@ -91,9 +105,15 @@ void TextEditor::SetUpMargins()
 
 void TextEditor::FitNumberMargin()
 {
-    constexpr qsizetype kFewestDigits = 3;
-    const auto digits = std::max(kFewestDigits, QString::number(lines()).size());
-    setMarginWidth(kNumberMargin, QString(digits + 1, u'9'));
+    digits_ = DigitsOf(lines());
+    setMarginWidth(kNumberMargin, QString(digits_ + 1, u'9'));
+}
+
+void TextEditor::FollowLineCount()
+{
+    if (DigitsOf(lines()) != digits_) {
+        FitNumberMargin();
+    }
 }
 
 void TextEditor::SetLanguage(Language language)
@@ -111,6 +131,7 @@ void TextEditor::SetContent(const QString& text)
     ReplaceBetween(*this, 0, Length(*this), text.toUtf8());
     Ask(*this, SCI_SETUNDOCOLLECTION, 1);
     Ask(*this, SCI_EMPTYUNDOBUFFER);
+    FollowLineCount();
     setEolMode(ModeFor(text));
     setModified(false);
     Ask(*this, SCI_GOTOPOS, 0);
@@ -127,6 +148,7 @@ void TextEditor::ReplaceContent(const QString& text)
     // Not inside a character.
     const long before = Ask(*this, SCI_POSITIONBEFORE, std::min(start + column, end) + 1);
     Ask(*this, SCI_SETEMPTYSELECTION, std::max(start, before));
+    FollowLineCount();
     Ask(*this, SCI_SETFIRSTVISIBLELINE, firstVisible);
     setEolMode(ModeFor(text));
     setModified(false);

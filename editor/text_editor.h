@@ -42,6 +42,8 @@ class TextEditor final : public QsciScintilla {
     int CaretColumn() const;
 
   Q_SIGNALS:
+    // The text is about to change.
+    void Changing();
     // Full paths of files and folders of this machine.
     void FilesDropped(const QStringList& paths);
 
@@ -56,6 +58,7 @@ class TextEditor final : public QsciScintilla {
     void SetUpKeys();
     void SetUpMargins();
     void FitNumberMargin();
+    void FollowLineCount();
     void IndentNewLine(int character);
     bool OpensBlock(long line) const;
     std::vector<long> SelectedLines() const;
@@ -63,4 +66,5 @@ class TextEditor final : public QsciScintilla {
 
     PythonLexer* lexer_;  // Qt's parent owns it.
     bool isPython_ = false;
+    qsizetype digits_ = 0;  // Of a line's number that the margin has place for.
 };

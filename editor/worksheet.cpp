@@ -80,7 +80,7 @@ void Worksheet::SetUpLinks()
     ApplyLinkStyle();
     connect(this, &QsciScintillaBase::SCN_MODIFIED, this,
             [this](int position, int type, const char*, int length) {
-                MarkChange(position, type, length);
+                NoteChange(position, type, length);
             });
     connect(this, qOverload<int, int>(&QsciScintillaBase::SCN_INDICATORRELEASE), this,
             [this](int position) { Click(position); });
@@ -130,6 +130,7 @@ void Worksheet::AppendAllThatWaits()
 
 void Worksheet::Change(const WorksheetChange& change)
 {
+    MarkChanged();  // What it goes by is moved here.
     const Unannounced whileChanging(*this);
     const bool follows = IsEndInSight(*this);
     const long lastLine = LineStart(*this, lines() - 1);
@@ -174,6 +175,7 @@ void Worksheet::MakeEmpty()
     waiting_.clear();
     taken_ = 0;
     turn_.stop();
+    unchanged_.reset();
     parser_ = {};
     chosen_ = -1;
     const Unannounced whileChanging(*this);
@@ -204,12 +206,27 @@ void Worksheet::MarkLinks(long start, long end)
     }
 }
 
-void Worksheet::MarkChange(int position, int type, int length)
+// Before a change, the only time that Scintilla tells of it.
+void Worksheet::NoteChange(int position, int type, int length)
 {
-    if ((type & SC_MOD_INSERTTEXT) != 0) {
-        MarkLinks(position, position + length);
-    } else if ((type & SC_MOD_DELETETEXT) != 0) {
-        MarkLinks(position, position);
+    if ((type & (SC_MOD_BEFOREINSERT | SC_MOD_BEFOREDELETE)) == 0) {
+        return;
+    }
+    const long deleted = (type & SC_MOD_BEFOREDELETE) != 0 ? length : 0;
+    const Unchanged own{position, Length(*this) - position - deleted};
+    if (unchanged_) {
+        unchanged_->before = std::min(unchanged_->before, own.before);
+        unchanged_->after = std::min(unchanged_->after, own.after);
+        return;
+    }
+    unchanged_ = own;
+    QMetaObject::invokeMethod(this, &Worksheet::MarkChanged, Qt::QueuedConnection);
+}
+
+void Worksheet::MarkChanged()
+{
+    if (const auto unchanged = std::exchange(unchanged_, std::nullopt)) {
+        MarkLinks(unchanged->before, Length(*this) - unchanged->after);
     }
 }
 

@@ -52,6 +52,11 @@ class Worksheet final : public QsciScintilla {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
+    // Bytes at the start and at the end.
+    struct Unchanged {
+        long before, after;
+    };
+
     void SetUpLinks();
     void ApplyLinkStyle();
     void AppendPart();
@@ -59,7 +64,8 @@ class Worksheet final : public QsciScintilla {
     void Change(const WorksheetChange& change);
     void DropOldLines();
     void MarkLinks(long start, long end);
-    void MarkChange(int position, int type, int length);
+    void NoteChange(int position, int type, int length);
+    void MarkChanged();
     std::optional<long> FirstLinkFrom(long position) const;
     std::optional<long> LastLinkBefore(long position) const;
     bool ChooseLinkAt(long position);
@@ -69,5 +75,6 @@ class Worksheet final : public QsciScintilla {
     std::string waiting_;
     std::size_t taken_ = 0;  // From the front of `waiting_`.
     QTimer turn_;
-    long chosen_ = -1;  // Handle of the marker on the chosen line.
+    std::optional<Unchanged> unchanged_;  // While changes by the user wait for their links.
+    long chosen_ = -1;                    // Handle of the marker on the chosen line.
 };

@@ -1,10 +1,12 @@
 #include "text_editor.h"
 
+#include "bracket_match.h"
 #include "scintilla_text.h"
 #include "wait.h"
 
 #include <gtest/gtest.h>
 
+#include <QAccessible>
 #include <QClipboard>
 #include <QDropEvent>
 #include <QGuiApplication>
@@ -240,6 +242,55 @@ TEST_F(TextEditorTest, TheNumberMarginFitsTheNumbers)
                       Qt::ControlModifier, Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(editor.viewport(), &wheel);
     EXPECT_GT(Ask(editor, QsciScintilla::SCI_GETZOOM), 0) << "Control and the wheel";
+}
+
+TEST_F(TextEditorTest, BracketsOfCodeFindTheirPartners)
+{
+    struct Row {
+        const char* text;       // The caret is at "|".
+        long bracket, partner;  // -1: none
+    };
+    for (const Row& row : std::initializer_list<Row>{{"f(a[1]|, {})", 5, 3},
+                                                     {"f(|(a), [b])", 1, 10},
+                                                     {"|(a)", 0, 2},
+                                                     {"(a)|", 2, 0},
+                                                     {"(\"a)\")|", 5, 0},
+                                                     {"f|(a  # )", 1, -1},
+                                                     {"a]|", 1, -1},
+                                                     {"x = \"(|\"", -1, -1},
+                                                     {"a|b", -1, -1},
+                                                     {"|", -1, -1}}) {
+        QString text = row.text;
+        const auto caret = text.indexOf('|');
+        editor.SetContent(text.remove(caret, 1));
+        Ask(editor, QsciScintilla::SCI_COLOURISE, 0, -1);
+        Ask(editor, QsciScintilla::SCI_GOTOPOS, caret);
+        const auto match = MatchBracketAtCaret(editor);
+        EXPECT_EQ(match ? match->bracket : -1, row.bracket) << row.text;
+        EXPECT_EQ(match ? match->partner.value_or(-1) : -1, row.partner) << row.text;
+    }
+    editor.SetContent("(" + ManyLines(100'000) + ")");
+    Ask(editor, QsciScintilla::SCI_GOTOPOS, 1);
+    EXPECT_FALSE(MatchBracketAtCaret(editor)) << "so far away that a search would be felt";
+}
+
+TEST_F(TextEditorTest, AnAssistiveProgramThatComesLaterReadsTheText)
+{
+    const auto text = [&] {
+        return QAccessible::queryAccessibleInterface(&editor)->textInterface();
+    };
+    EXPECT_EQ(text(), nullptr) << "it counts all characters at each key";
+    QSignalSpy changes(&editor, &QsciScintilla::textChanged);
+    QAccessible::setActive(true);
+    ASSERT_NE(text(), nullptr);
+    QTest::keyClicks(&editor, "ab");
+    EXPECT_EQ(text()->text(0, 2), "ab");
+    EXPECT_TRUE(WaitUntil([&] { return text()->cursorPosition() == 2; }));
+    EXPECT_EQ(changes.count(), 2) << "QScintilla tells assistive programs along with it";
+    TextEditor later;
+    EXPECT_NE(QAccessible::queryAccessibleInterface(&later)->textInterface(), nullptr);
+    QAccessible::setActive(false);
+    EXPECT_EQ(text(), nullptr);
 }
 
 TEST_F(TextEditorTest, ChordsOfTheMenusReachThem)

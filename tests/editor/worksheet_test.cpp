@@ -248,10 +248,11 @@ TEST_F(WorksheetTest, TracebackLinesAreLinks)
     EXPECT_EQ(chosen.count(), 1) << "a selection with the mouse is no choice";
     sheet.setCursorPosition(1, 0);
     QTest::keyClicks(&sheet, "File \"typed.py\", line 4 ");
-    EXPECT_EQ(Links().size(), 3);
+    EXPECT_TRUE(WaitUntil([&] { return Links().size() == 3; }));
     QTest::keyClick(&sheet, Qt::Key_Backspace);
     QTest::keyClick(&sheet, Qt::Key_Backspace);
-    EXPECT_EQ(Links().size(), 2) << "what is no link any more is still drawn as one";
+    EXPECT_TRUE(WaitUntil([&] { return Links().size() == 2; }))
+        << "what is no link any more is still drawn as one";
 }
 
 TEST_F(WorksheetTest, LinksAreWalkedThroughBothWays)
