@@ -22,8 +22,12 @@ struct LoadedText {
     TextEncoding encoding = TextEncoding::Utf8;
 };
 
-// A regular file of at most kLargestDocument bytes. What is not valid UTF-8 is Latin-1. `Encode`
-// gives the file's own bytes again.
+// In characters. Each key typed into a line costs the time to lay out all of it; 200 ms in one of
+// this length.
+constexpr qsizetype kLongestLine = 100'000;
+
+// A regular file of at most kLargestDocument bytes, in lines of at most kLongestLine. What is not
+// valid UTF-8 is Latin-1. `Encode` gives the file's own bytes again.
 std::expected<LoadedText, std::string> LoadText(const std::string& path);
 
 // The bytes to save. The error names the first character that the encoding does not have.

@@ -84,10 +84,16 @@ TEST(DocumentFile, WhatCannotBeReadIsRefusedWithASentence)
     fs::create_symlink("fifo", folder / "link");
     fs::resize_file(folder.Write("largest", ""), kLargestDocument);
     fs::resize_file(folder.Write("larger", ""), kLargestDocument + 1);
-    EXPECT_EQ(LoadText(folder / "largest")->text.size(), kLargestDocument);
+    EXPECT_EQ(ReadFileBytes(folder / "largest")->size(), kLargestDocument);
+    const std::string line(kLongestLine, 'x');
+    EXPECT_TRUE(LoadText(folder.Write("longest lines", line + "\r\n" + line)));
+    folder.Write("longer line", "\r\n" + line + "\n" + line + "x\r");
     const std::pair<std::string, const char*> rows[] = {
-        {folder / "missing", "No such file"},       {folder.path(), "is a folder"},
-        {folder / "link", "is not a regular file"}, {folder / "larger", "is larger than 64 MiB"},
+        {folder / "missing", "No such file"},
+        {folder.path(), "is a folder"},
+        {folder / "link", "is not a regular file"},
+        {folder / "larger", "is larger than 64 MiB"},
+        {folder / "longer line", "characters in line 3,"},
         {"/proc/self/mem", "Input/output error"},
     };
     for (const auto& [path, reason] : rows) {
