@@ -11,6 +11,7 @@
 namespace {
 
 constexpr std::chrono::seconds kLookEvery{1};
+constexpr std::chrono::milliseconds kLookAtStartEvery{10};
 
 // Linux's names for a board's own USB port and for a USB serial adapter, then macOS's.
 constexpr std::array<std::string_view, 4> kNodes{"ttyACM", "ttyUSB", "cu.usbmodem", "cu.usbserial"};
@@ -22,6 +23,8 @@ BoardMonitor::BoardMonitor(std::string program, std::string boardFolder, QObject
 {
     connect(&timer_, &QTimer::timeout, this, &BoardMonitor::Look);
     timer_.start(kLookEvery);
+    startTimer_.setInterval(kLookAtStartEvery);
+    connect(&startTimer_, &QTimer::timeout, this, &BoardMonitor::LookAtStart);
     Look();
 }
 
@@ -40,11 +43,11 @@ std::string BoardMonitor::FindRealBoard()
 
 void BoardMonitor::Look()
 {
-    if (virtualBoard_ && !virtualBoard_->IsRunning()) {
+    if (virtualBoard_ && !IsStarting() && !virtualBoard_->IsRunning()) {
         virtualBoard_.reset();
     }
     Board now;
-    if (virtualBoard_) {
+    if (virtualBoard_ && !IsStarting()) {
         now.kind = Kind::Virtual;
     } else if (now.node = FindRealBoard(); !now.node.empty()) {
         now.kind = Kind::Real;
@@ -54,22 +57,40 @@ void BoardMonitor::Look()
     }
 }
 
-std::expected<void, std::string> BoardMonitor::AttachVirtualBoard()
+void BoardMonitor::AttachVirtualBoard()
 {
     if (virtualBoard_) {
-        return {};
+        return;
     }
     auto board = VirtualBoard::Start(program_, boardFolder_);
     if (!board) {
-        return std::unexpected(board.error());
+        return Fail(board.error());
     }
     virtualBoard_.emplace(std::move(*board));
-    Look();
-    return {};
+    startTimer_.start();
+}
+
+void BoardMonitor::LookAtStart()
+{
+    const auto isReady = virtualBoard_->CheckReady();
+    if (!isReady) {
+        UnplugVirtualBoard();
+        return Fail(isReady.error());
+    }
+    if (*isReady) {
+        startTimer_.stop();
+        Look();
+    }
 }
 
 void BoardMonitor::UnplugVirtualBoard()
 {
+    startTimer_.stop();
     virtualBoard_.reset();
     Look();
+}
+
+void BoardMonitor::Fail(const std::string& error)
+{
+    Q_EMIT Failed(QString::fromStdString(error));
 }

@@ -3,9 +3,9 @@
 #include "virtual_board.h"
 
 #include <QObject>
+#include <QString>
 #include <QTimer>
 
-#include <expected>
 #include <optional>
 #include <string>
 
@@ -29,8 +29,10 @@ class BoardMonitor final : public QObject {
     const Board& board() const { return board_; }
     const std::string& boardFolder() const { return boardFolder_; }
 
-    // Waits until the virtual board is ready. The error is a sentence.
-    std::expected<void, std::string> AttachVirtualBoard();
+    // Becomes the board as soon as it is ready, or Failed is emitted.
+    void AttachVirtualBoard();
+    // Also while it starts.
+    bool HasVirtualBoard() const { return virtualBoard_.has_value(); }
     // As if its plug was pulled.
     void UnplugVirtualBoard();
 
@@ -39,13 +41,19 @@ class BoardMonitor final : public QObject {
 
   Q_SIGNALS:
     void Changed();
+    // A sentence for the user.
+    void Failed(const QString& error);
 
   private:
+    bool IsStarting() const { return startTimer_.isActive(); }
     void Look();
+    void LookAtStart();
+    void Fail(const std::string& error);
 
     std::string program_;
     std::string boardFolder_;
     std::optional<VirtualBoard> virtualBoard_;
     Board board_;
     QTimer timer_;
+    QTimer startTimer_;
 };

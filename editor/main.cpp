@@ -73,6 +73,9 @@ std::expected<std::optional<VirtualBoard>, std::string> StartBoard(const Options
     if (!board) {
         return std::unexpected(board.error());
     }
+    if (const auto isReady = board->WaitUntilReady(); !isReady) {
+        return std::unexpected(isReady.error());
+    }
     return std::move(*board);
 }
 

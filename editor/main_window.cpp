@@ -1,8 +1,10 @@
 #include "main_window.h"
 
+#include "commands_menu.h"
+#include "control_tool_bar.h"
 #include "default_shortcuts.h"
 #include "dropped_files.h"
-#include "editor_icons.h"
+#include "editor_status_bar.h"
 #include "file_bytes.h"
 #include "find_bar.h"
 #include "message_bar.h"
@@ -12,14 +14,11 @@
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QFileInfo>
-#include <QLabel>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
 #include <QScreen>
 #include <QSplitter>
-#include <QStatusBar>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 #include <chrono>
@@ -33,25 +32,6 @@ constexpr std::chrono::seconds kLookAtDiskEvery{1};
 constexpr int kMostRecent = 12;
 constexpr QSize kDefaultSize(1000, 760);
 
-QString EncodingName(TextEncoding encoding)
-{
-    switch (encoding) {
-        case TextEncoding::Utf8: return "UTF-8";
-        case TextEncoding::Utf8WithBom: return "UTF-8 BOM";
-        case TextEncoding::Latin1: return "Latin-1";
-    }
-    return {};
-}
-
-QString LineEndingName(int mode)
-{
-    switch (mode) {
-        case QsciScintilla::EolWindows: return "CRLF";
-        case QsciScintilla::EolMac: return "CR";
-        default: return "LF";
-    }
-}
-
 }  // namespace
 
 MainWindow::MainWindow(const PluginModule& plugin, Runtime& runtime, const EditorPlaces& places)
@@ -62,13 +42,13 @@ MainWindow::MainWindow(const PluginModule& plugin, Runtime& runtime, const Edito
       host_(
           plugin, runtime, [this](const std::string& text) { worksheet_->Append(text); }, this),
       shortcuts_({}, {}),
+      project_(new Project(this)),
       board_(new BoardMonitor(places.boardProgram, places.boardFolder, this)),
       shell_(new UserShell(this))
 {
     setAcceptDrops(true);
     setObjectName("editor");
     MakeCentralWidget();
-    MakeStatusBar();
     MakeMenus();
     MakeToolBar();
     ConnectParts();
@@ -110,44 +90,33 @@ void MainWindow::MakeCentralWidget()
     setCentralWidget(splitter_);
 }
 
-void MainWindow::MakeStatusBar()
-{
-    position_ = new QLabel(this);
-    target_ = new QLabel(this);
-    format_ = new QLabel(this);
-    boardButton_ = new QToolButton(this);
-    boardButton_->setObjectName("board");
-    boardButton_->setAutoRaise(true);
-    boardButton_->setFocusPolicy(Qt::TabFocus);
-    boardButton_->setPopupMode(QToolButton::InstantPopup);
-    boardButton_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    boardButton_->setIcon(EditorIcon("board"));
-    statusBar()->addWidget(position_);
-    for (QWidget* widget : std::initializer_list<QWidget*>{target_, format_, boardButton_}) {
-        statusBar()->addPermanentWidget(widget);
-    }
-}
-
 void MainWindow::ConnectParts()
 {
     connect(tabs_, &DocumentTabs::FrontChanged, this, &MainWindow::ShowFront);
     connect(tabs_, &DocumentTabs::Failed, this, &MainWindow::Tell);
     connect(tabs_, &DocumentTabs::FilesDropped, this, &MainWindow::OpenFiles);
-    connect(tabs_, &DocumentTabs::Opened, this, [this](const QString& path) {
-        session_.recent.removeAll(path);
-        session_.recent.prepend(path);
-        session_.recent = session_.recent.mid(0, kMostRecent);
-    });
-    connect(board_, &BoardMonitor::Changed, this, &MainWindow::ShowBoard);
+    connect(tabs_, &DocumentTabs::Opened, this, &MainWindow::NoteRecent);
+    connect(project_, &Project::Changed, this, &MainWindow::ShowProject);
+    connect(board_, &BoardMonitor::Changed, this, [this] { status_->ShowBoard(board_->board()); });
+    connect(board_, &BoardMonitor::Failed, this, &MainWindow::Tell);
     connect(worksheet_, &Worksheet::LinkChosen, this, &MainWindow::FollowLink);
     connect(worksheet_, &Worksheet::RunRequested, this, &MainWindow::RunLine);
     connect(shell_, &UserShell::Output, this,
             [this](const std::string& text) { worksheet_->Append(text); });
+    connect(commandsMenu_, &CommandsMenu::Chosen, this, &MainWindow::Perform);
+    connect(toolBar_, &ControlToolBar::ControlPressed, this, &MainWindow::PressControl);
+    connect(toolBar_, &ControlToolBar::MenuRequested, this, &MainWindow::OpenPopUp);
     connect(&diskTimer_, &QTimer::timeout, this, &MainWindow::CheckDisk);
     diskTimer_.start(kLookAtDiskEvery);
     runtime_.SetWindowClosedHandler([this] { SavePluginSettings(); });
-    ShowBoard();
-    ShowTarget();
+    status_->ShowBoard(board_->board());
+}
+
+void MainWindow::NoteRecent(const QString& path)
+{
+    session_.recent.removeAll(path);
+    session_.recent.prepend(path);
+    session_.recent = session_.recent.mid(0, kMostRecent);
 }
 
 std::expected<void, std::string> MainWindow::Start()
@@ -160,7 +129,7 @@ std::expected<void, std::string> MainWindow::Start()
     }
     shortcuts_ = Shortcuts(kDefaultShortcuts, OwnShortcuts());
     auto loaded = LoadSession(SessionPath(), shortcuts_);
-    AddPluginCommands();
+    commandsMenu_->AddCommands(host_.commands());
     Restore(loaded.session);
     if (problem) {
         Tell(QString::fromStdString(*problem));
@@ -187,6 +156,8 @@ Session MainWindow::Current() const
     Session session = session_;
     session.geometry = saveGeometry();
     session.splitter = splitter_->saveState();
+    session.folder = project_->folder();
+    session.target = project_->target();
     session.files = tabs_->Paths();
     const auto* const front = tabs_->Front();
     session.front = front != nullptr ? QString::fromStdString(front->path()) : QString();
@@ -199,8 +170,8 @@ void MainWindow::Restore(const Session& session)
     restoreGeometry(session.geometry);
     splitter_->restoreState(session.splitter);
     SetEditorAppearance(session.appearance);
-    SetFolder(session.folder);
-    SetTarget(session.target);
+    project_->SetFolder(session.folder);
+    project_->SetTarget(session.target);
     std::error_code ignored;
     if (std::filesystem::exists(WorksheetPath(), ignored)) {
         if (const auto text = LoadText(WorksheetPath())) {
@@ -214,7 +185,7 @@ void MainWindow::OpenFiles(const QStringList& files)
     const auto& wanted = files.isEmpty() && tabs_->count() == 0 ? session_.files : files;
     for (const auto& path : wanted) {
         if (QFileInfo(path).isDir()) {
-            SetFolder(path);
+            project_->SetFolder(path);
             continue;
         }
         // What is gone since last time is no reason for a message.
@@ -280,54 +251,44 @@ void MainWindow::ShowFront()
     }
     setWindowTitle(front != nullptr ? front->Name() + "[*] – Quilp" : "Quilp");
     setWindowModified(front != nullptr && front->IsModified());
+    for (auto* const action : documentActions_) {
+        action->setEnabled(page != nullptr);
+    }
     if (page != nullptr) {
-        connect(&page->editor(), &QsciScintilla::cursorPositionChanged, this,
-                &MainWindow::ShowPosition, Qt::UniqueConnection);
-        connect(&page->editor(), &QsciScintilla::SCN_ZOOM, this, &MainWindow::TakeZoom,
-                Qt::UniqueConnection);
+        ConnectFront();
         page->editor().zoomTo(session_.zoom);
     }
-    ShowPosition();
+    status_->ShowDocument(page);
     ShowControls();
+}
+
+void MainWindow::ConnectFront()
+{
+    auto& editor = tabs_->FrontPage()->editor();
+    connect(&editor, &QsciScintilla::cursorPositionChanged, this, &MainWindow::ShowPosition,
+            Qt::UniqueConnection);
+    connect(&editor, &QsciScintilla::SCN_ZOOM, this, &MainWindow::TakeZoom, Qt::UniqueConnection);
 }
 
 void MainWindow::ShowPosition()
 {
-    auto* const page = tabs_->FrontPage();
-    if (page == nullptr) {
-        position_->clear();
-        format_->clear();
-        return;
-    }
-    auto& editor = page->editor();
-    position_->setText(tr("Ln %1, Col %2").arg(editor.CaretLine()).arg(editor.CaretColumn()));
-    const QString format = EncodingName(page->document().encoding()) + "   " +
-                           LineEndingName(editor.eolMode()) + "   " +
-                           (editor.lexer() != nullptr ? "Python" : tr("Plain text"));
-    format_->setText(format);
+    status_->ShowDocument(tabs_->FrontPage());
 }
 
-void MainWindow::ShowTarget()
+void MainWindow::ShowProject()
 {
-    const auto name = [](const QString& path) { return QFileInfo(path).fileName(); };
-    const QString project = session_.folder.isEmpty() ? QString() : name(session_.folder) + "   ";
-    const QString file = QString::fromStdString(host_.TargetRef(0).path());
-    target_->setText(project +
-                     (file.isEmpty() ? tr("No target") : tr("Target: %1").arg(name(file))));
-    target_->setToolTip(file);
+    host_.SetTarget(project_->target().toStdString());
+    host_.SetProjectTarget(project_->folderTarget().toStdString());
+    const auto& target =
+        project_->target().isEmpty() ? project_->folderTarget() : project_->target();
+    status_->ShowProject(project_->folder(), target);
+    ShowControls();
 }
 
-void MainWindow::ShowBoard()
+// The plug-in offers its controls for the front document as it is now.
+void MainWindow::ShowControls()
 {
-    const auto& board = board_->board();
-    QString text = tr("No board");
-    if (board.kind == BoardMonitor::Kind::Real) {
-        text = tr("Board on %1").arg(QString::fromStdString(board.node));
-    } else if (board.kind == BoardMonitor::Kind::Virtual) {
-        text = tr("Virtual board");
-    }
-    boardButton_->setText(text);
-    boardButton_->setAccessibleName(text);
+    toolBar_->ShowControls(host_.OfferedControls());
 }
 
 // While the user answers a question there is no second one.
@@ -336,7 +297,7 @@ void MainWindow::CheckDisk()
     if (isActiveWindow() && QApplication::activeModalWidget() == nullptr &&
         QApplication::activePopupWidget() == nullptr) {
         tabs_->CheckDisk();
-        FindProjectTarget();
+        project_->FindFolderTarget();
     }
 }
 

@@ -4,6 +4,7 @@
 #include "document_tabs.h"
 #include "editor_host.h"
 #include "plugin_settings.h"
+#include "project.h"
 #include "session.h"
 #include "shortcuts.h"
 #include "user_folders.h"
@@ -15,13 +16,12 @@
 #include <string>
 #include <vector>
 
+class CommandsMenu;
+class ControlToolBar;
+class EditorStatusBar;
 class FindBar;
 class MessageBar;
-class QActionGroup;
-class QLabel;
 class QSplitter;
-class QToolBar;
-class QToolButton;
 class QsciScintilla;
 
 // Where the programs and files are that the editor works with.
@@ -48,9 +48,7 @@ class MainWindow final : public QMainWindow {
     // A folder among them becomes the project. The documents of last time when `files` is empty.
     // What cannot be opened is told in the window.
     void OpenFiles(const QStringList& files);
-    void SetTarget(const QString& path);
     void SetEditorAppearance(Appearance appearance);
-    void AttachVirtualBoard();
     void OpenDeviceWindow();
 
     // Tells the user of something that the plug-in threw.
@@ -61,6 +59,8 @@ class MainWindow final : public QMainWindow {
     void EndAtOnce();
 
     DocumentTabs& documents() { return *tabs_; }
+    Project& project() { return *project_; }
+    BoardMonitor& board() { return *board_; }
     Worksheet& worksheet() { return *worksheet_; }
 
   Q_SIGNALS:
@@ -76,16 +76,17 @@ class MainWindow final : public QMainWindow {
   private:
     // The window and its parts.
     void MakeCentralWidget();
-    void MakeStatusBar();
     void ConnectParts();
+    void ConnectFront();
     void ShowFront();
     void ShowPosition();
-    void ShowTarget();
-    void ShowBoard();
+    void ShowProject();
+    void ShowControls();
     void Tell(const QString& message);
     void GoToMessage();
     void OfferRecovery();
     void CheckDisk();
+    void NoteRecent(const QString& path);
 
     // The session.
     Session Current() const;
@@ -98,6 +99,8 @@ class MainWindow final : public QMainWindow {
     // The menus.
     QAction* Add(QMenu* menu, const QString& text, const QKeySequence& keys,
                  const std::function<void()>& action);
+    QAction* AddForDocument(QMenu* menu, const QString& text, const QKeySequence& keys,
+                            const std::function<void(DocumentPage& page)>& action);
     void MakeMenus();
     void MakeFileMenu();
     void MakeRecentMenu(QMenu* parent);
@@ -106,30 +109,28 @@ class MainWindow final : public QMainWindow {
     void MakeViewMenu();
     void MakeAppearanceMenu(QMenu* parent);
     void MakeCommandsMenu();
-    void AddPluginCommands();
     void MakeProjectMenu();
     void MakeWorksheetMenu();
-    void MakeBoardMenu();
+    QMenu* MakeBoardMenu();
     void MakeHelpMenu();
     void MakeToolBar();
     std::vector<NamedShortcut> OwnShortcuts() const;
-    void ShowShortcuts();
-    void ChangeShortcuts();
-    void ShowPluginHelp();
-    void ShowAbout();
 
     // What the menus do.
     QsciScintilla* FocusedText() const;
     bool IsFindBarFocused() const;
+    void Edit(const char* slot);
     void Search(const std::function<void()>& search);
     void OpenByDialog();
-    void GoToLine();
+    void GoToLine(DocumentPage& page);
     void ZoomTo(int zoom);
     void TakeZoom();
     void SwitchToWorksheetAndBack();
     void OpenFolderByDialog();
-    void SetFolder(const QString& folder);
-    void FindProjectTarget();
+    void MakeTarget(const Document& document);
+    void ShowBoardFolder();
+    void ShowPluginHelp();
+    void ShowAbout();
 
     // The plug-in's commands.
     bool SaveForCommand();
@@ -137,8 +138,6 @@ class MainWindow final : public QMainWindow {
     void Perform(const std::string& command);
     void PressControl();
     void OpenPopUp(const QWidget& control);
-    void OpenPopUpFromMenu();
-    void ShowControls();
     void RunLine(const QString& text);
     void FollowLink(const QString& path, int line);
     std::string WorkingFolder() const;
@@ -149,29 +148,21 @@ class MainWindow final : public QMainWindow {
     PluginSettings settings_;
     EditorHost host_;
     Shortcuts shortcuts_;
-    Session session_;
+    Session session_;  // What no other part holds is as now, the rest as at the start.
+    QTimer diskTimer_;
 
-    BoardMonitor* board_ = nullptr;
-    UserShell* shell_ = nullptr;
+    // Qt's parents own these.
+    Project* project_;
+    BoardMonitor* board_;
+    UserShell* shell_;
     DocumentTabs* tabs_ = nullptr;
     Worksheet* worksheet_ = nullptr;
     FindBar* findBar_ = nullptr;
     QSplitter* splitter_ = nullptr;
     MessageBar* messages_ = nullptr;
     MessageBar* recovery_ = nullptr;
-    QToolBar* toolBar_ = nullptr;
-    QAction* controlsEnd_ = nullptr;
-    std::vector<std::string> offeredControls_;
-    std::vector<QAction*> controlActions_;
-    QMenu* commandsMenu_ = nullptr;
-    QAction* commandsEnd_ = nullptr;
-    QMenu* boardMenu_ = nullptr;
-    QActionGroup* appearances_ = nullptr;
-    std::map<std::string, QAction*> commandActions_;
-    QLabel* position_ = nullptr;
-    QLabel* target_ = nullptr;
-    QLabel* format_ = nullptr;
-    QToolButton* boardButton_ = nullptr;
-    QString projectTarget_;
-    QTimer diskTimer_;
+    CommandsMenu* commandsMenu_ = nullptr;
+    ControlToolBar* toolBar_ = nullptr;
+    EditorStatusBar* status_ = nullptr;
+    std::vector<QAction*> documentActions_;  // That need a document in front.
 };

@@ -1,21 +1,15 @@
-// What the editor's window does with the plug-in, the board, the project and the worksheet's lines.
+// What the editor's window does with the plug-in and the worksheet's lines.
 
 #include "link_target.h"
 #include "main_window.h"
-#include "protect.h"
-#include "run_control.h"
 #include "text_editor.h"
 
 #include <QDir>
-#include <QFileInfo>
-#include <QMessageBox>
-#include <QToolBar>
 
 #include <algorithm>
 #include <array>
 #include <filesystem>
 #include <string_view>
-#include <utility>
 
 namespace {
 
@@ -86,37 +80,6 @@ void MainWindow::OpenPopUp(const QWidget& control)
         {corner.x(), corner.y(), corner.x() + control.width(), corner.y() + control.height()});
 }
 
-void MainWindow::OpenPopUpFromMenu()
-{
-    const auto* const control =
-        controlActions_.empty() ? toolBar_ : toolBar_->widgetForAction(controlActions_.front());
-    OpenPopUp(*control);
-}
-
-// The plug-in offers its controls for the front document as it is now.
-void MainWindow::ShowControls()
-{
-    const auto offered = host_.OfferedControls();
-    if (offered == offeredControls_) {
-        return;
-    }
-    offeredControls_ = offered;
-    for (auto* const action : controlActions_) {
-        toolBar_->removeAction(action);
-        action->deleteLater();
-    }
-    controlActions_.clear();
-    for (const auto& name : offered) {
-        auto* const control = new RunControl(QString::fromStdString(name), toolBar_);
-        connect(control, &RunControl::clicked, this, &MainWindow::PressControl);
-        // Queued: the menu runs an event loop, and the press must be over by then.
-        connect(
-            control, &RunControl::MenuRequested, control, [this, control] { OpenPopUp(*control); },
-            Qt::QueuedConnection);
-        controlActions_.push_back(toolBar_->insertWidget(controlsEnd_, control));
-    }
-}
-
 void MainWindow::OpenDeviceWindow()
 {
     if (!host_.PerformFromMenu(kOpenDeviceWindow)) {
@@ -124,56 +87,13 @@ void MainWindow::OpenDeviceWindow()
     }
 }
 
-void MainWindow::ShowPluginHelp()
-{
-    QString text;
-    Protect([&] { text = QString::fromStdString(plugin_.Help()); });
-    QMessageBox box(QMessageBox::Information, tr("Plug-in Help"), text, QMessageBox::Ok, this);
-    box.setTextFormat(Qt::PlainText);
-    box.exec();
-}
-
-void MainWindow::AttachVirtualBoard()
-{
-    if (const auto attached = board_->AttachVirtualBoard(); !attached) {
-        Tell(QString::fromStdString(attached.error()));
-    }
-}
-
-void MainWindow::SetFolder(const QString& folder)
-{
-    session_.folder = QFileInfo(folder).isDir() ? QFileInfo(folder).absoluteFilePath() : QString();
-    FindProjectTarget();
-}
-
-// It comes and goes with the file.
-void MainWindow::FindProjectTarget()
-{
-    const QFileInfo main(session_.folder + "/main.py");
-    const bool isThere = !session_.folder.isEmpty() && main.isFile();
-    const QString found = isThere ? main.absoluteFilePath() : QString();
-    if (std::exchange(projectTarget_, found) != found) {
-        host_.SetProjectTarget(found.toStdString());
-        ShowControls();
-    }
-    ShowTarget();
-}
-
-void MainWindow::SetTarget(const QString& path)
-{
-    session_.target = QFileInfo(path).isFile() ? QFileInfo(path).absoluteFilePath() : QString();
-    host_.SetTarget(session_.target.toStdString());
-    ShowTarget();
-    ShowControls();
-}
-
 std::string MainWindow::WorkingFolder() const
 {
     const auto* const front = tabs_->Front();
-    if (session_.folder.isEmpty() && front != nullptr && !front->path().empty()) {
+    if (project_->folder().isEmpty() && front != nullptr && !front->path().empty()) {
         return std::filesystem::path(front->path()).parent_path().string();
     }
-    return (session_.folder.isEmpty() ? QDir::homePath() : session_.folder).toStdString();
+    return (project_->folder().isEmpty() ? QDir::homePath() : project_->folder()).toStdString();
 }
 
 void MainWindow::RunLine(const QString& text)
@@ -188,7 +108,7 @@ void MainWindow::FollowLink(const QString& path, int line)
 {
     const auto file =
         FindLinkedFile(path.toStdString(),
-                       {WorkingFolder(), session_.folder.toStdString(), board_->boardFolder()});
+                       {WorkingFolder(), project_->folder().toStdString(), board_->boardFolder()});
     if (file.empty()) {
         Tell(tr("There is no file %1 here.").arg(path));
     } else if (tabs_->Open(QString::fromStdString(file))) {

@@ -1,10 +1,11 @@
 // The editor's menus: what stands in them, and what belongs to no other part of the window.
 
-#include "command_labels.h"
-#include "editor_icons.h"
+#include "commands_menu.h"
+#include "control_tool_bar.h"
+#include "editor_status_bar.h"
 #include "find_bar.h"
 #include "main_window.h"
-#include "shortcuts_dialog.h"
+#include "protect.h"
 #include "text_editor.h"
 
 #include <QActionGroup>
@@ -15,8 +16,6 @@
 #include <QInputDialog>
 #include <QMenuBar>
 #include <QMessageBox>
-#include <QToolBar>
-#include <QToolButton>
 #include <QUrl>
 
 #include <algorithm>
@@ -31,6 +30,18 @@ QAction* MainWindow::Add(QMenu* menu, const QString& text, const QKeySequence& k
     return added;
 }
 
+// Of no use, and not to be chosen, while no document is open.
+QAction* MainWindow::AddForDocument(QMenu* menu, const QString& text, const QKeySequence& keys,
+                                    const std::function<void(DocumentPage& page)>& action)
+{
+    documentActions_.push_back(Add(menu, text, keys, [this, action] {
+        if (auto* const page = tabs_->FrontPage()) {
+            action(*page);
+        }
+    }));
+    return documentActions_.back();
+}
+
 void MainWindow::MakeMenus()
 {
     MakeFileMenu();
@@ -40,7 +51,8 @@ void MainWindow::MakeMenus()
     MakeCommandsMenu();
     MakeProjectMenu();
     MakeWorksheetMenu();
-    MakeBoardMenu();
+    status_ = new EditorStatusBar(MakeBoardMenu(), this);
+    setStatusBar(status_);
     MakeHelpMenu();
 }
 
@@ -51,12 +63,14 @@ void MainWindow::MakeFileMenu()
     Add(menu, tr("&Open…"), QKeySequence::Open, [this] { OpenByDialog(); });
     MakeRecentMenu(menu);
     menu->addSeparator();
-    Add(menu, tr("&Save"), QKeySequence::Save, [this] { tabs_->SaveFront(); });
-    Add(menu, tr("Save &As…"), QKeySequence("Ctrl+Shift+S"), [this] { tabs_->SaveFrontAs(); });
-    Add(menu, tr("Save A&ll"), QKeySequence("Ctrl+Alt+S"), [this] { tabs_->SaveAll(); });
+    AddForDocument(menu, tr("&Save"), QKeySequence::Save, [this](auto&) { tabs_->SaveFront(); });
+    AddForDocument(menu, tr("Save &As…"), QKeySequence("Ctrl+Shift+S"),
+                   [this](auto&) { tabs_->SaveFrontAs(); });
+    AddForDocument(menu, tr("Save A&ll"), QKeySequence("Ctrl+Alt+S"),
+                   [this](auto&) { tabs_->SaveAll(); });
     menu->addSeparator();
-    Add(menu, tr("&Close"), QKeySequence("Ctrl+W"),
-        [this] { tabs_->Close(tabs_->currentIndex()); });
+    AddForDocument(menu, tr("&Close"), QKeySequence("Ctrl+W"),
+                   [this](auto&) { tabs_->Close(tabs_->currentIndex()); });
     Add(menu, tr("&Quit"), QKeySequence("Ctrl+Q"), [this] { close(); });
 }
 
@@ -92,15 +106,8 @@ bool MainWindow::IsFindBarFocused() const
 void MainWindow::MakeEditMenu()
 {
     auto* const menu = menuBar()->addMenu(tr("&Edit"));
-    // The fields of the find bar have slots of the same names as the texts.
     const auto add = [&](const QString& text, const char* keys, const char* slot) {
-        Add(menu, text, QKeySequence(keys), [this, slot] {
-            auto* const target = IsFindBarFocused() ? QApplication::focusWidget() : FocusedText();
-            if (target != nullptr &&
-                target->metaObject()->indexOfSlot(QByteArray(slot).append("()").constData()) >= 0) {
-                QMetaObject::invokeMethod(target, slot);
-            }
-        });
+        Add(menu, text, QKeySequence(keys), [this, slot] { Edit(slot); });
     };
     add(tr("&Undo"), "Ctrl+Z", "undo");
     add(tr("&Redo"), "Ctrl+Shift+Z", "redo");
@@ -110,11 +117,18 @@ void MainWindow::MakeEditMenu()
     add(tr("&Paste"), "Ctrl+V", "paste");
     add(tr("Select &All"), "Ctrl+A", "selectAll");
     menu->addSeparator();
-    Add(menu, tr("Comment or Unco&mment"), QKeySequence("Ctrl+/"), [this] {
-        if (auto* const page = tabs_->FrontPage()) {
-            page->editor().ToggleComment();
-        }
-    });
+    AddForDocument(menu, tr("Comment or Unco&mment"), QKeySequence("Ctrl+/"),
+                   [](DocumentPage& page) { page.editor().ToggleComment(); });
+}
+
+// The fields of the find bar have slots of the same names as the texts.
+void MainWindow::Edit(const char* slot)
+{
+    auto* const target = IsFindBarFocused() ? QApplication::focusWidget() : FocusedText();
+    if (target != nullptr &&
+        target->metaObject()->indexOfSlot(QByteArray(slot).append("()").constData()) >= 0) {
+        QMetaObject::invokeMethod(target, slot);
+    }
 }
 
 void MainWindow::MakeSearchMenu()
@@ -129,7 +143,8 @@ void MainWindow::MakeSearchMenu()
     Add(menu, tr("Find &Previous"), QKeySequence("Shift+F3"),
         [this] { Search([this] { findBar_->FindPrevious(); }); });
     menu->addSeparator();
-    Add(menu, tr("&Go to Line…"), QKeySequence("Ctrl+G"), [this] { GoToLine(); });
+    AddForDocument(menu, tr("&Go to Line…"), QKeySequence("Ctrl+G"),
+                   [this](DocumentPage& page) { GoToLine(page); });
 }
 
 // In the text that the user works in, also from within the find bar.
@@ -141,13 +156,9 @@ void MainWindow::Search(const std::function<void()>& search)
     search();
 }
 
-void MainWindow::GoToLine()
+void MainWindow::GoToLine(DocumentPage& page)
 {
-    auto* const page = tabs_->FrontPage();
-    if (page == nullptr) {
-        return;
-    }
-    auto& editor = page->editor();
+    auto& editor = page.editor();
     bool accepted = false;
     const int line = QInputDialog::getInt(this, tr("Go to Line"), tr("Line:"), editor.CaretLine(),
                                           1, editor.lines(), 1, &accepted);
@@ -180,14 +191,14 @@ void MainWindow::MakeViewMenu()
 void MainWindow::MakeAppearanceMenu(QMenu* parent)
 {
     auto* const menu = parent->addMenu(tr("&Appearance"));
-    appearances_ = new QActionGroup(menu);
+    auto* const appearances = new QActionGroup(menu);
     for (const auto& [text, appearance] :
          {std::pair(tr("As the &Desktop"), Appearance::System),
           std::pair(tr("&Light"), Appearance::Light), std::pair(tr("D&ark"), Appearance::Dark)}) {
         auto* const action =
             Add(menu, text, {}, [this, wanted = appearance] { SetEditorAppearance(wanted); });
         action->setCheckable(true);
-        appearances_->addAction(action);
+        appearances->addAction(action);
         connect(menu, &QMenu::aboutToShow, action, [this, action, wanted = appearance] {
             action->setChecked(session_.appearance == wanted);
         });
@@ -232,7 +243,7 @@ void MainWindow::OpenByDialog()
     const auto* const front = tabs_->Front();
     const QString folder = front != nullptr && !front->path().empty()
                                ? QFileInfo(QString::fromStdString(front->path())).path()
-                               : session_.folder;
+                               : project_->folder();
     const QStringList files = QFileDialog::getOpenFileNames(
         this, tr("Open"), folder, tr("Python (*.py *.pyw);;All files (*)"));
     if (!files.isEmpty()) {
@@ -242,10 +253,10 @@ void MainWindow::OpenByDialog()
 
 void MainWindow::MakeCommandsMenu()
 {
-    commandsMenu_ = menuBar()->addMenu(tr("&Commands"));
-    commandsEnd_ = commandsMenu_->addSeparator();
+    commandsMenu_ = new CommandsMenu(shortcuts_, this);
+    menuBar()->addMenu(commandsMenu_);
     Add(commandsMenu_, tr("&Menu of All Commands"), QKeySequence("Alt+Return"),
-        [this] { OpenPopUpFromMenu(); });
+        [this] { OpenPopUp(toolBar_->FirstControl()); });
     Add(commandsMenu_, tr("&Device Window"), QKeySequence("F8"), [this] { OpenDeviceWindow(); });
     commandsMenu_->addSeparator();
     auto* const saves = Add(commandsMenu_, tr("Save &before Commands"), {}, [] {});
@@ -254,34 +265,7 @@ void MainWindow::MakeCommandsMenu()
             [this](bool checked) { session_.savesBeforeCommands = checked; });
     connect(commandsMenu_, &QMenu::aboutToShow, saves,
             [this, saves] { saves->setChecked(session_.savesBeforeCommands); });
-    Add(commandsMenu_, tr("S&hortcuts…"), {}, [this] { ChangeShortcuts(); });
-}
-
-void MainWindow::AddPluginCommands()
-{
-    for (const auto& command : host_.commands()) {
-        auto* const action = new QAction(CommandLabel(command), commandsMenu_);
-        action->setStatusTip(QString::fromStdString(command.description));
-        action->setToolTip(action->statusTip());
-        connect(action, &QAction::triggered, this, [this, name = command.name] { Perform(name); });
-        commandsMenu_->insertAction(commandsEnd_, action);
-        commandActions_[command.name] = action;
-    }
-    ShowShortcuts();
-}
-
-void MainWindow::ShowShortcuts()
-{
-    for (const auto& [name, action] : commandActions_) {
-        action->setShortcut(shortcuts_.Shortcut(name));
-    }
-}
-
-void MainWindow::ChangeShortcuts()
-{
-    if (ShortcutsDialog(shortcuts_, host_.commands(), this).exec() == QDialog::Accepted) {
-        ShowShortcuts();
-    }
+    Add(commandsMenu_, tr("S&hortcuts…"), {}, [this] { commandsMenu_->ChangeShortcuts(); });
 }
 
 // The editor's own, which no command of the plug-in may take.
@@ -292,7 +276,7 @@ std::vector<NamedShortcut> MainWindow::OwnShortcuts() const
         own.push_back({tr("the menu %1").arg(action->text().remove('&')).toStdString(),
                        QKeySequence::mnemonic(action->text()).toString()});
     }
-    for (const auto* menu : menuBar()->findChildren<QMenu*>()) {
+    for (const auto* menu : findChildren<QMenu*>()) {
         for (const auto* action : menu->actions()) {
             for (const auto& keys : action->shortcuts()) {
                 own.push_back({action->text().remove('&').toStdString(),
@@ -307,24 +291,28 @@ void MainWindow::MakeProjectMenu()
 {
     auto* const menu = menuBar()->addMenu(tr("&Project"));
     Add(menu, tr("&Open Folder…"), QKeySequence("Ctrl+Shift+O"), [this] { OpenFolderByDialog(); });
-    Add(menu, tr("&Close Folder"), {}, [this] { SetFolder({}); });
+    Add(menu, tr("&Close Folder"), {}, [this] { project_->SetFolder({}); });
     menu->addSeparator();
-    Add(menu, tr("Make This Document the &Target"), QKeySequence("Ctrl+T"), [this] {
-        if (const auto* const front = tabs_->Front(); front != nullptr && !front->path().empty()) {
-            SetTarget(QString::fromStdString(front->path()));
-        } else {
-            Tell(tr("The document has no file yet; save it first."));
-        }
-    });
-    Add(menu, tr("&No Target of Its Own"), QKeySequence("Ctrl+Shift+T"), [this] { SetTarget({}); });
+    AddForDocument(menu, tr("Make This Document the &Target"), QKeySequence("Ctrl+T"),
+                   [this](DocumentPage& page) { MakeTarget(page.document()); });
+    Add(menu, tr("&No Target of Its Own"), QKeySequence("Ctrl+Shift+T"),
+        [this] { project_->SetTarget({}); });
+}
+
+void MainWindow::MakeTarget(const Document& document)
+{
+    if (document.path().empty()) {
+        return Tell(tr("The document has no file yet; save it first."));
+    }
+    project_->SetTarget(QString::fromStdString(document.path()));
 }
 
 void MainWindow::OpenFolderByDialog()
 {
     const QString folder =
-        QFileDialog::getExistingDirectory(this, tr("Open Folder"), session_.folder);
+        QFileDialog::getExistingDirectory(this, tr("Open Folder"), project_->folder());
     if (!folder.isEmpty()) {
-        SetFolder(folder);
+        project_->SetFolder(folder);
     }
 }
 
@@ -344,27 +332,29 @@ void MainWindow::MakeWorksheetMenu()
     Add(menu, tr("&Clear"), QKeySequence("Ctrl+Shift+K"), [this] { worksheet_->MakeEmpty(); });
 }
 
-void MainWindow::MakeBoardMenu()
+QMenu* MainWindow::MakeBoardMenu()
 {
-    boardMenu_ = menuBar()->addMenu(tr("&Board"));
+    auto* const menu = menuBar()->addMenu(tr("&Board"));
     auto* const attach =
-        Add(boardMenu_, tr("&Attach Virtual Board"), {}, [this] { AttachVirtualBoard(); });
+        Add(menu, tr("&Attach Virtual Board"), {}, [this] { board_->AttachVirtualBoard(); });
     auto* const unplug =
-        Add(boardMenu_, tr("&Unplug Virtual Board"), {}, [this] { board_->UnplugVirtualBoard(); });
-    connect(boardMenu_, &QMenu::aboutToShow, this, [this, attach, unplug] {
-        const bool isVirtual = board_->board().kind == BoardMonitor::Kind::Virtual;
-        attach->setEnabled(!isVirtual);
-        unplug->setEnabled(isVirtual);
+        Add(menu, tr("&Unplug Virtual Board"), {}, [this] { board_->UnplugVirtualBoard(); });
+    connect(menu, &QMenu::aboutToShow, this, [this, attach, unplug] {
+        attach->setEnabled(!board_->HasVirtualBoard());
+        unplug->setEnabled(board_->HasVirtualBoard());
     });
-    Add(boardMenu_, tr("Show the Virtual Board's &Folder"), {}, [this] {
-        const QString folder = QString::fromStdString(board_->boardFolder());
-        if (!QFileInfo(folder).isDir() || !QDesktopServices::openUrl(QUrl::fromLocalFile(folder))) {
-            Tell(tr("The virtual board's files are in %1.").arg(folder));
-        }
-    });
-    boardMenu_->addSeparator();
-    Add(boardMenu_, tr("&Device Window"), {}, [this] { OpenDeviceWindow(); });
-    boardButton_->setMenu(boardMenu_);
+    Add(menu, tr("Show the Virtual Board's &Folder"), {}, [this] { ShowBoardFolder(); });
+    menu->addSeparator();
+    Add(menu, tr("&Device Window"), {}, [this] { OpenDeviceWindow(); });
+    return menu;
+}
+
+void MainWindow::ShowBoardFolder()
+{
+    const QString folder = QString::fromStdString(board_->boardFolder());
+    if (!QFileInfo(folder).isDir() || !QDesktopServices::openUrl(QUrl::fromLocalFile(folder))) {
+        Tell(tr("The virtual board's files are in %1.").arg(folder));
+    }
 }
 
 void MainWindow::MakeHelpMenu()
@@ -372,6 +362,15 @@ void MainWindow::MakeHelpMenu()
     auto* const menu = menuBar()->addMenu(tr("&Help"));
     Add(menu, tr("&Plug-in Help"), QKeySequence("F1"), [this] { ShowPluginHelp(); });
     Add(menu, tr("&About Quilp"), {}, [this] { ShowAbout(); });
+}
+
+void MainWindow::ShowPluginHelp()
+{
+    QString text;
+    Protect([&] { text = QString::fromStdString(plugin_.Help()); });
+    QMessageBox box(QMessageBox::Information, tr("Plug-in Help"), text, QMessageBox::Ok, this);
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
 }
 
 void MainWindow::ShowAbout()
@@ -386,20 +385,11 @@ void MainWindow::ShowAbout()
 
 void MainWindow::MakeToolBar()
 {
-    toolBar_ = addToolBar(tr("Tools"));
-    toolBar_->setObjectName("tools");
-    toolBar_->setMovable(false);
-    toolBar_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    toolBar_->setIconSize(QSize(16, 16));
-    toolBar_->setContextMenuPolicy(Qt::PreventContextMenu);
-    const auto add = [this](const QString& icon, const QString& text, const auto& action) {
-        auto* const added = toolBar_->addAction(EditorIcon(icon), text);
-        connect(added, &QAction::triggered, this, action);
-    };
-    add("new", tr("New"), [this] { tabs_->New(); });
-    add("open", tr("Open"), [this] { OpenByDialog(); });
-    add("save", tr("Save"), [this] { tabs_->SaveFront(); });
+    toolBar_ = new ControlToolBar(this);
+    addToolBar(toolBar_);
+    toolBar_->AddButton("new", tr("New"), [this] { tabs_->New(); });
+    toolBar_->AddButton("open", tr("Open"), [this] { OpenByDialog(); });
+    documentActions_.push_back(
+        toolBar_->AddButton("save", tr("Save"), [this] { tabs_->SaveFront(); }));
     toolBar_->addSeparator();
-    controlsEnd_ = toolBar_->addSeparator();
-    controlsEnd_->setVisible(false);
 }

@@ -24,7 +24,7 @@ int RunEditor(const Options& options, const Files& files, const PluginModule& pl
         window.SetEditorAppearance(*options.appearance);
     }
     if (!files.target.empty()) {
-        window.SetTarget(QString::fromStdString(files.target));
+        window.project().SetTarget(QString::fromStdString(files.target));
     }
     QStringList documents;
     for (const auto& path : options.files) {
@@ -40,7 +40,7 @@ int RunEditor(const Options& options, const Files& files, const PluginModule& pl
     signals.SetHandler([&window](int) { window.EndAtOnce(); });
     if (options.virtualBoard) {
         // The window is to be seen first.
-        QTimer::singleShot(0, &window, [&window] { window.AttachVirtualBoard(); });
+        QTimer::singleShot(0, &window, [&window] { window.board().AttachVirtualBoard(); });
     }
     const int status = QCoreApplication::exec();
     runtime.ShutDown();

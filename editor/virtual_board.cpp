@@ -18,6 +18,7 @@ constexpr const char* kLinkVariable = "QUILP_VIRTUAL_BOARD";
 
 constexpr std::chrono::seconds kStartPatience{10};
 constexpr std::chrono::milliseconds kEndPatience{500};
+constexpr std::chrono::duration<int, std::milli> kLookEvery{100};
 
 std::string MakePrivateFolder()
 {
@@ -27,30 +28,17 @@ std::string MakePrivateFolder()
     return mkdtemp(pattern.data()) != nullptr ? pattern : std::string();
 }
 
-// The first line of output, or what there was of it when the time was up or the program ended.
-std::string ReadFirstLine(const ChildProcess& process)
+std::string LinkIn(const std::string& folder)
 {
-    std::string text;
-    const auto end = std::chrono::steady_clock::now() + kStartPatience;
-    while (!text.ends_with('\n') && std::chrono::steady_clock::now() < end) {
-        pollfd output{process.outputFd(), POLLIN, 0};
-        poll(&output, 1, 100);
-        const std::string bytes = ReadAvailable(process.outputFd());
-        if (bytes.empty() && (output.revents & POLLHUP) != 0) {
-            break;
-        }
-        text += bytes;
-    }
-    while (text.ends_with('\n')) {
-        text.pop_back();
-    }
-    return text;
+    return folder + "/port";
 }
 
 }  // namespace
 
 VirtualBoard::VirtualBoard(ChildProcess process, std::string linkFolder)
-    : process_(std::move(process)), linkFolder_(std::move(linkFolder))
+    : process_(std::move(process)),
+      linkFolder_(std::move(linkFolder)),
+      latest_(std::chrono::steady_clock::now() + kStartPatience)
 {
 }
 
@@ -61,22 +49,45 @@ std::expected<VirtualBoard, std::string> VirtualBoard::Start(const std::string& 
     if (linkFolder.empty()) {
         return std::unexpected("no temporary folder can be made for the virtual board");
     }
-    const std::string link = linkFolder + "/port";
     auto process = ChildProcess::Start(
-        {program, "--parent", std::to_string(getpid()), "--link", link, "--", folder},
+        {program, "--parent", std::to_string(getpid()), "--link", LinkIn(linkFolder), "--", folder},
         CurrentEnvironment());
     if (!process) {
         std::filesystem::remove(linkFolder);
         return std::unexpected("the virtual board cannot be started: " + process.error());
     }
-    VirtualBoard board(std::move(*process), linkFolder);
-    const std::string line = ReadFirstLine(board.process_);
+    return VirtualBoard(std::move(*process), linkFolder);
+}
+
+std::expected<bool, std::string> VirtualBoard::CheckReady()
+{
+    // Asked first, so that nothing is said after it.
+    const bool isOver = process_.HasExited() || std::chrono::steady_clock::now() >= latest_;
+    said_ += ReadAvailable(process_.outputFd());
+    const auto end = said_.find('\n');
+    if (end == std::string::npos && !isOver) {
+        return false;
+    }
+    const std::string line = said_.substr(0, end);
     if (!line.starts_with("/dev/")) {
         return std::unexpected("the virtual board did not start: " +
                                (line.empty() ? "it says nothing" : line));
     }
-    setenv(kLinkVariable, link.c_str(), 1);
-    return board;
+    setenv(kLinkVariable, LinkIn(linkFolder_).c_str(), 1);
+    return true;
+}
+
+std::expected<void, std::string> VirtualBoard::WaitUntilReady()
+{
+    for (;;) {
+        if (const auto isReady = CheckReady(); !isReady) {
+            return std::unexpected(isReady.error());
+        } else if (*isReady) {
+            return {};
+        }
+        pollfd output{process_.outputFd(), POLLIN, 0};
+        poll(&output, 1, kLookEvery.count());
+    }
 }
 
 VirtualBoard::~VirtualBoard()

@@ -96,7 +96,7 @@ QStringList Labels(const QWidget& menu)
 TEST_F(EditorWindow, MakesTheWholeRound)
 {
     Start({Write("fails.py", kFails)});
-    window().AttachVirtualBoard();
+    AttachBoard();
     Press(Qt::Key_F5);
     ASSERT_TRUE(SheetShows("ZeroDivisionError"));
     Press(Qt::Key_F4);
@@ -144,11 +144,11 @@ TEST_F(EditorWindow, ShowsTheControlExactlyWhileThePluginOffersIt)
     EXPECT_EQ(Controls(), QStringList("Run"));
     window().OpenFiles({notes});
     EXPECT_EQ(Controls(), QStringList());
-    window().SetTarget(python);
+    window().project().SetTarget(python);
     EXPECT_EQ(Controls(), QStringList("Run"));
-    window().SetTarget({});
+    window().project().SetTarget({});
     EXPECT_EQ(Controls(), QStringList());
-    window().SetTarget(notes);
+    window().project().SetTarget(notes);
     EXPECT_EQ(Controls(), QStringList("Run"));  // The plug-in offers it for any target.
 }
 
@@ -177,7 +177,7 @@ TEST_F(EditorWindow, OpensThePopUpUnderItsControlInEveryState)
     };
     for (const auto& row : rows) {
         window().OpenFiles({row.document});
-        window().SetTarget(row.target);
+        window().project().SetTarget(row.target);
         auto* const control = window().findChild<RunControl*>();
         const bool offered = !Controls().isEmpty();
         WhenAsked([&](QWidget& menu) {
@@ -204,7 +204,7 @@ TEST_F(EditorWindow, SavesTheDocumentBeforeACommandUnlessToldNotTo)
 {
     const QString path = Write("a.py", "print(1)\n");
     Start({path});
-    window().AttachVirtualBoard();
+    AttachBoard();
     Type("print('new')#");
     Press(Qt::Key_F5);
     ASSERT_TRUE(SheetShows("new\n"));
@@ -224,7 +224,7 @@ TEST_F(EditorWindow, SavesTheDocumentBeforeACommandUnlessToldNotTo)
 TEST_F(EditorWindow, ANewTextGetsANameBeforeItRuns)
 {
     Start();
-    window().AttachVirtualBoard();
+    AttachBoard();
     Type("print(6 * 7)");
     WhenAsked([this](QWidget& dialog) {
         dialog.findChild<QLineEdit*>()->setText(PathOf("answer.py"));
@@ -414,7 +414,7 @@ TEST_F(EditorWindow, ComesBackAsItWasLeft)
     const QString second = Write("b.txt", "");
     Start({first, second});
     window().resize(700, 500);
-    window().SetTarget(first);
+    window().project().SetTarget(first);
     window().worksheet().Append("kept\n");
     window().OpenFiles({first});
     ASSERT_TRUE(SheetShows("kept"));
@@ -483,7 +483,7 @@ TEST_F(EditorWindow, EndsWithinASecondWhileTheBoardPrints)
 {
     const auto before = CurrentHoldings();
     Start({Write("loop.py", "while True:\n    print('round')\n")});
-    window().AttachVirtualBoard();
+    AttachBoard();
     window().worksheet().setFocus();
     Type("");
     Press(Qt::Key_F5);

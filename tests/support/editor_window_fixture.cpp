@@ -174,3 +174,10 @@ void EditorWindow::WhenAskedPress(int standardButton)
         button->click();
     });
 }
+
+void EditorWindow::AttachBoard()
+{
+    auto& board = window().board();
+    board.AttachVirtualBoard();
+    EXPECT_TRUE(WaitUntil([&] { return board.board().kind == BoardMonitor::Kind::Virtual; }));
+}

@@ -48,6 +48,8 @@ class EditorWindow : public testing::Test {
     // Presses a button, by its text, of whatever message is shown.
     void Answer(const QString& button);
     QStringList Controls();
+    // Waits until the virtual board is ready.
+    void AttachBoard();
 
     // Has the next dialog answered while an event loop runs. Fails the test at its end when none
     // came.
