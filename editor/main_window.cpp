@@ -311,6 +311,7 @@ void MainWindow::SavePluginSettings()
 // What could not be saved, as sentences.
 QStringList MainWindow::SaveEverything(const Session& session)
 {
+    runtime_.SetWindowClosedHandler({});  // The settings are saved below.
     runtime_.CloseWindows();
     std::error_code ignored;
     std::filesystem::create_directories(places_.folders.state, ignored);

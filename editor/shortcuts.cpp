@@ -1,5 +1,7 @@
 #include "shortcuts.h"
 
+#include "Menu.h"
+
 #include <QByteArray>
 #include <QSettings>
 #include <QUrl>
@@ -63,7 +65,6 @@ std::string CommandOf(const QString& settingsKey)
 // 0 when it has none.
 std::uint32_t MenuKey(Qt::Key key)
 {
-    constexpr int kBeforeFunctionKeys = 0x80;
     if (key >= Qt::Key_F1 && key <= Qt::Key_F31) {
         return static_cast<std::uint32_t>(key - Qt::Key_F1 + 1 + kBeforeFunctionKeys);
     }

@@ -8,8 +8,6 @@
 
 namespace {
 
-// Function keys stand behind this code, see BMenuItem.
-constexpr int kBeforeFunctionKeys = 0x80;
 constexpr int kLastFunctionKey = 31;
 
 // Empty for what is no key.
