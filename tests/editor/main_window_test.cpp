@@ -9,6 +9,7 @@
 #include "text_editor.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QKeySequenceEdit>
@@ -19,6 +20,7 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QScopeGuard>
+#include <QSpinBox>
 #include <QTest>
 #include <QToolButton>
 #include <QUrl>
@@ -30,6 +32,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <filesystem>
 
 namespace {
@@ -200,6 +203,38 @@ TEST_F(EditorWindow, OpensThePopUpUnderItsControlInEveryState)
     }
 }
 
+TEST_F(EditorWindow, AsksForThePopUpInEveryWay)
+{
+    Start({Write("a.py", "while True: pass\n")});
+    auto* const control = window().findChild<RunControl*>();
+    const std::pair<const char*, std::function<void()>> ways[] = {
+        {"a press that lasts",
+         [&] {
+             QTest::mousePress(control, Qt::LeftButton, {}, {8, 8});
+         }},
+        {"the arrow key", [&] { QTest::keyClick(control, Qt::Key_Down); }},
+        {"the right button",
+         [&] {
+             QContextMenuEvent event(QContextMenuEvent::Mouse, {8, 8},
+                                     control->mapToGlobal(QPoint(8, 8)));
+             QCoreApplication::sendEvent(control, &event);
+         }},
+    };
+    for (const auto& [name, ask] : ways) {
+        bool opened = false;
+        WhenAsked([&opened](QWidget& menu) {
+            opened = Labels(menu).contains("Open Device window");
+            menu.close();
+        });
+        ask();
+        EXPECT_TRUE(WaitUntil([&] { return opened; })) << name;
+        QTest::mouseRelease(control, Qt::LeftButton, {}, {8, 8});
+        QCoreApplication::processEvents();
+        EXPECT_FALSE(control->isDown()) << name;
+        EXPECT_TRUE(Runtime::Current().IsIdle()) << name << " is no click";
+    }
+}
+
 TEST_F(EditorWindow, SavesTheDocumentBeforeACommandUnlessToldNotTo)
 {
     const QString path = Write("a.py", "print(1)\n");
@@ -361,6 +396,76 @@ TEST_F(EditorWindow, KeepsBytesThatItDoesNotUnderstand)
         ASSERT_TRUE(window().documents().Close(window().documents().currentIndex()));
     }
     EXPECT_EQ(Message(), QString());
+}
+
+TEST_F(EditorWindow, OffersUtf8ForACharacterThatAFileCannotHold)
+{
+    const QString path = Write("latin.py", "x = '\xE9'\n");
+    Start({path});
+    editor().insert(QString::fromUtf8("\u20ac"));
+    WhenAskedPress(QMessageBox::Cancel);
+    EXPECT_FALSE(window().documents().SaveFront());
+    EXPECT_EQ(ReadFile(path.toStdString()), "x = '\xE9'\n");
+    WhenAskedPress(QMessageBox::Save);
+    EXPECT_TRUE(window().documents().SaveFront());
+    EXPECT_EQ(ReadFile(path.toStdString()), "\u20acx = '\u00e9'\n");
+}
+
+TEST_F(EditorWindow, OpensWhatIsDroppedAndWhatWasOpenLately)
+{
+    const QString first = Write("a & b.py", "1\n2\n3\n");
+    const QString second = Write("c.py", "");
+    Start();
+    DropOn(window(), first);
+    ASSERT_EQ(window().documents().Paths(), QStringList(first));
+    DropOn(*editor().viewport(), second);
+    EXPECT_EQ(window().documents().Paths(), (QStringList{first, second}));
+    EXPECT_EQ(editor().Content(), QString()) << "its path is no text";
+    while (window().documents().count() > 0) {
+        Press(Qt::Key_W, Qt::ControlModifier);
+    }
+    EXPECT_FALSE(Action("Save As…")->isEnabled());
+    Press(Qt::Key_G, Qt::ControlModifier);  // Asks nothing where there are no lines.
+
+    auto* const recent = Action("Open Recent")->menu();
+    Q_EMIT recent->aboutToShow();
+    ASSERT_EQ(Labels(*recent), (QStringList{second, QString(first).replace("&", "&&")}));
+    recent->actions()[1]->trigger();
+    EXPECT_EQ(window().documents().Paths(), QStringList(first));
+    EXPECT_TRUE(Action("Save As…")->isEnabled());
+    WhenAsked([](QWidget& dialog) {
+        auto* const line = dialog.findChild<QSpinBox*>();
+        EXPECT_EQ(line->maximum(), 4);
+        line->setValue(3);
+        qobject_cast<QDialog*>(&dialog)->accept();
+    });
+    Press(Qt::Key_G, Qt::ControlModifier);
+    EXPECT_EQ(editor().CaretLine(), 3);
+}
+
+TEST_F(EditorWindow, ShowsTheBoardAndWhyThereIsNone)
+{
+    Start({Write("a.py", "")});
+    const auto menuSays = [&](bool mayAttach) {
+        auto* const menu = Action("Board")->menu();
+        Q_EMIT menu->aboutToShow();
+        return Action("Attach Virtual Board")->isEnabled() == mayAttach &&
+               Action("Unplug Virtual Board")->isEnabled() != mayAttach;
+    };
+    const auto* const shown = window().findChild<QToolButton*>("board");
+    EXPECT_TRUE(menuSays(true));
+    Action("Attach Virtual Board")->trigger();
+    EXPECT_TRUE(menuSays(false)) << "while it starts";
+    EXPECT_TRUE(WaitUntil([&] { return shown->text() == "Virtual board"; }));
+    EXPECT_TRUE(menuSays(false));
+    Action("Unplug Virtual Board")->trigger();
+    EXPECT_NE(shown->text(), "Virtual board");
+    EXPECT_TRUE(menuSays(true));
+    std::filesystem::remove_all(folder / "board");
+    Write("board", "a file in the place of its folder");
+    Action("Attach Virtual Board")->trigger();
+    EXPECT_TRUE(WaitUntil([&] { return Message().contains("virtual board"); }));
+    EXPECT_TRUE(menuSays(true));
 }
 
 TEST_F(EditorWindow, TellsWhatCannotBeOpenedOrSavedAndKeepsTheText)
@@ -553,22 +658,47 @@ TEST_F(EditorWindow, RunsALineOfTheWorksheetInTheProjectsFolder)
     EXPECT_TRUE(SheetShows("\"two words\"\n" + project + "\ntwo words\n")) << Sheet();
 }
 
-TEST_F(EditorWindow, TwoAtOnceKeepEachOthersSettings)
+// The other process of the next test.
+TEST_F(EditorWindow, DISABLED_IsTheSameUsersOtherEditor)
+{
+    const std::string root = qEnvironmentVariable("QUILP_TEST_ROOT").toStdString();
+    places.folders = {root + "/config", root + "/data", root + "/state"};
+    Start({QString::fromStdString(root + "/theirs.py")});
+    EXPECT_EQ(Message(), QString());
+    Type("unsaved ");
+    ASSERT_TRUE(WaitUntil([&] { return HoldsACopy(root + "/state/recovery"); }));
+    std::puts("ready");
+    std::fflush(stdout);
+    ASSERT_TRUE(WaitUntil([&] { return std::filesystem::exists(root + "/leave"); }));
+    window().EndAtOnce();
+}
+
+TEST_F(EditorWindow, TwoAtOnceLeaveEachOtherAlone)
 {
     std::filesystem::create_directory(folder / "config");
     Write("config/plugins.settings", "OtherPlugin -kept\n");
-    Start({Write("a.py", "")});
-    const auto plugin = PluginModule::Load(QUILP_BUNDLE "/quilp.so");
-    MainWindow other(*plugin, Runtime::Current(), places);
-    ASSERT_TRUE(other.Start());
-    other.OpenFiles({Write("b.py", "")});
+    Write("theirs.py", "");
+    const QString mine = Write("mine.py", "");
+    BackgroundProgram other({"/proc/self/exe", "--gtest_also_run_disabled_tests",
+                             "--gtest_filter=EditorWindow.DISABLED_IsTheSameUsersOtherEditor"},
+                            {"QUILP_TEST_ROOT=" + folder.path()});
+    ASSERT_TRUE(other.WaitForOutput("ready")) << other.output();
+    Start({mine});
+    EXPECT_EQ(Message(), QString()) << "their text is not lost while they edit it";
     Write("config/plugins.settings", "OtherPlugin -kept\nThird -new\n");
-    other.show();
-    other.close();
-    ASSERT_TRUE(Close());
+    Write("leave", "");
+    ASSERT_TRUE(other.WaitForExit(std::chrono::seconds(20)));
+    EXPECT_EQ(other.Status(), 0) << other.output();
+    Type("also unsaved ");
+    EXPECT_TRUE(RunUntilEnd([this] { window().EndAtOnce(); }));
+    End();
     const auto settings = ReadFile(folder / "config/plugins.settings");
     EXPECT_NE(settings.find("OtherPlugin -kept\n"), std::string::npos) << settings;
     EXPECT_NE(settings.find("Third -new\n"), std::string::npos) << settings;
+    Start();
+    EXPECT_EQ(window().documents().Paths(), QStringList(mine)) << "of who ended last";
+    EXPECT_TRUE(Message().contains("theirs.py")) << Message().toStdString();
+    EXPECT_TRUE(Message().contains("mine.py")) << Message().toStdString();
 }
 
 TEST_F(EditorWindow, IconsFollowTheAppearance)
