@@ -253,6 +253,10 @@ TEST_F(WorksheetTest, TracebackLinesAreLinks)
     QTest::keyClick(&sheet, Qt::Key_Backspace);
     EXPECT_TRUE(WaitUntil([&] { return Links().size() == 2; }))
         << "what is no link any more is still drawn as one";
+    sheet.SetContent("first\nFile \"m<\nmore than that line\n>.py\", line 3");
+    sheet.setSelection(1, 7, 3, 1);
+    QTest::keyClick(&sheet, Qt::Key_Delete);
+    EXPECT_TRUE(WaitUntil([&] { return Links().size() == 1; })) << sheet.Content().toStdString();
 }
 
 TEST_F(WorksheetTest, LinksAreWalkedThroughBothWays)
