@@ -14,6 +14,12 @@ QString Document::Name() const
     return path_.empty() ? name_ : QFileInfo(QString::fromStdString(path_)).fileName();
 }
 
+bool Document::IsPython() const
+{
+    const QString name = Name();
+    return name.endsWith(".py") || name.endsWith(".pyw");
+}
+
 bool Document::IsModified() const
 {
     return unsaved_ || editor_.isModified();
@@ -27,44 +33,43 @@ bool Document::IsPristine() const
 void Document::SetPath(const std::string& path)
 {
     path_ = path;
-    const QString name = Name();
-    const bool isPython = name.endsWith(".py") || name.endsWith(".pyw");
-    editor_.SetLanguage(isPython ? TextEditor::Language::Python : TextEditor::Language::PlainText);
+    editor_.SetLanguage(IsPython() ? TextEditor::Language::Python
+                                   : TextEditor::Language::PlainText);
 }
 
-// The file's text; takes over how it is encoded and what the disk holds.
-std::expected<QString, std::string> Document::Read()
+std::expected<Document::File, std::string> Document::Read(const std::string& path)
 {
-    const auto before = FileStamp::Of(path_);
-    auto loaded = LoadText(path_);
-    if (!loaded) {
-        return std::unexpected(loaded.error());
+    const auto before = FileStamp::Of(path);
+    auto content = LoadText(path);
+    if (!content) {
+        return std::unexpected(content.error());
     }
-    stamp_ = before;
-    encoding_ = loaded->encoding;
+    return File{path, std::move(*content), before};
+}
+
+// All but the text.
+void Document::TakeOver(const File& file)
+{
+    stamp_ = file.stamp;
+    encoding_ = file.content.encoding;
     unsaved_ = false;
-    return std::move(loaded->text);
 }
 
-std::expected<void, std::string> Document::Load(const std::string& path)
+void Document::Show(const File& file)
 {
-    SetPath(path);
-    const auto text = Read();
-    if (!text) {
-        SetPath({});
-        return std::unexpected(text.error());
-    }
-    editor_.SetContent(*text);
-    return {};
+    SetPath(file.path);
+    TakeOver(file);
+    editor_.SetContent(file.content.text);
 }
 
 std::expected<void, std::string> Document::Reload()
 {
-    const auto text = Read();
-    if (!text) {
-        return std::unexpected(text.error());
+    const auto file = Read(path_);
+    if (!file) {
+        return std::unexpected(file.error());
     }
-    editor_.ReplaceContent(*text);
+    TakeOver(*file);
+    editor_.ReplaceContent(file->content.text);
     return {};
 }
 

@@ -23,6 +23,8 @@ class Document {
     const std::string& path() const { return path_; }
     // The file's, or the one given.
     QString Name() const;
+    // As its name tells.
+    bool IsPython() const;
     TextEncoding encoding() const { return encoding_; }
     void SetEncoding(TextEncoding encoding) { encoding_ = encoding; }
     // Whether the editor holds what the disk does not.
@@ -32,8 +34,15 @@ class Document {
     // New, empty and never touched: another may take its place.
     bool IsPristine() const;
 
-    // Only of a pristine one, which it stays on an error.
-    std::expected<void, std::string> Load(const std::string& path);
+    // A file as it was read.
+    struct File {
+        std::string path;
+        LoadedText content;
+        FileStamp stamp;
+    };
+    static std::expected<File, std::string> Read(const std::string& path);
+    // Only of a pristine one.
+    void Show(const File& file);
     // The file's text in place of the editor's, which can be undone.
     std::expected<void, std::string> Reload();
     // Takes over a copy that a crash has left, which can be undone. It counts as modified, and what
@@ -50,7 +59,7 @@ class Document {
     RecoveryCopy Copy() const;
 
   private:
-    std::expected<QString, std::string> Read();
+    void TakeOver(const File& file);
     void SetPath(const std::string& path);
 
     TextEditor& editor_;

@@ -2,7 +2,6 @@
 
 #include <QStringDecoder>
 
-#include <optional>
 #include <utility>
 
 namespace {
@@ -33,21 +32,6 @@ LineEndings CountLineEndings(const QString& text)
 {
     const auto crLf = text.count("\r\n");
     return {text.count(u'\n') - crLf, crLf, text.count(u'\r') - crLf};
-}
-
-// From 1.
-std::optional<qsizetype> FirstTooLongLine(const QString& text)
-{
-    qsizetype start = 0;
-    for (qsizetype at = 0; at <= text.size(); ++at) {
-        if (at == text.size() || text[at] == u'\n' || text[at] == u'\r') {
-            if (at - start > kLongestLine) {
-                return CountLineEndings(text.first(start)).all() + 1;
-            }
-            start = at + 1;
-        }
-    }
-    return std::nullopt;
 }
 
 char32_t CodePointAt(const QString& text, qsizetype at)
@@ -82,13 +66,7 @@ std::expected<LoadedText, std::string> LoadText(const std::string& path)
     if (!bytes) {
         return std::unexpected(bytes.error());
     }
-    auto loaded = Decode(*bytes);
-    if (const auto line = FirstTooLongLine(loaded.text)) {
-        return std::unexpected(path + " has more than " + std::to_string(kLongestLine) +
-                               " characters in line " + std::to_string(*line) +
-                               ", too many to be edited");
-    }
-    return loaded;
+    return Decode(*bytes);
 }
 
 std::expected<QByteArray, std::string> Encode(const QString& text, TextEncoding encoding)
@@ -109,6 +87,20 @@ std::expected<QByteArray, std::string> Encode(const QString& text, TextEncoding 
         case TextEncoding::Latin1: return text.toLatin1();
     }
     return QByteArray();
+}
+
+std::optional<qsizetype> FirstTooLongLine(const QString& text)
+{
+    qsizetype start = 0;
+    for (qsizetype at = 0; at <= text.size(); ++at) {
+        if (at == text.size() || text[at] == u'\n' || text[at] == u'\r') {
+            if (at - start > kLongestSmoothLine) {
+                return CountLineEndings(text.first(start)).all() + 1;
+            }
+            start = at + 1;
+        }
+    }
+    return std::nullopt;
 }
 
 LineEnding DominantLineEnding(const QString& text)

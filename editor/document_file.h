@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <expected>
+#include <optional>
 #include <string>
 
 // Text documents as bytes and back. Errors are sentences for the user. Used on any thread.
@@ -22,16 +23,17 @@ struct LoadedText {
     TextEncoding encoding = TextEncoding::Utf8;
 };
 
-// In characters. Each key typed into a line costs the time to lay out all of it; 200 ms in one of
-// this length.
-constexpr qsizetype kLongestLine = 100'000;
-
-// A regular file of at most kLargestDocument bytes, in lines of at most kLongestLine. What is not
-// valid UTF-8 is Latin-1. `Encode` gives the file's own bytes again.
+// A regular file of at most kLargestDocument bytes. What is not valid UTF-8 is Latin-1. `Encode`
+// gives the file's own bytes again.
 std::expected<LoadedText, std::string> LoadText(const std::string& path);
 
 // The bytes to save. The error names the first character that the encoding does not have.
 std::expected<QByteArray, std::string> Encode(const QString& text, TextEncoding encoding);
+
+// The number, from 1, of the first line that is too long to be edited smoothly: each key that is
+// typed costs the time to lay out all of its line.
+inline constexpr qsizetype kLongestSmoothLine = 100'000;  // UTF-16 units
+std::optional<qsizetype> FirstTooLongLine(const QString& text);
 
 // The one that ends the most lines; Lf when no line ends.
 LineEnding DominantLineEnding(const QString& text);

@@ -88,11 +88,28 @@ int DocumentTabs::IndexOf(const QString& path) const
     return -1;
 }
 
+// Without a blank, which the tool could not be given.
+QString DocumentTabs::FreeName() const
+{
+    const auto isTaken = [this](const QString& name) {
+        for (int i = 0; i < count(); ++i) {
+            if (PageAt(i)->document().Name() == name) {
+                return true;
+            }
+        }
+        return false;
+    };
+    int number = 1;
+    while (isTaken(tr("untitled_%1").arg(number))) {
+        ++number;
+    }
+    return tr("untitled_%1").arg(number);
+}
+
 DocumentPage& DocumentTabs::AddPage()
 {
-    ++made_;
-    const QString name = tr("Untitled %1").arg(made_);
-    auto* const page = new DocumentPage(name, std::to_string(made_));
+    const QString name = FreeName();
+    auto* const page = new DocumentPage(name, std::to_string(++made_));
     connect(&page->editor(), &TextEditor::Changing, page, [this, page] { TextChanged(*page); });
     connect(&page->editor(), &QsciScintilla::modificationChanged, page,
             [this, page] { ShowState(*page); });
@@ -145,25 +162,39 @@ bool DocumentTabs::Open(const QString& path)
         setCurrentIndex(open);
         return true;
     }
-    auto* page = FrontPage();
-    const bool takesPlace = page != nullptr && page->document().IsPristine();
-    if (!takesPlace) {
-        page = &AddPage();
-    }
-    const auto full = QFileInfo(path).absoluteFilePath().toStdString();
-    if (const auto loaded = page->document().Load(full); !loaded) {
-        if (!takesPlace) {
-            RemovePage(indexOf(page));
-        }
-        Q_EMIT Failed(QString::fromStdString(loaded.error()));
+    const QString full = QFileInfo(path).absoluteFilePath();
+    const auto file = Document::Read(full.toStdString());
+    if (!file) {
+        Q_EMIT Failed(QString::fromStdString(file.error()));
         return false;
     }
-    uncopied_.erase(page);  // Loading changed the text, which the disk has.
-    setCurrentWidget(page);
-    ShowState(*page);
-    page->editor().setFocus();
-    Q_EMIT Opened(QString::fromStdString(full));
+    if (!MayShow(*file)) {
+        return false;
+    }
+    auto* const front = FrontPage();
+    auto& page = front != nullptr && front->document().IsPristine() ? *front : AddPage();
+    page.document().Show(*file);
+    uncopied_.erase(&page);  // This changed the text, which the disk has.
+    setCurrentWidget(&page);
+    ShowState(page);
+    page.editor().setFocus();
+    Q_EMIT Opened(full);
     return true;
+}
+
+bool DocumentTabs::MayShow(const Document::File& file)
+{
+    const auto line = FirstTooLongLine(file.content.text);
+    if (!line) {
+        return true;
+    }
+    const auto answer = QMessageBox::question(
+        this, tr("Open"),
+        tr("Line %1 of %2 is so long that the window will stand still at every key. Open it?")
+            .arg(*line)
+            .arg(QString::fromStdString(file.path)),
+        QMessageBox::Open | QMessageBox::Cancel, QMessageBox::Cancel);
+    return answer == QMessageBox::Open;
 }
 
 bool DocumentTabs::SaveFront()
@@ -215,9 +246,11 @@ bool DocumentTabs::SaveAs(DocumentPage& page)
     const auto& document = page.document();
     QFileDialog dialog(this, tr("Save As"), {}, tr("Python (*.py);;All files (*)"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setDefaultSuffix("py");
-    dialog.selectFile(document.path().empty() ? document.Name()
-                                              : QString::fromStdString(document.path()));
+    const bool isNew = document.path().empty();
+    if (isNew || document.IsPython()) {
+        dialog.setDefaultSuffix("py");
+    }
+    dialog.selectFile(isNew ? document.Name() : QString::fromStdString(document.path()));
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
         return false;
     }
@@ -363,7 +396,9 @@ void DocumentTabs::Recover()
     for (const auto& orphan : std::exchange(orphans_, {})) {
         const int open =
             orphan.copy.path.empty() ? -1 : IndexOf(QString::fromStdString(orphan.copy.path));
-        auto& page = open >= 0 ? *PageAt(open) : AddPage();
+        // A text that is itself not saved keeps its tab.
+        const bool takesPlace = open >= 0 && !PageAt(open)->document().IsModified();
+        auto& page = takesPlace ? *PageAt(open) : AddPage();
         recovery_.Discard(page.recoveryId());
         page.SetRecoveryId(orphan.id);
         page.document().Recover(orphan.copy);

@@ -28,7 +28,7 @@ class DocumentTabs final : public QTabWidget {
     QStringList Paths() const;
 
     void New();
-    // Also when it is open already. False when it cannot be read.
+    // Also when it is open already. False when it cannot be read, or the user would rather not.
     bool Open(const QString& path);
 
     // False when a document is not saved in the end, which the user knows by then. Without any
@@ -69,6 +69,8 @@ class DocumentTabs final : public QTabWidget {
     DocumentPage* PageAt(int index) const;
     int IndexOf(const QString& path) const;
     DocumentPage& AddPage();
+    QString FreeName() const;
+    bool MayShow(const Document::File& file);
     void RemovePage(int index);
     void ShowState(DocumentPage& page);
     bool Save(DocumentPage& page);

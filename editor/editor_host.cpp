@@ -104,9 +104,11 @@ void EditorHost::PressControl()
     Send(kPressControl);
 }
 
-void EditorHost::OpenPopUp(BRect control)
+void EditorHost::OpenPopUp(BRect control, std::function<bool(const std::string& label)> mayPerform)
 {
     control_ = control;
+    const auto reset = qScopeGuard([] { SetPopUpGuard({}); });
+    SetPopUpGuard(std::move(mayPerform));
     Send(kOpenPopUp);
 }
 

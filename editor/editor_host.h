@@ -55,7 +55,8 @@ class EditorHost final : public PluginInterface {
     // As a click on such a control.
     void PressControl();
     // As a click on its arrow; returns when the menu has closed. In the window's coordinates.
-    void OpenPopUp(BRect control);
+    // `mayPerform` is asked about the label of the item that the user chose.
+    void OpenPopUp(BRect control, std::function<bool(const std::string& label)> mayPerform);
 
     // Chooses from the plug-in's menu without showing it. False when no item has this label
     // or its action threw.

@@ -172,12 +172,24 @@ void MainWindow::Restore(const Session& session)
     SetEditorAppearance(session.appearance);
     project_->SetFolder(session.folder);
     project_->SetTarget(session.target);
+    RestoreWorksheet();
+}
+
+void MainWindow::RestoreWorksheet()
+{
     std::error_code ignored;
-    if (std::filesystem::exists(WorksheetPath(), ignored)) {
-        if (const auto text = LoadText(WorksheetPath())) {
-            worksheet_->SetContent(text->text);
-        }
+    if (!std::filesystem::exists(WorksheetPath(), ignored)) {
+        return;
     }
+    const auto bytes = ReadFileBytes(WorksheetPath());
+    if (bytes) {
+        return worksheet_->SetContent(QString::fromUtf8(*bytes));
+    }
+    const auto aside = SetAside(WorksheetPath());
+    Tell(tr("%1. It %2.")
+             .arg(QString::fromStdString(bytes.error()),
+                  aside ? tr("was set aside as %1").arg(QString::fromStdString(*aside))
+                        : QString::fromStdString(aside.error())));
 }
 
 void MainWindow::OpenFiles(const QStringList& files)

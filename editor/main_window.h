@@ -91,6 +91,7 @@ class MainWindow final : public QMainWindow {
     // The session.
     Session Current() const;
     void Restore(const Session& session);
+    void RestoreWorksheet();
     QStringList SaveEverything(const Session& session);
     void SavePluginSettings();
     std::string SessionPath() const;

@@ -13,12 +13,20 @@
 
 namespace {
 
-// The menu's own words, by which it is chosen.
+// The menu's own words, by which its items are known.
 constexpr const char* kOpenDeviceWindow = "Open Device window";
 
 // These need no file, so that there is nothing to save first: to stop must never wait for an
 // answer.
 constexpr std::array<std::string_view, 2> kWithoutFile{"QuilpStop", "QuilpList"};
+
+// What the labels of the menu's items begin with that take the front document or the target.
+constexpr std::array<std::string_view, 2> kFileItems{"Run", "Upload"};
+
+bool ActsOnFile(std::string_view label)
+{
+    return std::ranges::any_of(kFileItems, [&](auto word) { return label.starts_with(word); });
+}
 
 bool NeedsFile(std::string_view command)
 {
@@ -71,13 +79,10 @@ void MainWindow::PressControl()
 // In the place of the control that was pressed.
 void MainWindow::OpenPopUp(const QWidget& control)
 {
-    // Also after a save that failed: one may want to stop.
-    if (const auto* const front = tabs_->Front(); front != nullptr && !front->path().empty()) {
-        SaveForCommand();
-    }
     const QPointF corner = control.mapTo(this, QPoint(0, 0));
     host_.OpenPopUp(
-        {corner.x(), corner.y(), corner.x() + control.width(), corner.y() + control.height()});
+        {corner.x(), corner.y(), corner.x() + control.width(), corner.y() + control.height()},
+        [this](const std::string& label) { return !ActsOnFile(label) || SaveForCommand(); });
 }
 
 void MainWindow::OpenDeviceWindow()

@@ -47,13 +47,13 @@ void ReplaceBetween(QsciScintillaBase& editor, long start, long end, const QByte
                          utf8.constData());
 }
 
-void SelectBetween(QsciScintillaBase& editor, long start, long end)
+void SelectBetween(QsciScintillaBase& editor, long anchor, long caret)
 {
-    const long line = LineAt(editor, end);
+    const long line = LineAt(editor, caret);
     const long visible = Ask(editor, Sci::SCI_LINESONSCREEN);
     const long first = Ask(editor, Sci::SCI_GETFIRSTVISIBLELINE);
     if (line < first || line >= first + visible) {
         Ask(editor, Sci::SCI_SETFIRSTVISIBLELINE, line - visible / 2);
     }
-    Ask(editor, Sci::SCI_SETSEL, start, end);
+    Ask(editor, Sci::SCI_SETSEL, anchor, caret);
 }

@@ -27,5 +27,5 @@ QString TextOf(const QsciScintillaBase& editor);
 // that it was on.
 void ReplaceBetween(QsciScintillaBase& editor, long start, long end, const QByteArray& utf8);
 
-// Selects and shows it, in the middle when it was out of sight. The caret stands at the end.
-void SelectBetween(QsciScintillaBase& editor, long start, long end);
+// Selects and shows it, in the middle when it was out of sight. The caret stands at `caret`.
+void SelectBetween(QsciScintillaBase& editor, long anchor, long caret);

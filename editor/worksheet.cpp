@@ -13,7 +13,10 @@ namespace {
 
 constexpr std::size_t kPart = 65'536;            // bytes a turn
 constexpr std::size_t kMostWaiting = 8'388'608;  // bytes
-constexpr int kLinesAfterDrop = 95'000;  // Dropping moves the whole text, so it is done rarely.
+// Dropping moves the whole text, so it is done rarely.
+constexpr int kLinesAfterDrop = 95'000;
+constexpr long kBytesAfterDrop = Worksheet::kMostBytes / 16 * 15;
+constexpr std::string_view kTraceback = "Traceback (most recent call last):";
 constexpr int kLinkIndicator = 8;
 constexpr int kChosenMarker = 1;
 constexpr int kMargin = 1;
@@ -141,6 +144,9 @@ void Worksheet::Change(const WorksheetChange& change)
     const auto bytes = change.text.toUtf8();
     SendScintilla(SCI_APPENDTEXT, static_cast<unsigned long>(bytes.size()), bytes.constData());
     MarkLinks(lastLine, Length(*this));
+    if (FirstLinkFrom(lastLine)) {
+        Ask(*this, SCI_MARKERDELETEHANDLE, std::exchange(chosen_, -1));  // That one is old news.
+    }
     DropOldLines();
     if (follows) {
         Ask(*this, SCI_SETFIRSTVISIBLELINE, lines());
@@ -149,10 +155,16 @@ void Worksheet::Change(const WorksheetChange& change)
 
 void Worksheet::DropOldLines()
 {
-    if (lines() <= kMostLines) {
+    long dropped = 0;
+    if (lines() > kMostLines) {
+        dropped = lines() - kLinesAfterDrop;
+    }
+    if (Length(*this) > kMostBytes) {
+        dropped = std::max(dropped, LineAt(*this, Length(*this) - kBytesAfterDrop));
+    }
+    if (dropped == 0) {
         return;
     }
-    const long dropped = lines() - kLinesAfterDrop;
     Ask(*this, SCI_DELETERANGE, 0, LineStart(*this, dropped));
     Ask(*this, SCI_EMPTYUNDOBUFFER);
 }
@@ -166,8 +178,11 @@ QString Worksheet::Content()
 void Worksheet::SetContent(const QString& text)
 {
     MakeEmpty();
-    Append(text.toStdString());
-    AppendAllThatWaits();
+    const Unannounced whileChanging(*this);
+    ReplaceBetween(*this, 0, 0, text.toUtf8());
+    MarkLinks(0, Length(*this));
+    DropOldLines();
+    Ask(*this, SCI_SETFIRSTVISIBLELINE, lines());
 }
 
 void Worksheet::MakeEmpty()
@@ -257,11 +272,20 @@ std::optional<long> Worksheet::LastLinkBefore(long position) const
     return isLinkBefore(position) ? std::optional(startBefore(position)) : std::nullopt;
 }
 
+// Where it begins; the text's start when there is none.
+long Worksheet::NewestTraceback() const
+{
+    Ask(*this, SCI_SETSEARCHFLAGS, SCFIND_MATCHCASE);
+    Ask(*this, SCI_SETTARGETRANGE, Length(*this), 0);
+    const long found = SendScintilla(SCI_SEARCHINTARGET, kTraceback.size(), kTraceback.data());
+    return std::max(found, 0L);
+}
+
 bool Worksheet::GoToNextLink()
 {
     AppendAllThatWaits();
     const long line = Ask(*this, SCI_MARKERLINEFROMHANDLE, chosen_);
-    auto link = line < 0 ? std::nullopt : FirstLinkFrom(LineEnd(*this, line));
+    auto link = FirstLinkFrom(line < 0 ? NewestTraceback() : LineEnd(*this, line));
     link = link ? link : FirstLinkFrom(0);
     return link && ChooseLinkAt(*link);
 }
@@ -286,7 +310,7 @@ bool Worksheet::ChooseLinkAt(long position)
     }
     Ask(*this, SCI_MARKERDELETEHANDLE, chosen_);
     chosen_ = Ask(*this, SCI_MARKERADD, line, kChosenMarker);
-    SelectBetween(*this, start, LineEnd(*this, line));
+    SelectBetween(*this, LineEnd(*this, line), start);  // A long line's start is to be seen.
     Q_EMIT LinkChosen(link->path, link->line);
     return true;
 }

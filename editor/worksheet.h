@@ -17,6 +17,7 @@ class Worksheet final : public QsciScintilla {
 
   public:
     static constexpr int kMostLines = 100'000;
+    static constexpr long kMostBytes = 16'777'216;
 
     explicit Worksheet(QWidget* parent = nullptr);
 
@@ -35,7 +36,8 @@ class Worksheet final : public QsciScintilla {
     // As Control-Return.
     void RequestRun();
 
-    // From the link chosen last, or from the end; goes on at the other end. False when there is no
+    // From the link chosen last; when there is none, or a newer one has arrived since, to the first
+    // of the newest traceback or to the last. Goes on at the other end. False when there is no
     // link.
     bool GoToNextLink();
     bool GoToPreviousLink();
@@ -68,6 +70,7 @@ class Worksheet final : public QsciScintilla {
     void MarkChanged();
     std::optional<long> FirstLinkFrom(long position) const;
     std::optional<long> LastLinkBefore(long position) const;
+    long NewestTraceback() const;
     bool ChooseLinkAt(long position);
     void Click(int position);
 

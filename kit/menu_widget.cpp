@@ -24,15 +24,15 @@ QKeySequence ShortcutOf(const BMenuItem& item)
 }
 
 // The shortcut is only shown: keys do not reach the actions of a menu that nothing leads to.
-void AddAction(QMenu& menu, const BMenuItem& item,
-               const std::function<void(const std::function<void()>& action)>& choose)
+void AddAction(QMenu& menu, const BMenuItem& item, const MenuChoice& choose)
 {
     QAction* action = menu.addAction(MenuIcon(item), MenuLabel(item));
     action->setIconVisibleInMenu(true);
     action->setShortcut(ShortcutOf(item));
     action->setShortcutVisibleInContextMenu(true);
-    QObject::connect(action, &QAction::triggered, &menu,
-                     [choose, chosen = item.Action()] { choose(chosen); });
+    QObject::connect(
+        action, &QAction::triggered, &menu,
+        [choose, label = item.Label(), chosen = item.Action()] { choose(label, chosen); });
 }
 
 }  // namespace
@@ -48,8 +48,7 @@ QIcon MenuIcon(const BMenuItem& item)
     return bitmap != nullptr && bitmap->content() != nullptr ? bitmap->content()->icon : QIcon();
 }
 
-QMenu* MakeMenuWidget(const BMenu& menu, QWidget* parent,
-                      const std::function<void(const std::function<void()>& action)>& choose)
+QMenu* MakeMenuWidget(const BMenu& menu, QWidget* parent, const MenuChoice& choose)
 {
     auto* widget = new QMenu(parent);
     widget->setObjectName(QString::fromStdString(menu.Name()));
@@ -72,9 +71,8 @@ QMenu* MakeMenuWidgetOf(QWidget& owner, const BMenu& menu)
         if (menu.Items().empty()) {
             return;
         }
-        widget = MakeMenuWidget(menu, &owner, [&owner](const std::function<void()>& action) {
-            CallWindow(owner, action);
-        });
+        widget = MakeMenuWidget(
+            menu, &owner, [&owner](const auto&, const auto& action) { CallWindow(owner, action); });
         widget->setAttribute(Qt::WA_DeleteOnClose);
     });
     return widget;

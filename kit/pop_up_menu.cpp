@@ -12,21 +12,27 @@
 namespace {
 
 std::function<const BMenuItem*(const BMenu&)> popUpChooser;
+std::function<bool(const std::string&)> popUpGuard;
 
-// The action of the item that the user chooses; empty for none. The menu goes with the window that
-// it lies over, whatever ends that meanwhile.
+// The action of the item that the user chooses, if the guard lets it run; empty for none. The menu
+// goes with the window that it lies over, whatever ends that meanwhile.
 std::function<void()> LetUserChoose(const BMenu& menu, BPoint where)
 {
+    std::string label;
     std::function<void()> chosen;
     auto* const window = QApplication::activeWindow();
-    const QPointer<QMenu> widget = MakeMenuWidget(
-        menu, window, [&chosen](const std::function<void()>& action) { chosen = action; });
+    const QPointer<QMenu> widget =
+        MakeMenuWidget(menu, window, [&](const auto& itsLabel, const auto& action) {
+            label = itsLabel;
+            chosen = action;
+        });
     if (window != nullptr) {
         QObject::connect(window->windowHandle(), &QWindow::visibleChanged, widget, &QWidget::close);
     }
     widget->exec(QPointF(where.x, where.y).toPoint());
     delete widget;  // Unless it has gone already.
-    return chosen;
+    const bool isRefused = chosen && popUpGuard && !popUpGuard(label);
+    return isRefused ? nullptr : chosen;
 }
 
 }  // namespace
@@ -43,6 +49,11 @@ void BPopUpMenu::Go(BPoint where, bool, bool, bool, BView* /*view*/)
     } else if (const auto action = LetUserChoose(*this, where)) {
         Protect(action);
     }
+}
+
+void SetPopUpGuard(std::function<bool(const std::string& label)> mayRun)
+{
+    popUpGuard = std::move(mayRun);
 }
 
 void SetPopUpChooser(std::function<const BMenuItem*(const BMenu& menu)> chooser)

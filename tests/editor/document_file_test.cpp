@@ -85,15 +85,9 @@ TEST(DocumentFile, WhatCannotBeReadIsRefusedWithASentence)
     fs::resize_file(folder.Write("largest", ""), kLargestDocument);
     fs::resize_file(folder.Write("larger", ""), kLargestDocument + 1);
     EXPECT_EQ(ReadFileBytes(folder / "largest")->size(), kLargestDocument);
-    const std::string line(kLongestLine, 'x');
-    EXPECT_TRUE(LoadText(folder.Write("longest lines", line + "\r\n" + line)));
-    folder.Write("longer line", "\r\n" + line + "\n" + line + "x\r");
     const std::pair<std::string, const char*> rows[] = {
-        {folder / "missing", "No such file"},
-        {folder.path(), "is a folder"},
-        {folder / "link", "is not a regular file"},
-        {folder / "larger", "is larger than 64 MiB"},
-        {folder / "longer line", "characters in line 3,"},
+        {folder / "missing", "No such file"},       {folder.path(), "is a folder"},
+        {folder / "link", "is not a regular file"}, {folder / "larger", "is larger than 64 MiB"},
         {"/proc/self/mem", "Input/output error"},
     };
     for (const auto& [path, reason] : rows) {
@@ -191,6 +185,14 @@ TEST(DocumentFile, AFullDiskLeavesTheOldFileAndNothingElse)
     EXPECT_EQ(status, 0);
 }
 #endif
+
+TEST(DocumentFile, TheFirstLineThatIsTooLongIsFound)
+{
+    const QString line(kLongestSmoothLine, 'x');
+    EXPECT_FALSE(FirstTooLongLine(line + "\r\n" + line));
+    EXPECT_EQ(FirstTooLongLine("\r\n" + line + "\n" + line + "x\r"), 3);
+    EXPECT_EQ(FirstTooLongLine(line + "x"), 1);
+}
 
 TEST(DocumentFile, TheEndingOfMostLinesIsFound)
 {

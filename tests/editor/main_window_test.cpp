@@ -4,6 +4,7 @@
 #include "file_bytes.h"
 #include "leaks.h"
 #include "program.h"
+#include "recovery.h"
 #include "run_control.h"
 #include "table_widget.h"
 #include "text_editor.h"
@@ -34,6 +35,7 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <set>
 
 namespace {
 
@@ -235,6 +237,36 @@ TEST_F(EditorWindow, AsksForThePopUpInEveryWay)
     }
 }
 
+TEST_F(EditorWindow, SavesForAnItemOfThePopUpOnceItIsChosen)
+{
+    const QString path = Write("a.py", "old\n");
+    Start({path});
+    Type("new ");
+    const auto choose = [&](const QString& label, std::optional<int> answer = std::nullopt) {
+        WhenAsked([this, label, answer](QWidget& menu) {
+            for (auto* const action : menu.actions()) {
+                if (action->text() == label) {
+                    action->trigger();
+                }
+            }
+            menu.close();
+            if (answer) {
+                WhenAskedPress(*answer);
+            }
+        });
+        Action("Menu of All Commands")->trigger();
+    };
+    choose("nothing");
+    choose("Stop ");
+    EXPECT_EQ(ReadFile(path.toStdString()), "old\n");
+    Write("a.py", "theirs, longer\n");
+    choose("Run", QMessageBox::Cancel);
+    EXPECT_TRUE(Runtime::Current().IsIdle()) << "theirs runs";
+    choose("Run", QMessageBox::Save);
+    EXPECT_EQ(ReadFile(path.toStdString()), "new old\n");
+    EXPECT_FALSE(Runtime::Current().IsIdle());
+}
+
 TEST_F(EditorWindow, SavesTheDocumentBeforeACommandUnlessToldNotTo)
 {
     const QString path = Write("a.py", "print(1)\n");
@@ -330,17 +362,42 @@ TEST_F(EditorWindow, OffersUnsavedTextAgainAfterTheProgramWasKilled)
     ASSERT_TRUE(Message().endsWith(": a.py.")) << Message().toStdString();
     Type("typed ");
     Answer("Recover");
+    ASSERT_EQ(window().documents().count(), 2) << "what is typed meanwhile keeps its tab";
     EXPECT_EQ(editor().Content(), "new old\n");
     EXPECT_TRUE(window().documents().Front()->IsModified());
-    Action("Undo")->trigger();
-    EXPECT_EQ(editor().Content(), "typed theirs, meanwhile\n");
-    Action("Redo")->trigger();
     WhenAskedPress(QMessageBox::Save);  // Over theirs.
     Press(Qt::Key_S, Qt::ControlModifier);
     EXPECT_EQ(ReadFile(path.toStdString()), "new old\n");
+    ASSERT_TRUE(window().documents().Close(1));
+    EXPECT_EQ(editor().Content(), "typed theirs, meanwhile\n");
+    WhenAskedPress(QMessageBox::Discard);
     ASSERT_TRUE(Close());
     Start({path});
     EXPECT_EQ(Message(), QString());  // Nothing is offered twice.
+}
+
+TEST_F(EditorWindow, RecoversTwoTextsOfOneFileAndLosesNeither)
+{
+    const QString path = Write("a.py", "old\n");
+    const std::string root = places.folders.state + "/recovery";
+    for (const char* text : {"one\n", "two\n"}) {
+        RecoveryStore editorThatEnds(root);
+        ASSERT_TRUE(editorThatEnds.Keep("1", {path.toStdString(), TextEncoding::Utf8, text}));
+    }
+    for (int starts = 0; starts < 2; ++starts) {  // The second after another end.
+        Start({path});
+        Answer("Recover");
+        ASSERT_EQ(window().documents().count(), 2);
+        std::set<QString> texts{editor().Content()};
+        window().documents().setCurrentIndex(0);
+        texts.insert(editor().Content());
+        EXPECT_EQ(texts, (std::set<QString>{"one\n", "two\n"}));
+        Action("Undo")->trigger();
+        EXPECT_EQ(editor().Content(), "old\n");
+        Action("Redo")->trigger();
+        EXPECT_TRUE(RunUntilEnd([this] { window().EndAtOnce(); }));
+        End();
+    }
 }
 
 TEST_F(EditorWindow, FollowsAFileThatAnotherProgramChanges)
