@@ -141,10 +141,11 @@ void Worksheet::Change(const WorksheetChange& change)
         ReplaceBetween(*this, lastLine, Length(*this), {});
         Ask(*this, SCI_EMPTYUNDOBUFFER);  // Its positions are no longer right.
     }
+    const long oldEnd = Length(*this);
     const auto bytes = change.text.toUtf8();
     SendScintilla(SCI_APPENDTEXT, static_cast<unsigned long>(bytes.size()), bytes.constData());
     MarkLinks(lastLine, Length(*this));
-    if (FirstLinkFrom(lastLine)) {
+    if (FirstLinkFrom(oldEnd)) {
         Ask(*this, SCI_MARKERDELETEHANDLE, std::exchange(chosen_, -1));  // That one is old news.
     }
     DropOldLines();

@@ -7,6 +7,7 @@
 #include "window_native.h"
 
 #include <QMenu>
+#include <QWindow>
 
 #include <cmath>
 #include <utility>
@@ -93,8 +94,13 @@ BRect BWindow::Frame() const
 void BWindow::SetFrame(BRect frame)
 {
     if (const auto& widget = native_->content.widget) {
+        const QPoint corner(Round(frame.left), Round(frame.top));
         widget->resize(Round(frame.Width()), Round(frame.Height()));
-        widget->move(Round(frame.left), Round(frame.top));
+        widget->move(corner);
+        // A window that was only just shown does not know yet how wide its border is.
+        if (auto* const handle = widget->windowHandle()) {
+            handle->setFramePosition(corner);
+        }
     }
 }
 

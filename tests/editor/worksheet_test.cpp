@@ -147,6 +147,15 @@ TEST_F(WorksheetTest, TheOldestLinesGo)
     EXPECT_TRUE(text.endsWith("line 149999\n"));
     const auto first = text.first(text.indexOf('\n')).sliced(5).toInt();
     EXPECT_EQ(first, 150'000 - sheet.lines() + 1) << "lines are missing in between";
+
+    const std::string wide(4000, 'x');
+    for (long bytes = 0; bytes < Worksheet::kMostBytes + 1'000'000; bytes += 4001) {
+        sheet.Append(wide + "\n");
+    }
+    sheet.Append("the last\n");
+    EXPECT_TRUE(sheet.Content().endsWith("x\nthe last\n"));
+    EXPECT_LE(Length(sheet), Worksheet::kMostBytes);
+    EXPECT_GT(Length(sheet), Worksheet::kMostBytes / 2);
 }
 
 TEST_F(WorksheetTest, TheViewFollowsOnlyTheReaderAtTheEnd)
@@ -281,6 +290,29 @@ TEST_F(WorksheetTest, LinksAreWalkedThroughBothWays)
     sheet.Append("\nmore\n");
     sheet.GoToNextLink();
     EXPECT_EQ(walked.join(""), "3213123");
+    const std::string traceback = "Traceback (most recent call last):\n";
+    sheet.Append(traceback + "File \"4.py\", line 4\n" + traceback);
+    sheet.Append("File \"5.py\", line 5\nFile \"6.py\", line 6\nValueError\n");
+    walked.clear();
+    for (int i = 0; i < 3; ++i) {
+        sheet.GoToNextLink();
+    }
+    EXPECT_EQ(walked.join(""), "561") << "the newest traceback comes first";
+    sheet.Append("File \"7.py\", line 7\n");
+    sheet.GoToPreviousLink();
+    EXPECT_EQ(walked.last(), "7");
+    EXPECT_EQ(Ask(sheet, QsciScintilla::SCI_GETCURRENTPOS), LineStart(sheet, sheet.lines() - 2))
+        << "the start of a long line is in sight";
+}
+
+TEST_F(WorksheetTest, ASavedTextComesBackAsItWas)
+{
+    const QString text = QString(100'000, u'x') + "\r\n\x1b[31m\tred\nFile \"a.py\", line 1";
+    sheet.SetContent(text);
+    EXPECT_EQ(sheet.Content(), text);
+    EXPECT_EQ(Links().size(), 1);
+    sheet.Append(" and more");
+    EXPECT_EQ(sheet.Content(), text + " and more");
 }
 
 TEST_F(WorksheetTest, ControlReturnAsksForARun)
