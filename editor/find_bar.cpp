@@ -16,6 +16,11 @@ namespace {
 constexpr int kMargin = 12;  // pixels
 constexpr int kSpacing = 8;
 
+QString TooHard()
+{
+    return FindBar::tr("Too hard an expression for this text");
+}
+
 long PositionOf(const QString& text, qsizetype units)
 {
     return QStringView(text).first(units).toUtf8().size();
@@ -204,6 +209,11 @@ void FindBar::Find(qsizetype from, bool forward)
     if (forward && found == FoundText{from, 0}) {
         found = search->FindFrom(text, from + 1);  // A match of nothing would be found for ever.
     }
+    if (!found && search->GivesUp(text, forward ? from : 0)) {
+        Say(TooHard(), Kind::Bad);
+        show();
+        return;
+    }
     if (!found) {
         found = forward ? search->FindFrom(text, 0) : search->FindBefore(text, text.size() + 1);
         Say(found ? tr("Went on at the other end") : tr("No match"),
@@ -263,6 +273,10 @@ void FindBar::ReplaceAll()
     }
     const QString text = TextOf(*editor_);
     const auto replaced = search->ReplaceAll(text, replacement_->text(), LineEndingOf(*editor_));
+    if (search->GivesUp(text, replaced.range.start + replaced.range.length)) {
+        Say(TooHard(), Kind::Bad);
+        return;
+    }
     if (replaced.count == 0) {
         Say(tr("No match"), Kind::Bad);
         return;

@@ -31,6 +31,13 @@ namespace {
 constexpr std::chrono::seconds kLookAtDiskEvery{1};
 constexpr int kMostRecent = 12;
 constexpr QSize kDefaultSize(1000, 760);
+constexpr QSize kWindowBorder(16, 48);  // More than desktops draw around a window.
+
+// Qt puts its own mark in the place of one "[*]" only.
+QString TitleOf(QString name)
+{
+    return name.replace("[*]", "[*][*]");
+}
 
 }  // namespace
 
@@ -52,7 +59,7 @@ MainWindow::MainWindow(const PluginModule& plugin, Runtime& runtime, const Edito
     MakeMenus();
     MakeToolBar();
     ConnectParts();
-    resize(kDefaultSize);
+    resize(kDefaultSize.boundedTo(screen()->availableSize() - kWindowBorder));
 }
 
 MainWindow::~MainWindow()
@@ -261,7 +268,7 @@ void MainWindow::ShowFront()
     if (findBar_->editor() != worksheet_) {
         findBar_->SetEditor(page != nullptr ? &page->editor() : nullptr);
     }
-    setWindowTitle(front != nullptr ? front->Name() + "[*] – Quilp" : "Quilp");
+    setWindowTitle(front != nullptr ? TitleOf(front->Name()) + "[*] – Quilp" : "Quilp");
     setWindowModified(front != nullptr && front->IsModified());
     for (auto* const action : documentActions_) {
         action->setEnabled(page != nullptr);

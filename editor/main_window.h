@@ -127,6 +127,7 @@ class MainWindow final : public QMainWindow {
     void ZoomTo(int zoom);
     void TakeZoom();
     void SwitchToWorksheetAndBack();
+    void GrowWorksheet(int pixels);
     void OpenFolderByDialog();
     void MakeTarget(const Document& document);
     void ShowBoardFolder();

@@ -16,10 +16,17 @@
 #include <QInputDialog>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QSplitter>
 #include <QUrl>
 
 #include <algorithm>
 #include <utility>
+
+namespace {
+
+constexpr int kWorksheetStep = 40;  // pixels
+
+}  // namespace
 
 QAction* MainWindow::Add(QMenu* menu, const QString& text, const QKeySequence& keys,
                          const std::function<void()>& action)
@@ -176,7 +183,7 @@ void MainWindow::MakeViewMenu()
     Add(menu, tr("&Smaller Text"), QKeySequence("Ctrl+-"), [this] { ZoomTo(session_.zoom - 1); });
     Add(menu, tr("&Usual Size"), QKeySequence("Ctrl+0"), [this] { ZoomTo(0); });
     menu->addSeparator();
-    Add(menu, tr("To the &Worksheet and Back"), QKeySequence("Ctrl+J"),
+    Add(menu, tr("&To the Worksheet and Back"), QKeySequence("Ctrl+J"),
         [this] { SwitchToWorksheetAndBack(); });
     Add(menu, tr("&Next Document"), QKeySequence("Ctrl+PgDown"), [this] {
         tabs_->setCurrentIndex(std::min(tabs_->currentIndex() + 1, tabs_->count() - 1));
@@ -184,6 +191,10 @@ void MainWindow::MakeViewMenu()
     Add(menu, tr("&Previous Document"), QKeySequence("Ctrl+PgUp"),
         [this] { tabs_->setCurrentIndex(std::max(tabs_->currentIndex() - 1, 0)); });
     Add(menu, tr("To the &Message"), QKeySequence("Ctrl+M"), [this] { GoToMessage(); });
+    Add(menu, tr("&Higher Worksheet"), QKeySequence("Ctrl+Shift+Up"),
+        [this] { GrowWorksheet(kWorksheetStep); });
+    Add(menu, tr("Lo&wer Worksheet"), QKeySequence("Ctrl+Shift+Down"),
+        [this] { GrowWorksheet(-kWorksheetStep); });
     menu->addSeparator();
     MakeAppearanceMenu(menu);
 }
@@ -238,6 +249,12 @@ void MainWindow::SwitchToWorksheetAndBack()
     }
 }
 
+void MainWindow::GrowWorksheet(int pixels)
+{
+    const auto sizes = splitter_->sizes();
+    splitter_->setSizes({sizes[0] - pixels, sizes[1] + pixels});
+}
+
 void MainWindow::OpenByDialog()
 {
     const auto* const front = tabs_->Front();
@@ -268,7 +285,7 @@ void MainWindow::MakeCommandsMenu()
     Add(commandsMenu_, tr("S&hortcuts…"), {}, [this] { commandsMenu_->ChangeShortcuts(); });
 }
 
-// The editor's own, which no command of the plug-in may take.
+// The editor's own and the texts', which no command of the plug-in may take.
 std::vector<NamedShortcut> MainWindow::OwnShortcuts() const
 {
     std::vector<NamedShortcut> own{{"Run Line or Selection", "Ctrl+Return"}};
@@ -282,6 +299,11 @@ std::vector<NamedShortcut> MainWindow::OwnShortcuts() const
                 own.push_back({action->text().remove('&').toStdString(),
                                keys.toString(QKeySequence::PortableText)});
             }
+        }
+    }
+    for (const auto* command : worksheet_->standardCommands()->commands()) {
+        for (const int keys : {command->key(), command->alternateKey()}) {
+            own.push_back({command->description().toStdString(), QKeySequence(keys).toString()});
         }
     }
     return own;

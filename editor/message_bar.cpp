@@ -1,6 +1,7 @@
 #include "message_bar.h"
 
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 
@@ -34,4 +35,16 @@ void MessageBar::Ask(const QString& text, const std::vector<Choice>& choices)
     }
     setAccessibleName(text);
     show();
+}
+
+// As in a dialog, Return presses the button that has the keyboard.
+void MessageBar::keyPressEvent(QKeyEvent* event)
+{
+    auto* const button = qobject_cast<QPushButton*>(focusWidget());
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isReturn && button != nullptr && button->hasFocus()) {
+        button->click();
+        return;
+    }
+    QFrame::keyPressEvent(event);
 }

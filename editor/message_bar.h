@@ -21,4 +21,7 @@ class MessageBar final : public QFrame {
     // In place of the message before.
     void Ask(const QString& text, const std::vector<Choice>& choices);
     bool IsAsking() const { return !isHidden(); }
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
 };

@@ -45,6 +45,11 @@ std::optional<FoundText> TextSearch::FindFrom(const QString& text, qsizetype sta
     return match.hasMatch() ? std::optional(RangeOf(match)) : std::nullopt;
 }
 
+bool TextSearch::GivesUp(const QString& text, qsizetype start) const
+{
+    return !pattern_.match(text, CharacterFrom(text, start)).isValid();
+}
+
 std::optional<FoundText> TextSearch::FindBefore(const QString& text, qsizetype end) const
 {
     constexpr qsizetype kFirstLook = 4096;

@@ -38,6 +38,10 @@ class TextSearch {
     // The last match that starts before.
     std::optional<FoundText> FindBefore(const QString& text, qsizetype end) const;
 
+    // Whether a match may be missed from there on, because there are too many ways to try the
+    // pattern at some place.
+    bool GivesUp(const QString& text, qsizetype start) const;
+
     // What takes the place of a match; nothing when the range is none. With a regular expression \1
     // to \9 stand for its groups, \0 for all of it, \n for `lineEnding` and \t for a tab.
     std::optional<QString> Replacement(const QString& text, FoundText range,

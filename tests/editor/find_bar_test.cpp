@@ -134,6 +134,21 @@ TEST_F(FindBarTest, AFaultyExpressionIsSaidAndChangesNothing)
     EXPECT_FALSE(editor->isModified());
 }
 
+TEST_F(FindBarTest, AnExpressionWithTooManyWaysIsNoMissingMatch)
+{
+    const QString text = "hit\n" + (QString(30, 'a') + "\n").repeated(50) + "hit\n";
+    editor->setText(text);
+    Choose("Re&gular expression");
+    bar->OpenForReplace();
+    words()->setText("hit|(a+)+c");
+    for (const char* button : {"Ne&xt", "Replace &all"}) {
+        Ask(*editor, QsciScintilla::SCI_GOTOPOS, 4);
+        Press<QPushButton>(button);
+        EXPECT_EQ(message(), "Too hard an expression for this text") << button;
+        EXPECT_EQ(editor->text(), text) << button;
+    }
+}
+
 TEST_F(FindBarTest, ReplacingAllIsOneStepAndSaysHowMany)
 {
     struct Row {

@@ -301,6 +301,12 @@ TEST_F(EditorWindow, ANewTextGetsANameBeforeItRuns)
     ASSERT_TRUE(SheetShows("42\n"));
     EXPECT_EQ(ReadFile(folder / "answer.py"), "print(6 * 7)");
     EXPECT_EQ(Controls(), QStringList("Run"));
+    ASSERT_TRUE(WaitUntil([] { return Runtime::Current().IsIdle(); }));
+    window().project().SetTarget(PathOf("answer.py"));
+    window().documents().New();
+    window().worksheet().MakeEmpty();
+    Press(Qt::Key_F5);
+    EXPECT_TRUE(SheetShows("42\n")) << "the target runs while there is nothing to save";
 }
 
 TEST_F(EditorWindow, ChangesShortcutsButRefusesClashes)
@@ -314,7 +320,8 @@ TEST_F(EditorWindow, ChangesShortcutsButRefusesClashes)
         const auto ok = std::ranges::find_if(
             buttons, [](const auto* button) { return button->text().contains("OK"); });
         ASSERT_NE(ok, buttons.end());
-        for (const char* taken : {"Shift+F5", "Ctrl+S"}) {  // Another command's, the editor's own.
+        // Another command's, the editor's own, the text's.
+        for (const char* taken : {"Shift+F5", "Ctrl+S", "Ctrl+Left", "Return"}) {
             edits[0]->setKeySequence(QKeySequence(taken));
             EXPECT_FALSE((*ok)->isEnabled()) << taken;
             EXPECT_FALSE(problem->text().isEmpty()) << taken;
@@ -667,6 +674,30 @@ TEST_F(EditorWindow, EndsWithoutAQuestionWhenToldAndOffersTheTextAgain)
     Start({path});
     Answer("Recover");
     EXPECT_EQ(editor().Content(), "new old\n");
+}
+
+TEST_F(EditorWindow, AsksBeforeItShowsALineThatIsSlowToEdit)
+{
+    const QString path = Write("data.py", "x = 1\n" + std::string(kLongestSmoothLine + 1, '1'));
+    Start();
+    WhenAskedPress(QMessageBox::Cancel);
+    window().OpenFiles({path});
+    EXPECT_EQ(window().documents().Paths(), QStringList());
+    WhenAskedPress(QMessageBox::Open);
+    window().OpenFiles({path});
+    EXPECT_EQ(window().documents().Paths(), QStringList(path));
+}
+
+TEST_F(EditorWindow, SetsAWorksheetAsideThatCannotBeRead)
+{
+    std::filesystem::create_directory(folder / "state");
+    const std::string sheet = folder / "state/worksheet.txt";
+    std::filesystem::resize_file(folder.Write("state/worksheet.txt", ""), kLargestDocument + 1);
+    Start();
+    EXPECT_TRUE(Message().contains("worksheet.txt.unreadable")) << Message().toStdString();
+    Answer("OK");
+    ASSERT_TRUE(Close());
+    EXPECT_EQ(std::filesystem::file_size(sheet + ".unreadable"), kLargestDocument + 1);
 }
 
 TEST_F(EditorWindow, FollowsTheBoardsOwnPathsToItsFiles)

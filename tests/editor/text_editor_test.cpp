@@ -269,6 +269,10 @@ TEST_F(TextEditorTest, BracketsOfCodeFindTheirPartners)
         EXPECT_EQ(match ? match->bracket : -1, row.bracket) << row.text;
         EXPECT_EQ(match ? match->partner.value_or(-1) : -1, row.partner) << row.text;
     }
+    editor.SetContent("(a\n)");
+    Ask(editor, QsciScintilla::SCI_COLOURISE, 0, 1);
+    Ask(editor, QsciScintilla::SCI_GOTOPOS, 0);
+    EXPECT_EQ(MatchBracketAtCaret(editor)->partner, 3) << "what is not coloured yet may be code";
     editor.SetContent("(" + ManyLines(20'000) + ")");
     Ask(editor, QsciScintilla::SCI_COLOURISE, 0, -1);
     Ask(editor, QsciScintilla::SCI_GOTOPOS, 1);

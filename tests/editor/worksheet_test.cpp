@@ -268,6 +268,19 @@ TEST_F(WorksheetTest, TracebackLinesAreLinks)
     EXPECT_TRUE(WaitUntil([&] { return Links().size() == 1; })) << sheet.Content().toStdString();
 }
 
+TEST_F(WorksheetTest, ChangesOfOneTurnKeepTheirLinks)
+{
+    const QString text = "File \"a.py\", line 1\nbetween\nFile \"b.py\", line 2";
+    const long last = text.lastIndexOf('F');
+    for (const auto& places : {std::pair(last, 0L), std::pair(0L, last - 1)}) {
+        sheet.SetContent(text);
+        for (const long place : {places.first, places.second}) {
+            ReplaceBetween(sheet, place, place + 1, {});
+        }
+        EXPECT_TRUE(WaitUntil([&] { return Links().isEmpty(); })) << places.first;
+    }
+}
+
 TEST_F(WorksheetTest, LinksAreWalkedThroughBothWays)
 {
     EXPECT_FALSE(sheet.GoToNextLink());
