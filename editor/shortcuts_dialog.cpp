@@ -44,6 +44,11 @@ ShortcutsDialog::ShortcutsDialog(Shortcuts& shortcuts,
     Check();
 }
 
+ShortcutsDialog::~ShortcutsDialog()
+{
+    hide();  // A field that loses the keyboard says once more that it has changed.
+}
+
 QString ShortcutsDialog::LabelOf(const std::string& command) const
 {
     for (const auto& known : commands_) {

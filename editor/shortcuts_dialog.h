@@ -17,6 +17,7 @@ class ShortcutsDialog final : public QDialog {
     // `shortcuts` must outlive the dialog.
     ShortcutsDialog(Shortcuts& shortcuts, const std::vector<RegisteredCommand>& commands,
                     QWidget* parent);
+    ~ShortcutsDialog() override;
 
     void accept() override;
 

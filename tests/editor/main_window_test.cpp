@@ -6,6 +6,7 @@
 #include "program.h"
 #include "recovery.h"
 #include "run_control.h"
+#include "shortcuts_dialog.h"
 #include "table_widget.h"
 #include "text_editor.h"
 
@@ -336,6 +337,22 @@ TEST_F(EditorWindow, ChangesShortcutsButRefusesClashes)
     Start();
     EXPECT_EQ(Action("Run")->shortcut(), QKeySequence("Ctrl+R"));
     EXPECT_EQ(Action("Stop")->shortcut(), QKeySequence("Shift+F5"));
+}
+
+// As when the program ends meanwhile.
+TEST_F(EditorWindow, TheShortcutsDialogMayGoWhileItIsOpen)
+{
+    Shortcuts shortcuts({}, {});
+    auto dialog = std::make_unique<ShortcutsDialog>(
+        shortcuts, std::vector<RegisteredCommand>{{"QuilpRun", ""}, {"QuilpStop", ""}}, nullptr);
+    dialog->show();
+    dialog->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog.get()));
+    auto* const edit = dialog->findChild<QKeySequenceEdit*>();
+    edit->setFocus();
+    QTest::keyClick(edit, Qt::Key_F9);
+    dialog.reset();
+    EXPECT_EQ(shortcuts.Shortcut("QuilpRun"), QKeySequence());
 }
 
 // The other process of the next test.
