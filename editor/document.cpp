@@ -68,6 +68,10 @@ std::expected<void, std::string> Document::Reload()
     if (!file) {
         return std::unexpected(file.error());
     }
+    // One that is there already was asked for.
+    if (FirstTooLongLine(file->content.text) && !FirstTooLongLine(editor_.Content())) {
+        return std::unexpected(path_ + " has a line now that is too long to be edited smoothly");
+    }
     TakeOver(*file);
     editor_.ReplaceContent(file->content.text);
     return {};
@@ -75,7 +79,9 @@ std::expected<void, std::string> Document::Reload()
 
 void Document::Recover(const RecoveryCopy& copy)
 {
-    SetPath(copy.path);
+    if (!copy.path.empty()) {
+        SetPath(copy.path);
+    }
     encoding_ = copy.encoding;
     stamp_ = copy.stamp;
     editor_.ReplaceContent(QString::fromUtf8(copy.text));

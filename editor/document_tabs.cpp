@@ -93,7 +93,8 @@ QString DocumentTabs::FreeName() const
 {
     const auto isTaken = [this](const QString& name) {
         for (int i = 0; i < count(); ++i) {
-            if (PageAt(i)->document().Name() == name) {
+            const QString other = PageAt(i)->document().Name();
+            if (other == name || other == name + ".py") {
                 return true;
             }
         }
@@ -156,7 +157,7 @@ void DocumentTabs::New()
     ShowState(page);
 }
 
-bool DocumentTabs::Open(const QString& path)
+bool DocumentTabs::Open(const QString& path, LongLines longLines)
 {
     if (const int open = IndexOf(path); open >= 0) {
         setCurrentIndex(open);
@@ -168,7 +169,9 @@ bool DocumentTabs::Open(const QString& path)
         Q_EMIT Failed(QString::fromStdString(file.error()));
         return false;
     }
-    if (!MayShow(*file)) {
+    const auto slow = FirstTooLongLine(file->content.text);
+    if (slow && longLines == LongLines::Refuse) {
+        Q_EMIT TooSlow(full, *slow);
         return false;
     }
     auto* const front = FrontPage();
@@ -180,21 +183,6 @@ bool DocumentTabs::Open(const QString& path)
     page.editor().setFocus();
     Q_EMIT Opened(full);
     return true;
-}
-
-bool DocumentTabs::MayShow(const Document::File& file)
-{
-    const auto line = FirstTooLongLine(file.content.text);
-    if (!line) {
-        return true;
-    }
-    const auto answer = QMessageBox::question(
-        this, tr("Open"),
-        tr("Line %1 of %2 is so long that the window will stand still at every key. Open it?")
-            .arg(*line)
-            .arg(QString::fromStdString(file.path)),
-        QMessageBox::Open | QMessageBox::Cancel, QMessageBox::Cancel);
-    return answer == QMessageBox::Open;
 }
 
 bool DocumentTabs::SaveFront()

@@ -28,8 +28,10 @@ class DocumentTabs final : public QTabWidget {
     QStringList Paths() const;
 
     void New();
-    // Also when it is open already. False when it cannot be read, or the user would rather not.
-    bool Open(const QString& path);
+    // A line that is slow to edit (document_file.h) is told by TooSlow unless it is accepted. Also
+    // when the file is open already. False when it is not.
+    enum class LongLines { Refuse, Accept };
+    bool Open(const QString& path, LongLines longLines = LongLines::Refuse);
 
     // False when a document is not saved in the end, which the user knows by then. Without any
     // there is nothing to save, which is well.
@@ -61,6 +63,8 @@ class DocumentTabs final : public QTabWidget {
     // Another document is in front, or it got another name or state.
     void FrontChanged();
     void Opened(const QString& path);
+    // The file's number of a line, from 1, that it was not opened for.
+    void TooSlow(const QString& path, qint64 line);
     // A sentence for the user.
     void Failed(const QString& message);
     void FilesDropped(const QStringList& paths);
@@ -70,7 +74,6 @@ class DocumentTabs final : public QTabWidget {
     int IndexOf(const QString& path) const;
     DocumentPage& AddPage();
     QString FreeName() const;
-    bool MayShow(const Document::File& file);
     void RemovePage(int index);
     void ShowState(DocumentPage& page);
     bool Save(DocumentPage& page);

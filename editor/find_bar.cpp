@@ -16,10 +16,7 @@ namespace {
 constexpr int kMargin = 12;  // pixels
 constexpr int kSpacing = 8;
 
-QString TooHard()
-{
-    return FindBar::tr("Too hard an expression for this text");
-}
+constexpr const char* kTooHard = "Too hard an expression for this text";
 
 long PositionOf(const QString& text, qsizetype units)
 {
@@ -206,24 +203,22 @@ void FindBar::Find(qsizetype from, bool forward)
     }
     const QString text = TextOf(*editor_);
     auto found = forward ? search->FindFrom(text, from) : search->FindBefore(text, from);
-    if (forward && found == FoundText{from, 0}) {
+    if (forward && found && *found == FoundText{from, 0}) {
         found = search->FindFrom(text, from + 1);  // A match of nothing would be found for ever.
     }
-    if (!found && search->GivesUp(text, forward ? from : 0)) {
-        Say(TooHard(), Kind::Bad);
+    const bool goesOn = found && !*found;
+    if (goesOn) {
+        found = forward ? search->FindFrom(text, 0) : search->FindBefore(text, text.size() + 1);
+    }
+    if (!found || !*found) {
+        Say(found ? tr("No match") : tr(kTooHard), Kind::Bad);
         show();
         return;
     }
-    if (!found) {
-        found = forward ? search->FindFrom(text, 0) : search->FindBefore(text, text.size() + 1);
-        Say(found ? tr("Went on at the other end") : tr("No match"),
-            found ? Kind::Neutral : Kind::Bad);
+    if (goesOn) {
+        Say(tr("Went on at the other end"));
     }
-    if (found) {
-        Select(*editor_, text, *found);
-    } else {
-        show();
-    }
+    Select(*editor_, text, **found);
 }
 
 FoundText FindBar::Selection() const
@@ -273,18 +268,18 @@ void FindBar::ReplaceAll()
     }
     const QString text = TextOf(*editor_);
     const auto replaced = search->ReplaceAll(text, replacement_->text(), LineEndingOf(*editor_));
-    if (search->GivesUp(text, replaced.range.start + replaced.range.length)) {
-        Say(TooHard(), Kind::Bad);
+    if (!replaced) {
+        Say(tr(kTooHard), Kind::Bad);
         return;
     }
-    if (replaced.count == 0) {
+    if (replaced->count == 0) {
         Say(tr("No match"), Kind::Bad);
         return;
     }
-    ReplaceBetween(*editor_, PositionOf(text, replaced.range.start),
-                   PositionOf(text, replaced.range.start + replaced.range.length),
-                   replaced.text.toUtf8());
-    Say(replaced.count == 1 ? tr("1 replaced") : tr("%1 replaced").arg(replaced.count));
+    ReplaceBetween(*editor_, PositionOf(text, replaced->range.start),
+                   PositionOf(text, replaced->range.start + replaced->range.length),
+                   replaced->text.toUtf8());
+    Say(replaced->count == 1 ? tr("1 replaced") : tr("%1 replaced").arg(replaced->count));
 }
 
 void FindBar::Say(const QString& text, Kind kind)

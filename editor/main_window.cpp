@@ -77,11 +77,13 @@ void MainWindow::MakeCentralWidget()
     column->setSpacing(0);
     messages_ = new MessageBar(documents);
     recovery_ = new MessageBar(documents);
+    slowFile_ = new MessageBar(documents);
     tabs_ = new DocumentTabs(places_.folders.state + "/recovery", documents);
     findBar_ = new FindBar(documents);
     findBar_->hide();
     column->addWidget(recovery_);
     column->addWidget(messages_);
+    column->addWidget(slowFile_);
     column->addWidget(tabs_, 1);
     column->addWidget(findBar_);
 
@@ -101,6 +103,7 @@ void MainWindow::ConnectParts()
 {
     connect(tabs_, &DocumentTabs::FrontChanged, this, &MainWindow::ShowFront);
     connect(tabs_, &DocumentTabs::Failed, this, &MainWindow::Tell);
+    connect(tabs_, &DocumentTabs::TooSlow, this, &MainWindow::OfferSlowFile);
     connect(tabs_, &DocumentTabs::FilesDropped, this, &MainWindow::OpenFiles);
     connect(tabs_, &DocumentTabs::Opened, this, &MainWindow::NoteRecent);
     connect(project_, &Project::Changed, this, &MainWindow::ShowProject);
@@ -189,14 +192,13 @@ void MainWindow::RestoreWorksheet()
         return;
     }
     const auto bytes = ReadFileBytes(WorksheetPath());
-    if (bytes) {
+    if (bytes && bytes->isValidUtf8()) {
         return worksheet_->SetContent(QString::fromUtf8(*bytes));
     }
     const auto aside = SetAside(WorksheetPath());
-    Tell(tr("%1. It %2.")
-             .arg(QString::fromStdString(bytes.error()),
-                  aside ? tr("was set aside as %1").arg(QString::fromStdString(*aside))
-                        : QString::fromStdString(aside.error())));
+    Tell(QString::fromStdString(aside ? "The worksheet cannot be read and was set aside as " +
+                                            *aside + "."
+                                      : "The worksheet cannot be read: " + aside.error() + "."));
 }
 
 void MainWindow::OpenFiles(const QStringList& files)
@@ -231,6 +233,16 @@ void MainWindow::OfferRecovery()
                    {{tr("Recover"), [this] { tabs_->Recover(); }},
                     {tr("Discard"), [this] { tabs_->DiscardRecovered(); }},
                     {tr("Later"), [] {}}});
+}
+
+void MainWindow::OfferSlowFile(const QString& path, qint64 line)
+{
+    slowFile_->Ask(
+        tr("Line %1 of %2 is so long that the window would stand still at every key.")
+            .arg(line)
+            .arg(path),
+        {{tr("Open It"), [this, path] { tabs_->Open(path, DocumentTabs::LongLines::Accept); }},
+         {tr("Leave It"), [] {}}});
 }
 
 // What was said before and is not yet read stays.

@@ -85,6 +85,7 @@ class MainWindow final : public QMainWindow {
     void Tell(const QString& message);
     void GoToMessage();
     void OfferRecovery();
+    void OfferSlowFile(const QString& path, qint64 line);
     void CheckDisk();
     void NoteRecent(const QString& path);
 
@@ -163,6 +164,7 @@ class MainWindow final : public QMainWindow {
     QSplitter* splitter_ = nullptr;
     MessageBar* messages_ = nullptr;
     MessageBar* recovery_ = nullptr;
+    MessageBar* slowFile_ = nullptr;
     CommandsMenu* commandsMenu_ = nullptr;
     ControlToolBar* toolBar_ = nullptr;
     EditorStatusBar* status_ = nullptr;

@@ -16,6 +16,13 @@ qsizetype CharacterFrom(const QString& text, qsizetype at)
     return at > 0 && at < text.size() && text[at].isLowSurrogate() ? at + 1 : at;
 }
 
+// `end` is the last match's. An iterator is no longer valid either behind an empty match at the
+// text's end.
+bool GaveUp(const QRegularExpressionMatchIterator& iterator, const QString& text, qsizetype end)
+{
+    return !iterator.isValid() && end < text.size();
+}
+
 QString PatternOf(const QString& words, SearchOptions options)
 {
     QString pattern = options.regularExpression ? words : QRegularExpression::escape(words);
@@ -39,30 +46,37 @@ std::expected<TextSearch, QString> TextSearch::Make(const QString& words, Search
     return TextSearch(std::move(pattern), options.regularExpression);
 }
 
-std::optional<FoundText> TextSearch::FindFrom(const QString& text, qsizetype start) const
+std::expected<std::optional<FoundText>, TooHard> TextSearch::FindFrom(const QString& text,
+                                                                      qsizetype start) const
 {
+    if (start > text.size()) {
+        return std::nullopt;
+    }
     const auto match = pattern_.match(text, CharacterFrom(text, start));
+    if (!match.isValid()) {
+        return std::unexpected(TooHard());
+    }
     return match.hasMatch() ? std::optional(RangeOf(match)) : std::nullopt;
 }
 
-bool TextSearch::GivesUp(const QString& text, qsizetype start) const
-{
-    return !pattern_.match(text, CharacterFrom(text, start)).isValid();
-}
-
-std::optional<FoundText> TextSearch::FindBefore(const QString& text, qsizetype end) const
+std::expected<std::optional<FoundText>, TooHard> TextSearch::FindBefore(const QString& text,
+                                                                        qsizetype end) const
 {
     constexpr qsizetype kFirstLook = 4096;
     std::optional<FoundText> found;
     // Further and further back, so that a near match of a long text is found at once.
     for (qsizetype look = kFirstLook; !found; look *= 2) {
         const auto start = CharacterFrom(text, std::max<qsizetype>(0, end - look));
-        for (auto it = pattern_.globalMatch(text, start); it.hasNext();) {
-            const auto range = RangeOf(it.next());
+        auto it = pattern_.globalMatch(text, start);
+        for (; it.hasNext(); it.next()) {
+            const auto range = RangeOf(it.peekNext());
             if (range.start >= end) {
                 break;
             }
             found = range;
+        }
+        if (GaveUp(it, text, found ? found->start + found->length : start)) {
+            return std::unexpected(TooHard());
         }
         if (start == 0) {
             break;
@@ -108,12 +122,14 @@ std::optional<QString> TextSearch::Replacement(const QString& text, FoundText ra
     return Expand(match, replacement, lineEnding);
 }
 
-ReplacedText TextSearch::ReplaceAll(const QString& text, const QString& replacement,
-                                    const QString& lineEnding) const
+std::expected<ReplacedText, TooHard> TextSearch::ReplaceAll(const QString& text,
+                                                            const QString& replacement,
+                                                            const QString& lineEnding) const
 {
     ReplacedText replaced;
     qsizetype end = 0;
-    for (auto it = pattern_.globalMatch(text); it.hasNext();) {
+    auto it = pattern_.globalMatch(text);
+    while (it.hasNext()) {
         const auto match = it.next();
         if (replaced.count++ == 0) {
             replaced.range.start = match.capturedStart();
@@ -122,6 +138,9 @@ ReplacedText TextSearch::ReplaceAll(const QString& text, const QString& replacem
         }
         replaced.text += Expand(match, replacement, lineEnding);
         end = match.capturedEnd();
+    }
+    if (GaveUp(it, text, end)) {
+        return std::unexpected(TooHard());
     }
     replaced.range.length = end - replaced.range.start;
     return replaced;

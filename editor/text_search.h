@@ -27,6 +27,9 @@ struct ReplacedText {
     int count = 0;
 };
 
+// There are too many ways to try the pattern at some place of the text.
+struct TooHard {};
+
 // One set of words to look for, and of what takes their place.
 class TextSearch {
   public:
@@ -34,20 +37,18 @@ class TextSearch {
     static std::expected<TextSearch, QString> Make(const QString& words, SearchOptions options);
 
     // The first match that starts there or later.
-    std::optional<FoundText> FindFrom(const QString& text, qsizetype start) const;
+    std::expected<std::optional<FoundText>, TooHard> FindFrom(const QString& text,
+                                                              qsizetype start) const;
     // The last match that starts before.
-    std::optional<FoundText> FindBefore(const QString& text, qsizetype end) const;
-
-    // Whether a match may be missed from there on, because there are too many ways to try the
-    // pattern at some place.
-    bool GivesUp(const QString& text, qsizetype start) const;
+    std::expected<std::optional<FoundText>, TooHard> FindBefore(const QString& text,
+                                                                qsizetype end) const;
 
     // What takes the place of a match; nothing when the range is none. With a regular expression \1
     // to \9 stand for its groups, \0 for all of it, \n for `lineEnding` and \t for a tab.
     std::optional<QString> Replacement(const QString& text, FoundText range,
                                        const QString& replacement, const QString& lineEnding) const;
-    ReplacedText ReplaceAll(const QString& text, const QString& replacement,
-                            const QString& lineEnding) const;
+    std::expected<ReplacedText, TooHard> ReplaceAll(const QString& text, const QString& replacement,
+                                                    const QString& lineEnding) const;
 
   private:
     TextSearch(QRegularExpression pattern, bool isRegularExpression)

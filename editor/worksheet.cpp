@@ -287,7 +287,9 @@ bool Worksheet::GoToNextLink()
     AppendAllThatWaits();
     const long line = Ask(*this, SCI_MARKERLINEFROMHANDLE, chosen_);
     auto link = FirstLinkFrom(line < 0 ? NewestTraceback() : LineEnd(*this, line));
-    link = link ? link : FirstLinkFrom(0);
+    if (!link) {
+        link = line < 0 ? LastLinkBefore(Length(*this)) : FirstLinkFrom(0);
+    }
     return link && ChooseLinkAt(*link);
 }
 

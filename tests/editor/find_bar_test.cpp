@@ -140,13 +140,18 @@ TEST_F(FindBarTest, AnExpressionWithTooManyWaysIsNoMissingMatch)
     editor->setText(text);
     Choose("Re&gular expression");
     bar->OpenForReplace();
-    words()->setText("hit|(a+)+c");
-    for (const char* button : {"Ne&xt", "Replace &all"}) {
-        Ask(*editor, QsciScintilla::SCI_GOTOPOS, 4);
+    for (const auto& [button, caret] :
+         {std::pair("Ne&xt", 4L), std::pair("Ne&xt", Length(*editor)),
+          std::pair("Previo&us", Length(*editor)), std::pair("Replace &all", 0L)}) {
+        Ask(*editor, QsciScintilla::SCI_GOTOPOS, caret);
+        words()->setText(caret == 4 ? "hit|(a+)+c" : "hit!|(a+)+c");
         Press<QPushButton>(button);
-        EXPECT_EQ(message(), "Too hard an expression for this text") << button;
+        EXPECT_EQ(message(), "Too hard an expression for this text") << button << " at " << caret;
         EXPECT_EQ(editor->text(), text) << button;
     }
+    words()->setText("hit|(a+)+c");
+    Press<QPushButton>("Previo&us");
+    EXPECT_EQ(message(), "Too hard an expression for this text") << "a nearer match was missed";
 }
 
 TEST_F(FindBarTest, ReplacingAllIsOneStepAndSaysHowMany)

@@ -22,10 +22,12 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QScopeGuard>
+#include <QScreen>
 #include <QSpinBox>
 #include <QTest>
 #include <QToolButton>
 #include <QUrl>
+#include <QWindow>
 
 #ifdef __linux__
 #include <sched.h>
@@ -259,6 +261,7 @@ TEST_F(EditorWindow, SavesForAnItemOfThePopUpOnceItIsChosen)
     };
     choose("nothing");
     choose("Stop ");
+    ASSERT_TRUE(WaitUntil([] { return Runtime::Current().IsIdle(); }));
     EXPECT_EQ(ReadFile(path.toStdString()), "old\n");
     Write("a.py", "theirs, longer\n");
     choose("Run", QMessageBox::Cancel);
@@ -295,7 +298,9 @@ TEST_F(EditorWindow, ANewTextGetsANameBeforeItRuns)
     AttachBoard();
     Type("print(6 * 7)");
     WhenAsked([this](QWidget& dialog) {
-        dialog.findChild<QLineEdit*>()->setText(PathOf("answer.py"));
+        auto* const name = dialog.findChild<QLineEdit*>();
+        EXPECT_EQ(name->text(), "untitled_1") << "a name with a blank could not run";
+        name->setText(PathOf("answer.py"));
         qobject_cast<QDialog*>(&dialog)->accept();
     });
     Press(Qt::Key_F5);
@@ -479,6 +484,19 @@ TEST_F(EditorWindow, KeepsBytesThatItDoesNotUnderstand)
     EXPECT_EQ(Message(), QString());
 }
 
+TEST_F(EditorWindow, SavesUnderTheVeryNameThatIsNoPythonFiles)
+{
+    Start({Write("Makefile", "all:\n")});
+    WhenAsked([this](QWidget& dialog) {
+        auto* const name = dialog.findChild<QLineEdit*>();
+        name->selectAll();
+        QTest::keyClicks(name, PathOf("GNUmakefile"));
+        qobject_cast<QDialog*>(&dialog)->accept();
+    });
+    EXPECT_TRUE(window().documents().SaveFrontAs());
+    EXPECT_EQ(ReadFile(folder / "GNUmakefile"), "all:\n");
+}
+
 TEST_F(EditorWindow, OffersUtf8ForACharacterThatAFileCannotHold)
 {
     const QString path = Write("latin.py", "x = '\xE9'\n");
@@ -494,11 +512,12 @@ TEST_F(EditorWindow, OffersUtf8ForACharacterThatAFileCannotHold)
 
 TEST_F(EditorWindow, OpensWhatIsDroppedAndWhatWasOpenLately)
 {
-    const QString first = Write("a & b.py", "1\n2\n3\n");
+    const QString first = Write("a & [*] b.py", "1\n2\n3\n");
     const QString second = Write("c.py", "");
     Start();
     DropOn(window(), first);
     ASSERT_EQ(window().documents().Paths(), QStringList(first));
+    EXPECT_TRUE(window().windowHandle()->title().startsWith("a & [*] b.py"));
     DropOn(*editor().viewport(), second);
     EXPECT_EQ(window().documents().Paths(), (QStringList{first, second}));
     EXPECT_EQ(editor().Content(), QString()) << "its path is no text";
@@ -556,7 +575,9 @@ TEST_F(EditorWindow, TellsWhatCannotBeOpenedOrSavedAndKeepsTheText)
     Start({path, PathOf("missing.py"), QString::fromStdString(folder.path())});
     EXPECT_FALSE(Message().isEmpty());
     EXPECT_EQ(window().documents().count(), 1);
-    Answer("OK");
+    Press(Qt::Key_M, Qt::ControlModifier);
+    Press(Qt::Key_Return);
+    EXPECT_TRUE(WaitUntil([&] { return Message().isEmpty(); })) << "Return answers a message";
     Type("new ");
     std::filesystem::remove_all(folder / "gone");
     EXPECT_FALSE(window().documents().SaveFront());
@@ -599,6 +620,10 @@ TEST_F(EditorWindow, ComesBackAsItWasLeft)
     const QString first = Write("a.py", "");
     const QString second = Write("b.txt", "");
     Start({first, second});
+    EXPECT_TRUE(window().screen()->availableGeometry().contains(window().frameGeometry()));
+    const int height = window().worksheet().height();
+    Press(Qt::Key_Up, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(WaitUntil([&] { return window().worksheet().height() > height; }));
     window().resize(700, 500);
     window().project().SetTarget(first);
     window().worksheet().Append("kept\n");
@@ -696,13 +721,19 @@ TEST_F(EditorWindow, EndsWithoutAQuestionWhenToldAndOffersTheTextAgain)
 TEST_F(EditorWindow, AsksBeforeItShowsALineThatIsSlowToEdit)
 {
     const QString path = Write("data.py", "x = 1\n" + std::string(kLongestSmoothLine + 1, '1'));
-    Start();
-    WhenAskedPress(QMessageBox::Cancel);
-    window().OpenFiles({path});
+    Start({path});
     EXPECT_EQ(window().documents().Paths(), QStringList());
-    WhenAskedPress(QMessageBox::Open);
-    window().OpenFiles({path});
+    EXPECT_TRUE(Message().startsWith("Line 2 of " + path)) << Message().toStdString();
+    Answer("Open It");
     EXPECT_EQ(window().documents().Paths(), QStringList(path));
+
+    const QString small = Write("small.py", "x = 1\n");
+    window().OpenFiles({small});
+    Write("small.py", std::string(kLongestSmoothLine + 1, '1'));
+    EXPECT_TRUE(WaitUntil([&] { return Message().contains("too long"); }));
+    EXPECT_EQ(editor().Content(), "x = 1\n") << "another program may make it one, too";
+    WhenAskedPress(QMessageBox::Discard);
+    EXPECT_TRUE(Close());
 }
 
 TEST_F(EditorWindow, SetsAWorksheetAsideThatCannotBeRead)

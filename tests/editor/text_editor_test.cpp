@@ -272,7 +272,9 @@ TEST_F(TextEditorTest, BracketsOfCodeFindTheirPartners)
     editor.SetContent("(a\n)");
     Ask(editor, QsciScintilla::SCI_COLOURISE, 0, 1);
     Ask(editor, QsciScintilla::SCI_GOTOPOS, 0);
-    EXPECT_EQ(MatchBracketAtCaret(editor)->partner, 3) << "what is not coloured yet may be code";
+    const auto match = MatchBracketAtCaret(editor);
+    ASSERT_TRUE(match);
+    EXPECT_EQ(match->partner, 3) << "what is not coloured yet may be code";
     editor.SetContent("(" + ManyLines(20'000) + ")");
     Ask(editor, QsciScintilla::SCI_COLOURISE, 0, -1);
     Ask(editor, QsciScintilla::SCI_GOTOPOS, 1);

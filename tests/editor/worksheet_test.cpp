@@ -268,7 +268,7 @@ TEST_F(WorksheetTest, TracebackLinesAreLinks)
     EXPECT_TRUE(WaitUntil([&] { return Links().size() == 1; })) << sheet.Content().toStdString();
 }
 
-TEST_F(WorksheetTest, ChangesOfOneTurnKeepTheirLinks)
+TEST_F(WorksheetTest, EveryChangeOfATurnReachesItsLink)
 {
     const QString text = "File \"a.py\", line 1\nbetween\nFile \"b.py\", line 2";
     const long last = text.lastIndexOf('F');
@@ -311,6 +311,9 @@ TEST_F(WorksheetTest, LinksAreWalkedThroughBothWays)
         sheet.GoToNextLink();
     }
     EXPECT_EQ(walked.join(""), "561") << "the newest traceback comes first";
+    sheet.Append("File \"8.py\", line 8\n" + traceback + "File \"<stdin>\", line 1\n");
+    sheet.GoToNextLink();
+    EXPECT_EQ(walked.last(), "8") << "that traceback leads nowhere";
     sheet.Append("File \"7.py\", line 7\n");
     sheet.GoToPreviousLink();
     EXPECT_EQ(walked.last(), "7");
