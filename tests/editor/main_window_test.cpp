@@ -488,10 +488,9 @@ TEST_F(EditorWindow, SavesUnderTheVeryNameThatIsNoPythonFiles)
 {
     Start({Write("Makefile", "all:\n")});
     WhenAsked([this](QWidget& dialog) {
-        auto* const name = dialog.findChild<QLineEdit*>();
-        name->selectAll();
-        QTest::keyClicks(name, PathOf("GNUmakefile"));
-        qobject_cast<QDialog*>(&dialog)->accept();
+        auto& files = dynamic_cast<QFileDialog&>(dialog);
+        files.selectFile(PathOf("GNUmakefile"));
+        static_cast<QDialog&>(files).accept();
     });
     EXPECT_TRUE(window().documents().SaveFrontAs());
     EXPECT_EQ(ReadFile(folder / "GNUmakefile"), "all:\n");
