@@ -131,6 +131,7 @@ class MainWindow final : public QMainWindow {
     void GrowWorksheet(int pixels);
     void OpenFolderByDialog();
     void MakeTarget(const Document& document);
+    void TellOfNoTraceback();
     void ShowBoardFolder();
     void ShowPluginHelp();
     void ShowAbout();

@@ -338,6 +338,11 @@ void MainWindow::OpenFolderByDialog()
     }
 }
 
+void MainWindow::TellOfNoTraceback()
+{
+    Tell(tr("There is no traceback in the worksheet."));
+}
+
 void MainWindow::MakeWorksheetMenu()
 {
     auto* const menu = menuBar()->addMenu(tr("&Worksheet"));
@@ -346,15 +351,16 @@ void MainWindow::MakeWorksheetMenu()
     Add(menu, tr("&Stop What the Line Runs"), QKeySequence("Ctrl+Shift+C"),
         [this] { shell_->Stop(); });
     menu->addSeparator();
-    const auto addLinks = [&](const QString& text, const char* keys, bool (Worksheet::*go)()) {
-        Add(menu, text, QKeySequence(keys), [this, go] {
-            if (!(worksheet_->*go)()) {
-                Tell(tr("There is no traceback in the worksheet."));
-            }
-        });
-    };
-    addLinks(tr("&Next Place in a Traceback"), "F4", &Worksheet::GoToNextLink);
-    addLinks(tr("&Previous Place in a Traceback"), "Shift+F4", &Worksheet::GoToPreviousLink);
+    Add(menu, tr("&Next Place in a Traceback"), QKeySequence("F4"), [this] {
+        if (!worksheet_->GoToNextLink()) {
+            TellOfNoTraceback();
+        }
+    });
+    Add(menu, tr("&Previous Place in a Traceback"), QKeySequence("Shift+F4"), [this] {
+        if (!worksheet_->GoToPreviousLink()) {
+            TellOfNoTraceback();
+        }
+    });
     menu->addSeparator();
     Add(menu, tr("&Clear"), QKeySequence("Ctrl+Shift+K"), [this] { worksheet_->MakeEmpty(); });
 }
