@@ -8,7 +8,6 @@
 #include "protect.h"
 #include "text_editor.h"
 
-#include <QActionGroup>
 #include <QApplication>
 #include <QDesktopServices>
 #include <QFileDialog>
@@ -202,14 +201,12 @@ void MainWindow::MakeViewMenu()
 void MainWindow::MakeAppearanceMenu(QMenu* parent)
 {
     auto* const menu = parent->addMenu(tr("&Appearance"));
-    auto* const appearances = new QActionGroup(menu);
     for (const auto& [text, appearance] :
          {std::pair(tr("As the &Desktop"), Appearance::System),
           std::pair(tr("&Light"), Appearance::Light), std::pair(tr("D&ark"), Appearance::Dark)}) {
         auto* const action =
             Add(menu, text, {}, [this, wanted = appearance] { SetEditorAppearance(wanted); });
         action->setCheckable(true);
-        appearances->addAction(action);
         connect(menu, &QMenu::aboutToShow, action, [this, action, wanted = appearance] {
             action->setChecked(session_.appearance == wanted);
         });

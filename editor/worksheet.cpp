@@ -73,6 +73,8 @@ Worksheet::Worksheet(QWidget* parent) : QsciScintilla(parent)
     SetUpLinks();
     turn_.setSingleShot(true);
     connect(&turn_, &QTimer::timeout, this, &Worksheet::AppendPart);
+    marking_.setSingleShot(true);
+    connect(&marking_, &QTimer::timeout, this, &Worksheet::MarkChanged);
 }
 
 void Worksheet::SetUpLinks()
@@ -236,7 +238,7 @@ void Worksheet::NoteChange(int position, int type, int length)
         return;
     }
     unchanged_ = own;
-    QMetaObject::invokeMethod(this, &Worksheet::MarkChanged, Qt::QueuedConnection);
+    marking_.start();
 }
 
 void Worksheet::MarkChanged()

@@ -78,6 +78,7 @@ class Worksheet final : public QsciScintilla {
     std::string waiting_;
     std::size_t taken_ = 0;  // From the front of `waiting_`.
     QTimer turn_;
+    QTimer marking_;
     std::optional<Unchanged> unchanged_;  // While changes by the user wait for their links.
     long chosen_ = -1;                    // Handle of the marker on the chosen line.
 };
