@@ -310,9 +310,7 @@ void MainWindow::ShowProject()
 {
     host_.SetTarget(project_->target().toStdString());
     host_.SetProjectTarget(project_->folderTarget().toStdString());
-    const auto& target =
-        project_->target().isEmpty() ? project_->folderTarget() : project_->target();
-    status_->ShowProject(project_->folder(), target);
+    status_->ShowProject(project_->folder(), QString::fromStdString(host_.TargetRef(0).path()));
     ShowControls();
 }
 

@@ -101,8 +101,8 @@ class MainWindow final : public QMainWindow {
     // The menus.
     QAction* Add(QMenu* menu, const QString& text, const QKeySequence& keys,
                  const std::function<void()>& action);
-    QAction* AddForDocument(QMenu* menu, const QString& text, const QKeySequence& keys,
-                            const std::function<void(DocumentPage& page)>& action);
+    void AddForDocument(QMenu* menu, const QString& text, const QKeySequence& keys,
+                        const std::function<void(DocumentPage& page)>& action);
     void MakeMenus();
     void MakeFileMenu();
     void MakeRecentMenu(QMenu* parent);

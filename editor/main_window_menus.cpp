@@ -37,15 +37,14 @@ QAction* MainWindow::Add(QMenu* menu, const QString& text, const QKeySequence& k
 }
 
 // Of no use, and not to be chosen, while no document is open.
-QAction* MainWindow::AddForDocument(QMenu* menu, const QString& text, const QKeySequence& keys,
-                                    const std::function<void(DocumentPage& page)>& action)
+void MainWindow::AddForDocument(QMenu* menu, const QString& text, const QKeySequence& keys,
+                                const std::function<void(DocumentPage& page)>& action)
 {
     documentActions_.push_back(Add(menu, text, keys, [this, action] {
         if (auto* const page = tabs_->FrontPage()) {
             action(*page);
         }
     }));
-    return documentActions_.back();
 }
 
 void MainWindow::MakeMenus()

@@ -8,7 +8,6 @@ using Sci = QsciScintillaBase;
 
 namespace {
 
-constexpr long kBeforeChanges = Sci::SC_MOD_BEFOREINSERT | Sci::SC_MOD_BEFOREDELETE;
 constexpr long kFolding = Sci::SC_MOD_CHANGEFOLD;
 
 bool isWanted = false;
@@ -37,7 +36,7 @@ OnDemandAccessibility::OnDemandAccessibility(QsciScintilla& editor)
     : QObject(&editor), editor_(editor)
 {
     [[maybe_unused]] static const bool once = [] {
-        isWanted = isWanted || QAccessible::isActive();
+        isWanted = QAccessible::isActive();
         QAccessible::installFactory(PlainInterface);
         return true;
     }();
@@ -59,6 +58,6 @@ void OnDemandAccessibility::accessibilityActiveChanged(bool isActive)
 
 void OnDemandAccessibility::AnnounceChanges(bool alsoDoneOnes)
 {
-    const long mask = kBeforeChanges | kFolding;
+    const long mask = kBeforeChange | kFolding;
     Ask(editor_, Sci::SCI_SETMODEVENTMASK, alsoDoneOnes ? long{Sci::SC_MODEVENTMASKALL} : mask);
 }

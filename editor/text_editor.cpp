@@ -4,6 +4,7 @@
 #include "document_file.h"
 #include "dropped_files.h"
 #include "editor_style.h"
+#include "on_demand_accessibility.h"
 #include "python_lexer.h"
 #include "scintilla_text.h"
 
@@ -75,7 +76,7 @@ TextEditor::TextEditor(QWidget* parent) : QsciScintilla(parent), lexer_(new Pyth
     Ask(*this, SCI_SETIDLESTYLING, SC_IDLESTYLING_TOVISIBLE);
     connect(this, &QsciScintillaBase::SCN_CHARADDED, this, &TextEditor::IndentNewLine);
     connect(this, &QsciScintillaBase::SCN_MODIFIED, this, [this](int, int type) {
-        if ((type & (SC_MOD_BEFOREINSERT | SC_MOD_BEFOREDELETE)) != 0) {
+        if ((type & kBeforeChange) != 0) {
             Q_EMIT Changing();
         }
     });

@@ -1,6 +1,7 @@
 #include "worksheet.h"
 
 #include "editor_style.h"
+#include "on_demand_accessibility.h"
 #include "scintilla_text.h"
 #include "source_link.h"
 
@@ -227,7 +228,7 @@ void Worksheet::MarkLinks(long start, long end)
 // Before a change, the only time that Scintilla tells of it.
 void Worksheet::NoteChange(int position, int type, int length)
 {
-    if ((type & (SC_MOD_BEFOREINSERT | SC_MOD_BEFOREDELETE)) == 0) {
+    if ((type & kBeforeChange) == 0) {
         return;
     }
     const long deleted = (type & SC_MOD_BEFOREDELETE) != 0 ? length : 0;
