@@ -3,7 +3,7 @@
 #include "Bitmap.h"
 #include "NodeInfo.h"
 #include "Text.h"
-#include "icon_types.h"
+#include "icon_format.h"
 #include "name_fitting.h"
 
 namespace {
@@ -13,12 +13,12 @@ constexpr double kSizeMargin = 4.0;
 int GetIcon(const IconTableItem& item, BBitmap* bitmap)
 {
     if (item.isDirectory) {
-        return BNodeInfo::GetTrackerIconFromType(kFolderIcon, bitmap, kIconSize, false);
+        return BNodeInfo::GetTrackerIconFromType(kFolderIconType, bitmap, kIconSize, false);
     }
     if (item.name.find('.') != std::string::npos) {
         return BNodeInfo::GetTrackerIconFromName(item.name.c_str(), bitmap, kIconSize, false);
     }
-    return BNodeInfo::GetTrackerIconFromType(kDocumentIcon, bitmap, kIconSize, false);
+    return BNodeInfo::GetTrackerIconFromType(kDocumentIconType, bitmap, kIconSize, false);
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include "device_files.h"
 #include "device_output.h"
 #include "device_path.h"
-#include "icon_types.h"
+#include "icon_format.h"
 #include "path_items.h"
 #include "quilp_window.h"
 #include "runner.h"
@@ -125,8 +125,8 @@ void QuilpWindow::PopulatePathPopup()
     int index = 0;
     for (const auto& item : PathItems(currentPath, deviceName)) {
         BBitmap icon({0, 0, kIconSize, kIconSize}, kColorsWithAlpha);
-        BNodeInfo::GetTrackerIconFromType(item.isRoot ? kDiskIcon : kFolderIcon, &icon, kIconSize,
-                                          false);
+        BNodeInfo::GetTrackerIconFromType(item.isRoot ? kDiskIconType : kFolderIconType, &icon,
+                                          kIconSize, false);
         const auto change = [weak = ::weak_from_this(this), path = item.path] {
             if (const auto window = weak.lock()) {
                 window->ChangeDirectory(path, "");

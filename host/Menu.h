@@ -11,15 +11,15 @@
 
 class BBitmap;
 
-// No key types the codes behind it.
-inline constexpr int kBeforeFunctionKeys = 0x80;
+// The function key Fn is encoded as this base + n; no character key has these codes.
+inline constexpr int kFunctionKeyBase = 0x80;
 
 // An item of a menu. Owned by the menu that it is added to.
 class BMenuItem {
   public:
     // `action` runs on the user-interface thread when the item is chosen. `shortcut` is shown
     // beside the label, and does nothing else: a character of Latin-1 or, for the function key Fn,
-    // kBeforeFunctionKeys + n (n is 1 to 31); 0 for none. The modifiers are those that modifiers()
+    // kFunctionKeyBase + n (n is 1 to 31); 0 for none. The modifiers are those that modifiers()
     // gives.
     BMenuItem(const std::string& label, std::function<void()> action, unsigned char shortcut,
               unsigned modifiers);

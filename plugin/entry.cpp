@@ -19,18 +19,6 @@ extern "C" {
 
 namespace {
 
-// The host's message codes.
-enum Message : int {
-    kLoad = 1,
-    kRegister = 2,
-    kButtonPressed = 100,
-    kPopUpRequested = 101,
-    kCommand = 103,
-    kReadSettings = 104,
-    kOfferButton = 307,
-    kSaveSettings = 400,
-};
-
 struct Command {
     std::string_view name;
     std::string_view description;

@@ -3,7 +3,7 @@
 #include "Controls.h"
 #include "Menu.h"
 #include "OutlineTableView.h"
-#include "bundle.h"
+#include "plugin_bundle.h"
 #include "protect.h"
 #include "runtime.h"
 #include "wait.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "PluginInterface.h"
-#include "bundle.h"
+#include "plugin_bundle.h"
 #include "runtime.h"
 #include "wait.h"
 

@@ -1,0 +1,173 @@
+// quilp-editor: the stand-alone host of the plug-in.
+
+#include "options.h"
+#include "plugin_module.h"
+#include "run_modes.h"
+#include "user_folders.h"
+#include "virtual_board.h"
+
+#include <QApplication>
+#include <QIcon>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <expected>
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+namespace {
+
+std::string ProgramFolder()
+{
+    return QCoreApplication::applicationDirPath().toStdString();
+}
+
+// The full path of a file that can be read. The error is a sentence.
+std::expected<std::string, std::string> ReadableFile(const std::string& name)
+{
+    std::error_code error;
+    // "link/.." is not what it looks like, so such a path stays as it is.
+    const auto full = std::filesystem::absolute(name, error);
+    const bool climbs = std::find(full.begin(), full.end(), "..") != full.end();
+    const auto path = climbs ? full : full.lexically_normal();
+    if (std::filesystem::is_directory(path, error)) {
+        return std::unexpected(path.string() + " is a folder");
+    }
+    if (access(path.c_str(), R_OK) != 0) {
+        return std::unexpected(path.string() + " cannot be read: " + std::strerror(errno));
+    }
+    return path.string();
+}
+
+std::expected<Files, std::string> FindFiles(const Options& options)
+{
+    Files files;
+    for (const auto& [name, path] : {std::pair(&options.document, &files.document),
+                                     std::pair(&options.target, &files.target)}) {
+        if (name->empty()) {
+            continue;
+        }
+        auto found = ReadableFile(*name);
+        if (!found) {
+            return std::unexpected(found.error());
+        }
+        *path = *found;
+    }
+    return files;
+}
+
+// None when the options ask for none. The error is a sentence.
+std::expected<std::optional<VirtualBoard>, std::string> StartBoard(const Options& options)
+{
+    if (!options.virtualBoard) {
+        return std::nullopt;
+    }
+    auto board = VirtualBoard::Start(BoardProgram(), BoardFolder(options));
+    if (!board) {
+        return std::unexpected(board.error());
+    }
+    if (const auto isReady = board->WaitUntilReady(); !isReady) {
+        return std::unexpected(isReady.error());
+    }
+    return std::move(*board);
+}
+
+// Qt itself would abort without one.
+bool HasScreen()
+{
+#ifdef __linux__
+    constexpr std::array kVariables{"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
+    return std::ranges::any_of(kVariables, [](const char* name) {
+        const char* const value = std::getenv(name);
+        return value != nullptr && *value != '\0';
+    });
+#else
+    return true;
+#endif
+}
+
+// Windows need more of the application than batches do.
+std::unique_ptr<QCoreApplication> MakeApplication(const Options& options, char** argv)
+{
+    static int argc = 1;  // Qt has options of its own, of which one has our "--plugin" name.
+    if (options.batch) {
+        return std::make_unique<QCoreApplication>(argc, argv);
+    }
+    auto application = std::make_unique<QApplication>(argc, argv);
+    QIcon icon(":/quilp-32.png");
+    icon.addFile(":/quilp-128.png");
+    QApplication::setWindowIcon(icon);
+    return application;
+}
+
+int Run(const Options& options, const Files& files)
+{
+    const std::string ownPlugin = ProgramFolder() + "/../lib/quilp/Quilp.bundle/quilp.so";
+    const auto plugin = PluginModule::Load(options.plugin.empty() ? ownPlugin : options.plugin);
+    if (!plugin) {
+        return Complain(plugin.error(), kNoPlugin);
+    }
+    if (!options.batch && !options.openDeviceWindow) {
+        return RunEditor(options, files, *plugin);  // Which starts the board itself.
+    }
+    const auto board = StartBoard(options);
+    if (!board) {
+        return Complain(board.error(), kFailure);
+    }
+    return options.openDeviceWindow ? RunDeviceWindow(options, *plugin)
+                                    : RunBatch(options, files, *plugin);
+}
+
+}  // namespace
+
+int Complain(const std::string& message, int status)
+{
+    std::fprintf(stderr, "quilp-editor: %s\n", message.c_str());
+    return status;
+}
+
+std::string BoardProgram()
+{
+    return ProgramFolder() + "/virtual-board";
+}
+
+std::string BoardFolder(const Options& options)
+{
+    return options.boardFolder.empty() ? UserFolders::OfUser().boardFolder() : options.boardFolder;
+}
+
+int main(int argc, char** argv)
+{
+    signal(SIGPIPE, SIG_IGN);
+    const auto options = ParseOptions({argv + 1, argv + argc});
+    if (!options) {
+        return Complain(options.error() + "\n" + Usage(), kUsageError);
+    }
+    if (options->help) {
+        std::fputs(Usage().c_str(), stdout);
+        return kSuccess;
+    }
+    if (options->version) {
+        std::puts("quilp-editor " QUILP_VERSION);
+        return kSuccess;
+    }
+    const auto files = FindFiles(*options);
+    if (!files) {
+        return Complain(files.error(), kUsageError);
+    }
+    if (!options->batch && !HasScreen()) {
+        return Complain(
+            "there is no screen to show a window on: DISPLAY is not set; --batch needs none",
+            kFailure);
+    }
+    const auto application = MakeApplication(*options, argv);
+    return Run(*options, *files);
+}

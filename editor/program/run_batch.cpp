@@ -1,0 +1,37 @@
+#include "batch.h"
+#include "run_modes.h"
+#include "signals.h"
+#include "standard_output.h"
+
+#include <QCoreApplication>
+
+#include <utility>
+
+int RunBatch(const Options& options, const Files& files, const PluginModule& plugin)
+{
+    Signals signals;
+    Runtime runtime;
+    runtime.handlers.error = [](const std::string& error) { Complain(error, kFailure); };
+    Batch* running = nullptr;
+    StandardOutput output(signals.fd());
+    PluginHost host(plugin, runtime, [&](const std::string& text) {
+        if (!output.Write(text) && running != nullptr) {
+            if (!output.error().empty()) {
+                Complain(output.error(), kFailure);
+            }
+            std::exchange(running, nullptr)->Interrupt(kFailure);
+        }
+    });
+    host.SetDocument(files.document);
+    host.SetTarget(files.target);
+    if (const auto started = host.Start(); !started) {
+        return Complain(started.error(), kNoPlugin);
+    }
+    Batch batch(host, runtime, plugin, options.commands, QCoreApplication::exit);
+    running = &batch;
+    signals.SetHandler([&batch](int number) { batch.Interrupt(128 + number); });
+    batch.Start();
+    const int status = QCoreApplication::exec();
+    runtime.ShutDown();
+    return status;
+}

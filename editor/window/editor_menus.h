@@ -1,0 +1,63 @@
+#pragma once
+
+#include "editor_parts.h"
+#include "shortcuts.h"
+
+#include <QKeySequence>
+#include <QObject>
+
+#include <functional>
+#include <vector>
+
+class CommandsMenu;
+class DocumentPage;
+class QAction;
+class QMenu;
+
+// The menus of the editor's window. Used on the user-interface thread.
+class EditorMenus final : public QObject {
+    Q_OBJECT
+
+  public:
+    // Fills the window's menu bar. `shortcuts` must outlive this object.
+    EditorMenus(const EditorParts& parts, Shortcuts& shortcuts);
+
+    CommandsMenu& commandsMenu() { return *commandsMenu_; }
+    QMenu& boardMenu() { return *boardMenu_; }
+
+    // Actions that need an open document are disabled while there is none.
+    void AddDocumentAction(QAction* action) { documentActions_.push_back(action); }
+    void EnableDocumentActions(bool enable);
+
+    // The window's own shortcuts and those of its texts, which no command of the plug-in may take.
+    std::vector<NamedShortcut> ReservedShortcuts() const;
+
+  Q_SIGNALS:
+    void CommandMenuRequested();
+    void PluginHelpRequested();
+
+  private:
+    QMenu* AddMenu(const QString& title);
+    QAction* Add(QMenu* menu, const QString& text, const QKeySequence& keys,
+                 const std::function<void()>& action);
+    void AddForDocument(QMenu* menu, const QString& text, const QKeySequence& keys,
+                        const std::function<void(DocumentPage& page)>& action);
+    void MakeFileMenu();
+    void MakeRecentMenu(QMenu* parent);
+    void MakeEditMenu();
+    void MakeSearchMenu();
+    void MakeViewMenu();
+    void AddTabActions(QMenu* menu);
+    void MakeAppearanceMenu(QMenu* parent);
+    void MakeCommandsMenu();
+    void MakeProjectMenu();
+    void MakeWorksheetMenu();
+    void MakeBoardMenu();
+    void MakeHelpMenu();
+    void ShowBoardFolder();
+
+    EditorParts parts_;
+    CommandsMenu* commandsMenu_;  // Owned by the window.
+    QMenu* boardMenu_ = nullptr;  // Owned by the menu bar.
+    std::vector<QAction*> documentActions_;
+};

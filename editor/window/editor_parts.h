@@ -1,0 +1,31 @@
+#pragma once
+
+class BoardMonitor;
+class DocumentTabs;
+class FileActions;
+class FindBar;
+class MessageArea;
+class PluginActions;
+class Project;
+class QMainWindow;
+class QSplitter;
+class TextActions;
+class Worksheet;
+class WorksheetActions;
+
+// The parts of the editor's window, for those that act on several of them. All are owned by the
+// window and live as long as it does.
+struct EditorParts {
+    QMainWindow& window;
+    QSplitter& splitter;
+    MessageArea& messages;
+    DocumentTabs& tabs;
+    FindBar& findBar;
+    Worksheet& worksheet;
+    Project& project;
+    BoardMonitor& board;
+    FileActions& files;
+    TextActions& texts;
+    PluginActions& commands;
+    WorksheetActions& worksheetActions;
+};

@@ -1,0 +1,91 @@
+#include "editor_status_bar.h"
+
+#include "action_icons.h"
+#include "document_page.h"
+#include "text_editor.h"
+
+#include <QFileInfo>
+#include <QLabel>
+#include <QToolButton>
+
+namespace {
+
+QString EncodingName(TextEncoding encoding)
+{
+    switch (encoding) {
+        case TextEncoding::Utf8: return "UTF-8";
+        case TextEncoding::Utf8WithBom: return "UTF-8 BOM";
+        case TextEncoding::Latin1: return "Latin-1";
+    }
+    return {};
+}
+
+QString LineEndingName(int mode)
+{
+    switch (mode) {
+        case QsciScintilla::EolWindows: return "CRLF";
+        case QsciScintilla::EolMac: return "CR";
+        default: return "LF";
+    }
+}
+
+QString NameOf(const QString& path)
+{
+    return QFileInfo(path).fileName();
+}
+
+}  // namespace
+
+EditorStatusBar::EditorStatusBar(QMenu* boardMenu, QWidget* parent)
+    : QStatusBar(parent),
+      position_(new QLabel(this)),
+      target_(new QLabel(this)),
+      format_(new QLabel(this)),
+      board_(new QToolButton(this))
+{
+    board_->setObjectName("board");
+    board_->setAutoRaise(true);
+    board_->setFocusPolicy(Qt::TabFocus);
+    board_->setPopupMode(QToolButton::InstantPopup);
+    board_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    board_->setIcon(ActionIcon(Action::Board));
+    board_->setMenu(boardMenu);
+    addWidget(position_);
+    for (QWidget* widget : std::initializer_list<QWidget*>{target_, format_, board_}) {
+        addPermanentWidget(widget);
+    }
+}
+
+void EditorStatusBar::ShowDocument(DocumentPage* page)
+{
+    if (page == nullptr) {
+        position_->clear();
+        format_->clear();
+        return;
+    }
+    const auto& editor = page->editor();
+    position_->setText(tr("Ln %1, Col %2").arg(editor.CaretLine()).arg(editor.CaretColumn()));
+    format_->setText(EncodingName(page->document().encoding()) + "   " +
+                     LineEndingName(editor.eolMode()) + "   " +
+                     (editor.lexer() != nullptr ? "Python" : tr("Plain text")));
+}
+
+void EditorStatusBar::ShowProject(const QString& folder, const QString& target)
+{
+    const QString project = folder.isEmpty() ? QString() : NameOf(folder) + "   ";
+    target_->setText(project +
+                     (target.isEmpty() ? tr("No target") : tr("Target: %1").arg(NameOf(target))));
+    target_->setToolTip(target);
+}
+
+void EditorStatusBar::ShowBoard(const BoardMonitor::Board& board)
+{
+    QString text = tr("No board");
+    if (board.kind == BoardMonitor::Kind::Real) {
+        text = tr("Board on %1").arg(QString::fromStdString(board.node));
+    } else if (board.kind == BoardMonitor::Kind::Virtual) {
+        text = tr("Virtual board");
+    }
+    board_->setText(text);
+    board_->setAccessibleName(text);
+}

@@ -1,0 +1,89 @@
+#include "file_actions.h"
+
+#include "document_tabs.h"
+#include "message_area.h"
+#include "project.h"
+#include "python_file.h"
+
+#include <QFileDialog>
+#include <QFileInfo>
+
+namespace {
+
+constexpr int kMaxRecent = 12;
+
+}  // namespace
+
+FileActions::FileActions(DocumentTabs& tabs, Project& project, MessageArea& messages,
+                         QWidget* window)
+    : QObject(window), tabs_(tabs), project_(project), messages_(messages), window_(window)
+{
+    connect(&tabs_, &DocumentTabs::FilesDropped, this, &FileActions::Open);
+    connect(&tabs_, &DocumentTabs::Opened, this, &FileActions::NoteRecent);
+    connect(&tabs_, &DocumentTabs::TooSlow, this, &FileActions::OfferSlowFile);
+}
+
+void FileActions::Open(const QStringList& paths)
+{
+    for (const auto& path : paths) {
+        if (QFileInfo(path).isDir()) {
+            project_.SetFolder(path);
+        } else {
+            tabs_.Open(path);
+        }
+    }
+}
+
+// A file that has disappeared since the last session is not reported.
+void FileActions::OpenLast(const QStringList& paths, const QString& front)
+{
+    for (const auto& path : paths + QStringList(front)) {
+        if (QFileInfo(path).isFile()) {
+            tabs_.Open(path);
+        }
+    }
+}
+
+void FileActions::OpenByDialog()
+{
+    const auto* const front = tabs_.Front();
+    const QString folder = front != nullptr && !front->path().empty()
+                               ? QFileInfo(QString::fromStdString(front->path())).path()
+                               : project_.folder();
+    QStringList patterns;
+    for (const auto extension : kPythonExtensions) {
+        patterns.append("*" + QString::fromUtf8(extension.data(), extension.size()));
+    }
+    Open(QFileDialog::getOpenFileNames(window_, tr("Open"), folder,
+                                       tr("Python (%1);;All files (*)").arg(patterns.join(' '))));
+}
+
+void FileActions::OpenFolderByDialog()
+{
+    const QString folder =
+        QFileDialog::getExistingDirectory(window_, tr("Open Folder"), project_.folder());
+    if (!folder.isEmpty()) {
+        project_.SetFolder(folder);
+    }
+}
+
+void FileActions::MakeTarget(const Document& document)
+{
+    if (document.path().empty()) {
+        return messages_.Report(tr("The document has no file yet; save it first."));
+    }
+    project_.SetTarget(QString::fromStdString(document.path()));
+}
+
+void FileActions::NoteRecent(const QString& path)
+{
+    recent_.removeAll(path);
+    recent_.prepend(path);
+    recent_ = recent_.mid(0, kMaxRecent);
+}
+
+void FileActions::OfferSlowFile(const QString& path, qint64 line)
+{
+    messages_.OfferSlowFile(path, line,
+                            [this, path] { tabs_.Open(path, DocumentTabs::LongLines::Accept); });
+}

@@ -1,0 +1,326 @@
+#include "main_window.h"
+
+#include "commands_menu.h"
+#include "control_tool_bar.h"
+#include "dropped_files.h"
+#include "editor_menus.h"
+#include "editor_status_bar.h"
+#include "file_actions.h"
+#include "find_bar.h"
+#include "help_dialogs.h"
+#include "message_area.h"
+#include "plugin_actions.h"
+#include "session_keeper.h"
+#include "shortcut_code.h"
+#include "text_actions.h"
+#include "text_editor.h"
+#include "worksheet_actions.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QScreen>
+#include <QSplitter>
+#include <QVBoxLayout>
+
+#include <chrono>
+#include <cstdio>
+#include <utility>
+
+namespace {
+
+constexpr std::chrono::seconds kDiskCheckInterval{1};
+constexpr QSize kDefaultSize(1000, 760);
+constexpr QSize kWindowBorder(16, 48);  // More than desktops draw around a window.
+
+// Qt replaces only a single "[*]" with its own mark.
+QString EscapeForTitle(QString name)
+{
+    return name.replace("[*]", "[*][*]");
+}
+
+std::vector<NamedShortcut> DefaultShortcuts()
+{
+    std::vector<NamedShortcut> shortcuts;
+    for (const auto& command : kPluginCommands) {
+        if (!command.name.empty()) {
+            shortcuts.push_back({std::string(command.name), command.defaultShortcut});
+        }
+    }
+    return shortcuts;
+}
+
+}  // namespace
+
+MainWindow::MainWindow(const PluginModule& plugin, Runtime& runtime, const EditorPlaces& places)
+    : plugin_(plugin),
+      runtime_(runtime),
+      folders_(places.folders),
+      settings_(places.folders.config + "/plugins.settings"),
+      host_(
+          plugin, runtime, [this](const std::string& text) { worksheet_->Append(text); }, this),
+      shortcuts_({}, {}),
+      project_(new Project(this)),
+      board_(new BoardMonitor(places.boardProgram, places.boardFolder, this))
+{
+    setAcceptDrops(true);
+    setObjectName("editor");
+    MakeCentralWidget(places.folders.state + "/recovery");
+    MakeActions();
+    MakeToolBar();
+    ConnectParts();
+    resize(kDefaultSize.boundedTo(screen()->availableSize() - kWindowBorder));
+}
+
+MainWindow::~MainWindow()
+{
+    // Their last signals still need the other parts.
+    delete worksheetActions_;
+    delete takeCentralWidget();
+}
+
+void MainWindow::MakeCentralWidget(const std::string& recoveryRoot)
+{
+    auto* const documents = new QWidget(this);
+    auto* const column = new QVBoxLayout(documents);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    messages_ = new MessageArea(documents);
+    tabs_ = new DocumentTabs(recoveryRoot, documents);
+    findBar_ = new FindBar(documents);
+    findBar_->hide();
+    column->addWidget(messages_);
+    column->addWidget(tabs_, 1);
+    column->addWidget(findBar_);
+
+    worksheet_ = new Worksheet(this);
+    worksheet_->setAccessibleName(tr("Worksheet"));
+    splitter_ = new QSplitter(Qt::Vertical, this);
+    splitter_->setHandleWidth(5);  // Of which one pixel is drawn.
+    splitter_->setChildrenCollapsible(false);
+    splitter_->addWidget(documents);
+    splitter_->addWidget(worksheet_);
+    splitter_->setStretchFactor(0, 1);
+    splitter_->setSizes({500, 190});
+    setCentralWidget(splitter_);
+}
+
+void MainWindow::MakeActions()
+{
+    files_ = new FileActions(*tabs_, *project_, *messages_, this);
+    texts_ = new TextActions(*tabs_, *worksheet_, *findBar_, *splitter_);
+    texts_->setParent(this);
+    commands_ = new PluginActions(host_, *tabs_, *messages_, this);
+    worksheetActions_ = new WorksheetActions(*worksheet_, *tabs_, *project_, *board_, *messages_);
+    worksheetActions_->setParent(this);
+    const EditorParts parts{*this,     *splitter_,  *messages_, *tabs_,
+                            *findBar_, *worksheet_, *project_,  *board_,
+                            *files_,   *texts_,     *commands_, *worksheetActions_};
+    menus_ = new EditorMenus(parts, shortcuts_);
+    session_ = std::make_unique<SessionKeeper>(folders_, shortcuts_, parts);
+    status_ = new EditorStatusBar(&menus_->boardMenu(), this);
+    setStatusBar(status_);
+}
+
+void MainWindow::MakeToolBar()
+{
+    toolBar_ = new ControlToolBar(this);
+    addToolBar(toolBar_);
+    toolBar_->AddButton(Action::New, tr("New"), [this] { tabs_->New(); });
+    toolBar_->AddButton(Action::Open, tr("Open"), [this] { files_->OpenByDialog(); });
+    menus_->AddDocumentAction(
+        toolBar_->AddButton(Action::Save, tr("Save"), [this] { tabs_->SaveFront(); }));
+    toolBar_->addSeparator();
+}
+
+void MainWindow::ConnectParts()
+{
+    connect(tabs_, &DocumentTabs::FrontChanged, this, &MainWindow::ShowFront);
+    connect(tabs_, &DocumentTabs::Failed, messages_, &MessageArea::Report);
+    connect(project_, &Project::Changed, this, &MainWindow::ShowProject);
+    connect(board_, &BoardMonitor::Changed, this, [this] { status_->ShowBoard(board_->board()); });
+    connect(board_, &BoardMonitor::Failed, messages_, &MessageArea::Report);
+    connect(&menus_->commandsMenu(), &CommandsMenu::Chosen, commands_, &PluginActions::Perform);
+    connect(menus_, &EditorMenus::CommandMenuRequested, this,
+            [this] { commands_->OpenPopUp(toolBar_->FirstControl()); });
+    connect(menus_, &EditorMenus::PluginHelpRequested, this, &MainWindow::ShowPluginHelp);
+    connect(toolBar_, &ControlToolBar::ControlPressed, commands_, &PluginActions::PressControl);
+    connect(toolBar_, &ControlToolBar::MenuRequested, commands_, &PluginActions::OpenPopUp);
+    connect(&diskTimer_, &QTimer::timeout, this, &MainWindow::CheckDisk);
+    diskTimer_.start(kDiskCheckInterval);
+    runtime_.handlers.windowClosed = [this] { SavePluginSettings(); };
+    status_->ShowBoard(board_->board());
+}
+
+std::expected<void, std::string> MainWindow::Start()
+{
+    const auto problem = settings_.Load();
+    host_.SetSettings(&settings_);
+    host_.SetShortcuts(
+        [this](const std::string& command) { return ShortcutCode(shortcuts_.Shortcut(command)); });
+    if (const auto started = host_.Start(); !started) {
+        return started;
+    }
+    shortcuts_ = Shortcuts(DefaultShortcuts(), menus_->ReservedShortcuts());
+    session_->Restore();
+    menus_->commandsMenu().AddCommands(host_.commands());
+    if (problem) {
+        messages_->Report(QString::fromStdString(*problem));
+    }
+    if (const QStringList names = tabs_->FindRecovered(); !names.isEmpty()) {
+        messages_->OfferRecovery(
+            names, [this] { tabs_->Recover(); }, [this] { tabs_->DiscardRecovered(); });
+    }
+    return {};
+}
+
+void MainWindow::OpenFiles(const QStringList& files)
+{
+    files_->Open(files);
+    if (files.isEmpty() && tabs_->count() == 0) {
+        session_->OpenLastDocuments();
+    }
+    if (tabs_->count() == 0) {
+        tabs_->New();
+    }
+}
+
+void MainWindow::OpenDeviceWindow()
+{
+    commands_->OpenDeviceWindow();
+}
+
+void MainWindow::ReportPluginError(const std::string& error)
+{
+    messages_->Report(tr("The plug-in failed: %1").arg(QString::fromStdString(error)));
+}
+
+void MainWindow::ShowFront()
+{
+    auto* const page = tabs_->FrontPage();
+    const auto* const front = tabs_->Front();
+    host_.SetDocument(front != nullptr ? front->path() : std::string());
+    if (findBar_->editor() != worksheet_) {
+        findBar_->SetEditor(page != nullptr ? &page->editor() : nullptr);
+    }
+    setWindowTitle(front != nullptr ? EscapeForTitle(front->Name()) + "[*] – Quilp" : "Quilp");
+    setWindowModified(front != nullptr && front->IsModified());
+    menus_->EnableDocumentActions(page != nullptr);
+    if (page != nullptr) {
+        ConnectFront();
+        page->editor().zoomTo(texts_->zoom());
+    }
+    status_->ShowDocument(page);
+    ShowControls();
+}
+
+void MainWindow::ConnectFront()
+{
+    auto& editor = tabs_->FrontPage()->editor();
+    connect(&editor, &QsciScintilla::cursorPositionChanged, this, &MainWindow::ShowPosition,
+            Qt::UniqueConnection);
+    connect(&editor, &QsciScintilla::SCN_ZOOM, texts_, &TextActions::TakeZoom,
+            Qt::UniqueConnection);
+}
+
+void MainWindow::ShowPosition()
+{
+    status_->ShowDocument(tabs_->FrontPage());
+}
+
+void MainWindow::ShowProject()
+{
+    host_.SetTarget(project_->target().toStdString());
+    host_.SetProjectTarget(project_->folderTarget().toStdString());
+    status_->ShowProject(project_->folder(), QString::fromStdString(host_.TargetRef(0).path()));
+    ShowControls();
+}
+
+// The plug-in offers its controls for the front document as it is now.
+void MainWindow::ShowControls()
+{
+    toolBar_->ShowControls(host_.OfferedControls());
+}
+
+void MainWindow::ShowPluginHelp()
+{
+    QString text;
+    runtime_.Protect([&] { text = QString::fromStdString(plugin_.Help()); });
+    ::ShowPluginHelp(this, text);
+}
+
+// Not while the user answers another question.
+void MainWindow::CheckDisk()
+{
+    if (isActiveWindow() && QApplication::activeModalWidget() == nullptr &&
+        QApplication::activePopupWidget() == nullptr) {
+        tabs_->CheckDisk();
+        project_->FindFolderTarget();
+    }
+}
+
+void MainWindow::SavePluginSettings()
+{
+    if (const auto saved = host_.SaveSettings(); !saved) {
+        messages_->Report(QString::fromStdString(saved.error()));
+    }
+}
+
+// What could not be saved, as sentences.
+QStringList MainWindow::SaveEverything()
+{
+    QStringList problems = session_->Save();
+    runtime_.handlers.windowClosed = {};  // The settings are saved below.
+    runtime_.CloseWindows();
+    if (const auto saved = host_.SaveSettings(); !saved) {
+        problems.append(QString::fromStdString(saved.error()));
+    }
+    return problems;
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    if (!tabs_->MayCloseAll()) {
+        return event->ignore();
+    }
+    const auto problems = SaveEverything();
+    if (!problems.isEmpty()) {
+        QMessageBox::warning(this, tr("Quit"), problems.join('\n'));
+    }
+    tabs_->CloseAll();
+    event->accept();
+    Q_EMIT Ended();
+}
+
+void MainWindow::QuitWithoutAsking()
+{
+    tabs_->KeepCopies();
+    const auto problems = SaveEverything();
+    if (!problems.isEmpty()) {
+        std::fprintf(stderr, "quilp-editor: %s\n", qPrintable(problems.join("; ")));
+    }
+    Q_EMIT Ended();
+}
+
+void MainWindow::changeEvent(QEvent* event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && tabs_ != nullptr) {
+        CheckDisk();
+    }
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (!LocalFiles(*event->mimeData()).isEmpty()) {
+        AcceptAsCopy(event);
+    }
+}
+
+void MainWindow::dropEvent(QDropEvent* event)
+{
+    files_->Open(LocalFiles(*event->mimeData()));
+    AcceptAsCopy(event);
+}

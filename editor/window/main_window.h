@@ -1,0 +1,116 @@
+#pragma once
+
+#include "board_monitor.h"
+#include "document_tabs.h"
+#include "plugin_host.h"
+#include "plugin_settings.h"
+#include "project.h"
+#include "shortcuts.h"
+#include "user_folders.h"
+#include "worksheet.h"
+
+#include <QMainWindow>
+
+#include <memory>
+#include <string>
+
+class ControlToolBar;
+class EditorMenus;
+class EditorStatusBar;
+class FileActions;
+class FindBar;
+class MessageArea;
+class PluginActions;
+class QSplitter;
+class SessionKeeper;
+class TextActions;
+class WorksheetActions;
+
+// Where the programs and files are that the editor works with.
+struct EditorPlaces {
+    UserFolders folders;
+    std::string boardProgram;
+    std::string boardFolder;  // The virtual board's files.
+};
+
+// The editor's window: the frame that puts its parts together. Created and used on the
+// user-interface thread. It must be destroyed after Runtime::ShutDown, so that nothing of the
+// plug-in's still writes to it.
+class MainWindow final : public QMainWindow {
+    Q_OBJECT
+
+  public:
+    // `plugin` and `runtime` must outlive the window.
+    MainWindow(const PluginModule& plugin, Runtime& runtime, const EditorPlaces& places);
+    ~MainWindow() override;
+
+    // Starts the plug-in and restores the last session. The error is a sentence.
+    std::expected<void, std::string> Start();
+
+    // A folder among them becomes the project. Without files, the documents of the last session.
+    // What cannot be opened is reported in the window.
+    void OpenFiles(const QStringList& files);
+    void OpenDeviceWindow();
+
+    // Reports an exception that the plug-in threw.
+    void ReportPluginError(const std::string& error);
+
+    // Exits without a question, as when the desktop's session ends. Unsaved documents are offered
+    // again at the next start.
+    void QuitWithoutAsking();
+
+    DocumentTabs& documents() { return *tabs_; }
+    Project& project() { return *project_; }
+    BoardMonitor& board() { return *board_; }
+    Worksheet& worksheet() { return *worksheet_; }
+
+  Q_SIGNALS:
+    // Everything is saved, and the program may exit.
+    void Ended();
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+  private:
+    void MakeCentralWidget(const std::string& recoveryRoot);
+    void MakeActions();
+    void MakeToolBar();
+    void ConnectParts();
+    void ShowFront();
+    void ConnectFront();
+    void ShowPosition();
+    void ShowProject();
+    void ShowControls();
+    void ShowPluginHelp();
+    void CheckDisk();
+    void SavePluginSettings();
+    QStringList SaveEverything();
+
+    const PluginModule& plugin_;
+    Runtime& runtime_;
+    UserFolders folders_;
+    PluginSettings settings_;
+    PluginHost host_;
+    Shortcuts shortcuts_;
+    std::unique_ptr<SessionKeeper> session_;
+    QTimer diskTimer_;
+
+    // Owned by Qt's parents.
+    Project* project_;
+    BoardMonitor* board_;
+    QSplitter* splitter_ = nullptr;
+    MessageArea* messages_ = nullptr;
+    DocumentTabs* tabs_ = nullptr;
+    FindBar* findBar_ = nullptr;
+    Worksheet* worksheet_ = nullptr;
+    FileActions* files_ = nullptr;
+    TextActions* texts_ = nullptr;
+    PluginActions* commands_ = nullptr;
+    WorksheetActions* worksheetActions_ = nullptr;
+    EditorMenus* menus_ = nullptr;
+    ControlToolBar* toolBar_ = nullptr;
+    EditorStatusBar* status_ = nullptr;
+};

@@ -1,0 +1,82 @@
+#include "session.h"
+
+#include "file_bytes.h"
+
+#include <QSettings>
+
+#include <algorithm>
+#include <filesystem>
+
+namespace {
+
+constexpr const char* kRequiredKey = "editor/zoom";
+
+Session Read(QSettings& settings)
+{
+    Session session;
+    session.geometry = settings.value("window/geometry").toByteArray();
+    session.splitter = settings.value("window/splitter").toByteArray();
+    session.files = settings.value("session/files").toStringList();
+    session.front = settings.value("session/front").toString();
+    session.recent = settings.value("session/recent").toStringList();
+    session.folder = settings.value("session/folder").toString();
+    session.target = settings.value("session/target").toString();
+    session.zoom = std::clamp(settings.value(kRequiredKey, 0).toInt(), kMinZoom, kMaxZoom);
+    session.savesBeforeCommands = settings.value("editor/savesBeforeCommands", true).toBool();
+    session.appearance =
+        AppearanceNamed(settings.value("editor/appearance").toString().toStdString())
+            .value_or(Appearance::System);
+    return session;
+}
+
+QString SettingsOf(const std::string& path)
+{
+    return QString::fromStdString(path);
+}
+
+}  // namespace
+
+LoadedSession LoadSession(const std::string& path, Shortcuts& shortcuts)
+{
+    std::error_code error;
+    if (!std::filesystem::exists(path, error)) {
+        return {};
+    }
+    LoadedSession loaded;
+    QSettings settings(SettingsOf(path), QSettings::IniFormat);
+    loaded.session = Read(settings);
+    shortcuts.Load(settings);
+    // Qt accepts any text as values without a section.
+    const bool isOurs =
+        settings.contains(kRequiredKey) || std::filesystem::file_size(path, error) == 0;
+    if (settings.status() != QSettings::NoError || !isOurs) {
+        loaded.problem =
+            QString::fromStdString(SetAsideWithReport("The settings cannot be read", path));
+    }
+    return loaded;
+}
+
+std::expected<void, std::string> SaveSession(const std::string& path, const Session& session,
+                                             const Shortcuts& shortcuts)
+{
+    std::error_code error;
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path(), error);
+    QSettings settings(SettingsOf(path), QSettings::IniFormat);
+    settings.setValue("window/geometry", session.geometry);
+    settings.setValue("window/splitter", session.splitter);
+    settings.setValue("session/files", session.files);
+    settings.setValue("session/front", session.front);
+    settings.setValue("session/recent", session.recent);
+    settings.setValue("session/folder", session.folder);
+    settings.setValue("session/target", session.target);
+    settings.setValue(kRequiredKey, session.zoom);
+    settings.setValue("editor/savesBeforeCommands", session.savesBeforeCommands);
+    settings.setValue("editor/appearance",
+                      QString::fromStdString(AppearanceName(session.appearance)));
+    shortcuts.Save(settings);
+    settings.sync();
+    if (settings.status() != QSettings::NoError) {
+        return std::unexpected(path + " cannot be written");
+    }
+    return {};
+}

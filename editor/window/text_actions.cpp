@@ -1,0 +1,96 @@
+#include "text_actions.h"
+
+#include "document_tabs.h"
+#include "find_bar.h"
+#include "session.h"
+#include "text_editor.h"
+#include "worksheet.h"
+
+#include <QApplication>
+#include <QInputDialog>
+#include <QSplitter>
+
+#include <algorithm>
+
+TextActions::TextActions(DocumentTabs& tabs, Worksheet& worksheet, FindBar& findBar,
+                         QSplitter& splitter)
+    : tabs_(tabs), worksheet_(worksheet), findBar_(findBar), splitter_(splitter)
+{
+}
+
+QsciScintilla* TextActions::FocusedText() const
+{
+    if (worksheet_.hasFocus()) {
+        return &worksheet_;
+    }
+    auto* const page = tabs_.FrontPage();
+    return page != nullptr ? &page->editor() : nullptr;
+}
+
+bool TextActions::IsFindBarFocused() const
+{
+    const auto* const focused = QApplication::focusWidget();
+    return focused != nullptr && findBar_.isAncestorOf(focused);
+}
+
+// The fields of the find bar have slots of the same names as the texts.
+void TextActions::Edit(const char* slot)
+{
+    auto* const target = IsFindBarFocused() ? QApplication::focusWidget() : FocusedText();
+    if (target != nullptr &&
+        target->metaObject()->indexOfSlot(QByteArray(slot).append("()").constData()) >= 0) {
+        QMetaObject::invokeMethod(target, slot);
+    }
+}
+
+void TextActions::Search(void (FindBar::*search)())
+{
+    if (!IsFindBarFocused()) {
+        findBar_.SetEditor(FocusedText());
+    }
+    (findBar_.*search)();
+}
+
+void TextActions::GoToLine(DocumentPage& page)
+{
+    auto& editor = page.editor();
+    bool accepted = false;
+    const int line = QInputDialog::getInt(page.window(), tr("Go to Line"), tr("Line:"),
+                                          editor.CaretLine(), 1, editor.lines(), 1, &accepted);
+    if (accepted) {
+        editor.GoToLine(line);
+    }
+}
+
+void TextActions::ZoomTo(int zoom)
+{
+    zoom_ = std::clamp(zoom, kMinZoom, kMaxZoom);
+    for (int i = 0; i < tabs_.count(); ++i) {
+        static_cast<DocumentPage*>(tabs_.widget(i))->editor().zoomTo(zoom_);
+    }
+    worksheet_.zoomTo(zoom_);
+}
+
+// The other texts follow when they come to the front.
+void TextActions::TakeZoom()
+{
+    if (auto* const page = tabs_.FrontPage()) {
+        const auto zoom = page->editor().SendScintilla(QsciScintilla::SCI_GETZOOM);
+        zoom_ = std::clamp(static_cast<int>(zoom), kMinZoom, kMaxZoom);
+    }
+}
+
+void TextActions::SwitchToWorksheet()
+{
+    if (worksheet_.hasFocus() && tabs_.FrontPage() != nullptr) {
+        tabs_.FrontPage()->editor().setFocus();
+    } else {
+        worksheet_.setFocus();
+    }
+}
+
+void TextActions::EnlargeWorksheet(int pixels)
+{
+    const auto sizes = splitter_.sizes();
+    splitter_.setSizes({sizes[0] - pixels, sizes[1] + pixels});
+}

@@ -1,0 +1,82 @@
+#include "worksheet_actions.h"
+
+#include "board_monitor.h"
+#include "document_tabs.h"
+#include "link_target.h"
+#include "message_area.h"
+#include "project.h"
+#include "text_editor.h"
+#include "user_shell.h"
+#include "worksheet.h"
+
+#include <QDir>
+
+#include <filesystem>
+
+WorksheetActions::WorksheetActions(Worksheet& worksheet, DocumentTabs& tabs, const Project& project,
+                                   const BoardMonitor& board, MessageArea& messages)
+    : worksheet_(worksheet),
+      tabs_(tabs),
+      project_(project),
+      board_(board),
+      messages_(messages),
+      shell_(new UserShell(this))
+{
+    connect(&worksheet_, &Worksheet::LinkChosen, this, &WorksheetActions::FollowLink);
+    connect(&worksheet_, &Worksheet::RunRequested, this, &WorksheetActions::RunLine);
+    connect(shell_, &UserShell::Output, this,
+            [this](const std::string& text) { worksheet_.Append(text); });
+}
+
+std::string WorksheetActions::WorkingFolder() const
+{
+    const auto* const front = tabs_.Front();
+    if (project_.folder().isEmpty() && front != nullptr && !front->path().empty()) {
+        return std::filesystem::path(front->path()).parent_path().string();
+    }
+    return (project_.folder().isEmpty() ? QDir::homePath() : project_.folder()).toStdString();
+}
+
+void WorksheetActions::RunLine(const QString& text)
+{
+    if (worksheet_.lineLength(worksheet_.lines() - 1) > 0) {
+        worksheet_.Append("\n");
+    }
+    shell_->Run(text, QString::fromStdString(WorkingFolder()));
+}
+
+void WorksheetActions::StopShell()
+{
+    shell_->Stop();
+}
+
+void WorksheetActions::FollowLink(const QString& path, int line)
+{
+    const auto file =
+        FindLinkedFile(path.toStdString(),
+                       {WorkingFolder(), project_.folder().toStdString(), board_.boardFolder()});
+    if (file.empty()) {
+        messages_.Report(tr("There is no file %1 on this computer.").arg(path));
+    } else if (tabs_.Open(QString::fromStdString(file))) {
+        tabs_.FrontPage()->editor().GoToLine(line);
+    }
+}
+
+void WorksheetActions::GoToNextPlace()
+{
+    if (!worksheet_.GoToNextLink()) {
+        ReportNoTraceback();
+    }
+}
+
+void WorksheetActions::GoToPreviousPlace()
+{
+    if (!worksheet_.GoToPreviousLink()) {
+        ReportNoTraceback();
+    }
+}
+
+void WorksheetActions::ReportNoTraceback()
+{
+    messages_.Report(tr("There is no traceback in the worksheet."));
+}

@@ -1,0 +1,26 @@
+#include "shortcut_code.h"
+
+#include "Menu.h"
+#include "key_events.h"
+
+namespace {
+
+// 0 when the key has no code.
+std::uint32_t KeyCode(Qt::Key key)
+{
+    if (key >= Qt::Key_F1 && key <= Qt::Key_F31) {
+        return static_cast<std::uint32_t>(key - Qt::Key_F1 + 1 + kFunctionKeyBase);
+    }
+    return key <= Qt::Key_ydiaeresis ? static_cast<std::uint32_t>(key) : 0;
+}
+
+}  // namespace
+
+std::pair<std::uint32_t, std::uint32_t> ShortcutCode(const QKeySequence& keys)
+{
+    if (keys.count() != 1) {
+        return {0, 0};
+    }
+    const std::uint32_t key = KeyCode(keys[0].key());
+    return {key, key != 0 ? ModifierMask(keys[0].keyboardModifiers()) : 0};
+}

@@ -1,9 +1,0 @@
-#include "bundle.h"
-
-#include "Bundle.h"
-
-std::string ResourcePathFromBundle(void* bundle)
-{
-    return bundle == nullptr ? std::string()
-                             : static_cast<PluginBundle*>(bundle)->path + "/Resources";
-}

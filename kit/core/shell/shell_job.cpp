@@ -1,0 +1,206 @@
+#include "shell_job.h"
+
+#include "descriptors.h"
+
+#include <poll.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <system_error>
+#include <tuple>
+#include <utility>
+
+namespace {
+
+constexpr std::chrono::milliseconds kFlushDelay{30};
+constexpr std::chrono::milliseconds kPipeGrace{100};
+constexpr std::chrono::milliseconds kTerminationGrace{500};
+// How often to check for what no descriptor reports.
+constexpr std::chrono::milliseconds kPollInterval{20};
+constexpr std::size_t kMaxDrained = 1 << 20;  // bytes
+constexpr int kNotStarted = 127;              // As shells report it.
+
+// Signals are handled on the program's main thread.
+void BlockSignalsInThisThread()
+{
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_BLOCK, &all, nullptr);
+}
+
+}  // namespace
+
+ShellJob::ShellJob(Program program, std::shared_ptr<const OnOutput> onOutput, UiQueue& queue)
+    : program_(std::move(program)),
+      onOutput_(std::move(onOutput)),
+      queue_(queue),
+      status_(kNotStarted)
+{
+}
+
+void ShellJob::Start(const std::function<void()>& onThreadEnd)
+{
+    started_ = true;
+    std::ignore = MakePipe(wake_);  // Without a pipe, Wait checks for a stop at intervals.
+    try {
+        thread_ = std::thread([this, onThreadEnd] {
+            BlockSignalsInThisThread();
+            RunProgram();
+            onThreadEnd();
+        });
+    } catch (const std::system_error& error) {
+        (*onOutput_)(std::string("No thread can be started: ") + error.what() + "\n");
+        onThreadEnd();
+    }
+}
+
+void ShellJob::Stop()
+{
+    const auto dropped = std::exchange(done_, {});
+    if (stopped_.exchange(true) || !thread_.joinable()) {
+        return;
+    }
+    std::ignore = WriteFully(wake_[1], "s");
+    queue_.WakeWaiting();
+}
+
+void ShellJob::Join()
+{
+    if (thread_.joinable()) {
+        thread_.join();
+    }
+    for (int& fd : wake_) {
+        CloseDescriptor(std::exchange(fd, -1));
+    }
+}
+
+void ShellJob::Complete()
+{
+    if (auto done = std::exchange(done_, {})) {
+        done();
+    }
+    if (const auto onEnd = std::exchange(onEnd_, {})) {
+        onEnd({status_, stopped_});
+    }
+}
+
+void ShellJob::RunProgram()
+{
+    if (!program_.words) {
+        return Forward(program_.words.error() + "\n");
+    }
+    auto child = ChildProcess::Start(*program_.words, program_.environment, program_.folder);
+    if (!child) {
+        return Forward(child.error() + "\n");
+    }
+    Follow(*child);
+}
+
+void ShellJob::Follow(ChildProcess& child)
+{
+    while (!IsFinished()) {
+        if (stopped_ && !killAt_) {
+            child.SignalGroup(SIGTERM);
+            killAt_ = Clock::now() + kTerminationGrace;
+        }
+        Wait(child);
+        CheckDeadlines(child);
+    }
+    DrainAfterExit(child);
+    Forward(splitter_.TakeRest());
+    if (stopped_) {
+        // Members of the group that have closed the pipe may still be running.
+        child.SignalGroup(SIGKILL);
+    }
+    status_ = child.Reap();
+}
+
+bool ShellJob::IsFinished() const
+{
+    if (!exited_) {
+        return false;
+    }
+    return !outputOpen_ || killed_ || (!killAt_ && Clock::now() >= *giveUpPipeAt_);
+}
+
+void ShellJob::Wait(const ChildProcess& child)
+{
+    auto until = Clock::now() + std::chrono::hours(1);
+    for (const auto& deadline :
+         {flushAt_, killAt_ ? std::nullopt : giveUpPipeAt_, killed_ ? std::nullopt : killAt_}) {
+        until = std::min(until, deadline.value_or(until));
+    }
+    if (child.exitFd() < 0 || wake_[0] < 0) {
+        until = std::min(until, Clock::now() + kPollInterval);
+    }
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now());
+    // poll() ignores a descriptor of -1.
+    std::array<pollfd, 3> fds{{{outputOpen_ ? child.outputFd() : -1, POLLIN, 0},
+                               {exited_ ? -1 : child.exitFd(), POLLIN, 0},
+                               {killAt_ ? -1 : wake_[0], POLLIN, 0}}};
+    poll(fds.data(), fds.size(), std::max(0, static_cast<int>(left.count())));
+    if (fds[0].revents != 0) {
+        ReadOutput(child);
+    }
+    if (!exited_ && (fds[1].revents != 0 || child.exitFd() < 0) && child.HasExited()) {
+        exited_ = true;
+        giveUpPipeAt_ = Clock::now() + kPipeGrace;
+    }
+}
+
+void ShellJob::ReadOutput(const ChildProcess& child)
+{
+    const std::string bytes = ReadAvailable(child.outputFd());
+    if (bytes.empty()) {
+        outputOpen_ = false;
+        return;
+    }
+    ForwardLines(bytes);
+    flushAt_.reset();
+    if (splitter_.hasUnfinished()) {
+        flushAt_ = Clock::now() + kFlushDelay;
+    }
+}
+
+// What the program printed before it exited is still in the pipe if this thread had to wait.
+void ShellJob::DrainAfterExit(const ChildProcess& child)
+{
+    for (std::size_t drained = 0; outputOpen_ && !stopped_ && drained < kMaxDrained;) {
+        const std::string bytes = ReadAvailable(child.outputFd());
+        if (bytes.empty()) {
+            return;
+        }
+        drained += bytes.size();
+        ForwardLines(bytes);
+    }
+}
+
+void ShellJob::CheckDeadlines(const ChildProcess& child)
+{
+    const auto now = Clock::now();
+    if (flushAt_ && now >= *flushAt_) {
+        flushAt_.reset();
+        Forward(splitter_.TakeUnfinished());
+    }
+    if (killAt_ && !killed_ && now >= *killAt_) {
+        child.SignalGroup(SIGKILL);
+        killed_ = true;
+    }
+}
+
+void ShellJob::ForwardLines(std::string_view bytes)
+{
+    for (auto& piece : splitter_.Feed(bytes)) {
+        Forward(std::move(piece));
+    }
+}
+
+void ShellJob::Forward(std::string piece)
+{
+    // Pieces are usually posted to the queue, which must not grow without bounds.
+    queue_.WaitForRoom(stopped_);
+    if (!piece.empty() && !stopped_) {
+        (*onOutput_)(std::move(piece));
+    }
+}

@@ -1,0 +1,104 @@
+#pragma once
+
+#include "child_process.h"
+#include "line_splitter.h"
+#include "ui_queue.h"
+#include "unique_function.h"
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <expected>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+// Jobs of one group share something, such as the board's port: a job starts only after every
+// stopped job of its group has ended. The Runtime sees to that.
+enum class JobGroup { Board, UserShell };
+
+// How a job ended.
+struct JobResult {
+    int status = 0;  // Exit status; 128 plus the signal's number; 127 if it could not be started.
+    bool stopped = false;
+};
+
+// One program that runs in the background: the child process and the thread that reads its output.
+// Created, stopped, joined and destroyed on the user-interface thread; owned by the Runtime while
+// it runs.
+class ShellJob {
+  public:
+    struct Program {
+        // The program and its arguments, or a sentence that is shown as its output instead.
+        std::expected<std::vector<std::string>, std::string> words;
+        std::vector<std::string> environment;  // "NAME=value"
+        std::string folder;                    // Empty for this process's own.
+        JobGroup group = JobGroup::Board;
+    };
+    // Called on the job's thread with one piece of output; see SimpleShell.
+    using OnOutput = std::function<void(std::string&&)>;
+
+    // `queue` must outlive the job's thread.
+    ShellJob(Program program, std::shared_ptr<const OnOutput> onOutput, UiQueue& queue);
+
+    // Called on the user-interface thread after the last piece, unless the job is stopped: then it
+    // is destroyed without a call.
+    void SetCompletion(unique_function<void()> done) { done_ = std::move(done); }
+    // Called on the user-interface thread when the job has ended, stopped or not.
+    void SetEndHandler(std::function<void(JobResult)> handler) { onEnd_ = std::move(handler); }
+
+    JobGroup group() const { return program_.group; }
+
+    // Starts the job's thread. `onThreadEnd` is the last thing that thread calls.
+    void Start(const std::function<void()>& onThreadEnd);
+    bool IsStarted() const { return started_; }
+
+    // Terminates the program and drops the completion. Returns at once; further calls do nothing.
+    void Stop();
+    bool IsStopped() const { return stopped_; }
+
+    // Waits for the thread, which ends soon after it called `onThreadEnd` or the job was stopped.
+    void Join();
+
+    // Calls the completion and the end handler.
+    void Complete();
+
+  private:
+    using Clock = std::chrono::steady_clock;
+
+    void RunProgram();
+    void Follow(ChildProcess& child);
+    void Wait(const ChildProcess& child);
+    void ReadOutput(const ChildProcess& child);
+    void DrainAfterExit(const ChildProcess& child);
+    void CheckDeadlines(const ChildProcess& child);
+    bool IsFinished() const;
+    void ForwardLines(std::string_view bytes);
+    void Forward(std::string piece);
+
+    const Program program_;
+    const std::shared_ptr<const OnOutput> onOutput_;
+    unique_function<void()> done_;
+    std::function<void(JobResult)> onEnd_;
+    UiQueue& queue_;
+
+    bool started_ = false;
+    std::thread thread_;
+    std::array<int, 2> wake_{-1, -1};
+    std::atomic<bool> stopped_ = false;
+    int status_;  // Written by the thread; read after Join.
+
+    // Used on the job's thread only.
+    LineSplitter splitter_;
+    bool outputOpen_ = true;
+    bool exited_ = false;
+    std::optional<Clock::time_point> flushAt_;  // Forward the unfinished line.
+    std::optional<Clock::time_point>
+        giveUpPipeAt_;                         // Others may hold the pipe of an exited program.
+    std::optional<Clock::time_point> killAt_;  // Set once SIGTERM was sent.
+    bool killed_ = false;
+};

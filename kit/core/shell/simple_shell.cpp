@@ -1,0 +1,65 @@
+#include "SimpleShell.h"
+
+#include "command_line.h"
+#include "runtime.h"
+#include "shell_job.h"
+
+#include <utility>
+
+namespace {
+
+// Python programs, mpremote among them, then print at once and in UTF-8.
+std::vector<std::string> ToolEnvironment()
+{
+    std::vector<std::string> words = CurrentEnvironment();
+    std::erase_if(words, [](const std::string& word) {
+        return word.starts_with("PYTHONUNBUFFERED=") || word.starts_with("PYTHONUTF8=");
+    });
+    words.emplace_back("PYTHONUNBUFFERED=1");
+    words.emplace_back("PYTHONUTF8=1");
+    return words;
+}
+
+}  // namespace
+
+struct SimpleShell::State {
+    std::shared_ptr<const ShellJob::OnOutput> onOutput;
+    std::string label;
+    std::shared_ptr<ShellJob> job;
+};
+
+SimpleShell::SimpleShell(std::function<void(std::string&&)> onOutput, const std::string& label)
+    : state_(std::make_unique<State>())
+{
+    state_->onOutput = std::make_shared<const ShellJob::OnOutput>(std::move(onOutput));
+    state_->label = label;
+}
+
+SimpleShell::~SimpleShell()
+{
+    Stop();
+}
+
+void SimpleShell::Run(const std::string& commandLine, unique_function<void()>&& done)
+{
+    Stop();
+    Runtime& runtime = Runtime::Current();
+    auto words = SplitCommandLine(commandLine);
+    if (!words) {
+        words = std::unexpected("The command line cannot be read: " + words.error());
+    }
+    const auto job = std::make_shared<ShellJob>(
+        ShellJob::Program{std::move(words), ToolEnvironment(), {}, JobGroup::Board},
+        state_->onOutput, runtime.queue());
+    job->SetCompletion(std::move(done));
+    if (runtime.Start(job)) {
+        state_->job = job;
+    }
+}
+
+void SimpleShell::Stop()
+{
+    if (const auto job = std::exchange(state_->job, nullptr)) {
+        job->Stop();
+    }
+}

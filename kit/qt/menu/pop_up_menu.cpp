@@ -1,0 +1,50 @@
+#include "Menu.h"
+#include "menu_widget.h"
+#include "runtime.h"
+
+#include <QApplication>
+#include <QPointer>
+#include <QWindow>
+
+#include <utility>
+
+namespace {
+
+// The action of the item that the user chooses, if the host lets it run; empty for none. The menu
+// closes with the window that it lies over, for whatever reason that closes.
+std::function<void()> LetUserChoose(const BMenu& menu, BPoint where)
+{
+    std::string label;
+    std::function<void()> chosen;
+    auto* const window = QApplication::activeWindow();
+    const QPointer<QMenu> widget =
+        MakeMenuWidget(menu, window, [&](const auto& itsLabel, const auto& action) {
+            label = itsLabel;
+            chosen = action;
+        });
+    if (window != nullptr) {
+        QObject::connect(window->windowHandle(), &QWindow::visibleChanged, widget, &QWidget::close);
+    }
+    widget->exec(QPointF(where.x, where.y).toPoint());
+    delete widget;  // Unless it has gone already.
+    const auto& mayPerform = Runtime::Current().handlers.mayPerform;
+    const bool isRefused = chosen && mayPerform && !mayPerform(label);
+    return isRefused ? nullptr : chosen;
+}
+
+}  // namespace
+
+BPopUpMenu::BPopUpMenu(const char* name, bool, bool) : BMenu(name) {}
+
+void BPopUpMenu::Go(BPoint where, bool, bool, bool, BView* /*view*/)
+{
+    AboutToShow();
+    const Runtime& runtime = Runtime::Current();
+    if (runtime.handlers.choosePopUpItem) {
+        if (const auto* item = runtime.handlers.choosePopUpItem(*this)) {
+            item->Action()();
+        }
+    } else if (const auto action = LetUserChoose(*this, where)) {
+        runtime.Protect(action);
+    }
+}

@@ -1,0 +1,266 @@
+#include "table_widget.h"
+
+#include "key_events.h"
+#include "row_painter.h"
+#include "window_widget.h"
+
+#include <QContextMenuEvent>
+#include <QHeaderView>
+#include <QPainter>
+
+#include <algorithm>
+#include <chrono>
+
+namespace {
+
+constexpr int kSizeColumnWidth = 110;
+constexpr int kNarrowestName = 60;
+// How near to the edge of a row a drop is one between rows.
+constexpr int kBetweenRows = 3;
+
+}  // namespace
+
+TableWidget::TableWidget(QWidget* parent) : QTreeView(parent), model_(new TableModel(this))
+{
+    setModel(model_);
+    setItemDelegate(new RowPainter(*this));
+    setRootIsDecorated(false);
+    setUniformRowHeights(true);
+    setItemsExpandable(false);
+    setAllColumnsShowFocus(true);
+    setAlternatingRowColors(true);
+    setSelectionMode(ExtendedSelection);
+    setEditTriggers(NoEditTriggers);
+    setVerticalScrollMode(ScrollPerPixel);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setDropIndicatorShown(false);
+    setDragDropMode(NoDragDrop);
+    header()->setSectionsMovable(false);
+    header()->setStretchLastSection(false);
+    header()->setMinimumSectionSize(kNarrowestName);
+}
+
+void TableWidget::SetColumns(const QStringList& titles)
+{
+    columns_ = titles;
+    model_->SetColumns(titles);
+    for (int column = 1; column < titles.size(); ++column) {
+        header()->resizeSection(column, kSizeColumnWidth);
+    }
+}
+
+std::vector<int> TableWidget::SelectedRows() const
+{
+    std::vector<int> rows;
+    for (const auto& index : selectionModel()->selectedRows()) {
+        rows.push_back(index.row());
+    }
+    std::ranges::sort(rows);
+    return rows;
+}
+
+void TableWidget::SelectRow(int row, bool extend)
+{
+    model_->Publish();
+    const auto index = model_->index(row, 0);
+    if (!index.isValid()) {
+        return;
+    }
+    using Selection = QItemSelectionModel;
+    selectionModel()->setCurrentIndex(
+        index, (extend ? Selection::Select : Selection::ClearAndSelect) | Selection::Rows);
+    scrollTo(index);
+}
+
+void TableWidget::ClearRows()
+{
+    target_ = {};  // Its row goes.
+    model_->Clear();
+}
+
+// --- Keys and the mouse
+
+bool TableWidget::event(QEvent* event)
+{
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto& key = static_cast<QKeyEvent&>(*event);
+        // Else a shortcut of the window would take what the window's code may be waiting for.
+        const bool isChord = key.modifiers().testFlag(Qt::ControlModifier) &&
+                             (key.key() == Qt::Key_Backspace || key.key() == Qt::Key_Up ||
+                              key.key() == Qt::Key_Down);
+        if (isChord && handlers.keyDown) {
+            event->accept();
+            return true;
+        }
+    }
+    return QTreeView::event(event);
+}
+
+bool TableWidget::HandleKey(const QKeyEvent& event)
+{
+    const QByteArray bytes = KeyBytes(event);
+    bool handled = false;
+    if (handlers.keyDown && !bytes.isEmpty()) {
+        const HandledKey handledKey(event);
+        const auto keyDown = handlers.keyDown;
+        CallWindow(*this,
+                   [&] { handled = keyDown(bytes.constData(), static_cast<int>(bytes.size())); });
+    }
+    return handled;
+}
+
+void TableWidget::keyPressEvent(QKeyEvent* event)
+{
+    if (HandleKey(*event)) {
+        return;
+    }
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isReturn && (event->modifiers() & ~Qt::KeypadModifier) == 0) {
+        return Invoke(currentIndex());
+    }
+    QTreeView::keyPressEvent(event);
+}
+
+void TableWidget::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    QTreeView::mouseDoubleClickEvent(event);
+    if (event->button() == Qt::LeftButton) {
+        Invoke(indexAt(event->position().toPoint()));
+    }
+}
+
+void TableWidget::Invoke(const QModelIndex& index)
+{
+    if (index.isValid() && handlers.invoke) {
+        CallWindow(*this, [&] { handlers.invoke(index.row(), index.column()); });
+    }
+}
+
+void TableWidget::contextMenuEvent(QContextMenuEvent* event)
+{
+    QPoint at = event->globalPos();
+    if (event->reason() == QContextMenuEvent::Keyboard) {
+        at = viewport()->mapToGlobal(visualRect(currentIndex()).center());
+    }
+    if (handlers.showMenu) {
+        CallWindow(*this, [&] { handlers.showMenu(at); });
+    }
+    event->accept();
+}
+
+// --- Drag and drop
+
+TableWidget::DropTarget TableWidget::ProposeTarget(const QPoint& at) const
+{
+    const auto index = indexAt(at);
+    if (!index.isValid()) {
+        return {nullptr, model_->CountRows()};
+    }
+    const QRect row = visualRect(index);
+    if (at.y() < row.top() + kBetweenRows) {
+        return {nullptr, index.row()};
+    }
+    if (at.y() > row.bottom() - kBetweenRows) {
+        return {nullptr, index.row() + 1};
+    }
+    return {model_->RowAt(index.row()), -1};
+}
+
+// The drag operation for the place where the drag is; target_ is what the window's code makes of
+// that place.
+int TableWidget::Validate(const QDropEvent& event)
+{
+    target_ = ProposeTarget(event.position().toPoint());
+    int operation = NSDragOperationNone;
+    if (handlers.validateDrop && event.possibleActions().testFlag(Qt::CopyAction)) {
+        DraggingInfo info(event.mimeData());
+        CallWindow(*this,
+                   [&] { operation = handlers.validateDrop(&info, target_.row, target_.index); });
+    }
+    return operation;
+}
+
+void TableWidget::ShowDropTarget(bool show)
+{
+    showsTarget_ = show;
+    viewport()->update();
+}
+
+void TableWidget::dragEnterEvent(QDragEnterEvent* event)
+{
+    dragMoveEvent(event);
+}
+
+void TableWidget::dragMoveEvent(QDragMoveEvent* event)
+{
+    const bool accepts = Validate(*event) == NSDragOperationCopy;
+    ShowDropTarget(accepts);
+    if (accepts) {
+        event->setDropAction(Qt::CopyAction);
+        event->accept();
+        startAutoScroll();
+    } else {
+        event->ignore();
+    }
+}
+
+void TableWidget::dragLeaveEvent(QDragLeaveEvent* /*event*/)
+{
+    stopAutoScroll();
+    ShowDropTarget(false);
+}
+
+void TableWidget::dropEvent(QDropEvent* event)
+{
+    stopAutoScroll();
+    ShowDropTarget(false);
+    event->ignore();
+    // Anew: the rows may have changed since the drag moved last.
+    if (Validate(*event) != NSDragOperationCopy || !handlers.acceptDrop) {
+        return;
+    }
+    DraggingInfo info(event->mimeData());
+    bool accepted = false;
+    CallWindow(*this, [&] { accepted = handlers.acceptDrop(&info, target_.row, target_.index); });
+    if (accepted) {
+        event->setDropAction(Qt::CopyAction);
+        event->accept();
+    }
+}
+
+void TableWidget::PaintDropTarget()
+{
+    QPainter painter(viewport());
+    QColor color = palette().color(QPalette::Highlight);
+    for (int row = 0; target_.row != nullptr && row < model_->rowCount(); ++row) {
+        if (model_->RowAt(row) == target_.row) {
+            QRect area = visualRect(model_->index(row, 0));
+            area.setRight(viewport()->width() - 1);
+            color.setAlpha(70);
+            painter.fillRect(area, color);
+            return;
+        }
+    }
+    painter.setPen(QPen(color, 2));
+    painter.drawRect(viewport()->rect().adjusted(1, 1, -1, -1));
+}
+
+void TableWidget::paintEvent(QPaintEvent* event)
+{
+    QTreeView::paintEvent(event);
+    if (showsTarget_) {
+        PaintDropTarget();
+    }
+}
+
+void TableWidget::resizeEvent(QResizeEvent* event)
+{
+    QTreeView::resizeEvent(event);
+    int others = 0;
+    for (int column = 1; column < header()->count(); ++column) {
+        others += header()->sectionSize(column);
+    }
+    if (header()->count() > 0) {
+        header()->resizeSection(0, std::max(viewport()->width() - others, kNarrowestName));
+    }
+}
