@@ -39,7 +39,7 @@ PluginHost::PluginHost(const PluginModule& plugin, Runtime& runtime, Worksheet w
 std::int32_t PluginHost::Send(int message)
 {
     std::int32_t reply = 0;
-    runtime_.Protect([&] { reply = plugin_.Main(message, this); });
+    Runtime::Protect([&] { reply = plugin_.Main(message, this); });
     return reply;
 }
 
@@ -117,7 +117,7 @@ bool PluginHost::PerformFromMenu(const std::string& label)
         return known ? found->get() : nullptr;
     };
     bool performed = false;  // Without an exception.
-    runtime_.Protect([&] {
+    Runtime::Protect([&] {
         plugin_.Main(kPopUpRequested, this);
         performed = known;
     });

@@ -8,9 +8,6 @@
 // Used on the user-interface thread.
 class SettingsStore {
   public:
-    SettingsStore() = default;
-    SettingsStore(const SettingsStore&) = delete;
-    SettingsStore& operator=(const SettingsStore&) = delete;
     virtual ~SettingsStore() = default;
 
     // From now on Replace accepts lines under this key.

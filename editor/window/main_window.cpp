@@ -247,7 +247,7 @@ void MainWindow::ShowControls()
 void MainWindow::ShowPluginHelp()
 {
     QString text;
-    runtime_.Protect([&] { text = QString::fromStdString(plugin_.Help()); });
+    Runtime::Protect([&] { text = QString::fromStdString(plugin_.Help()); });
     ::ShowPluginHelp(this, text);
 }
 

@@ -25,6 +25,8 @@ ShellJob::Program ProgramFor(const QString& command, const QString& folder)
         .environment = CurrentEnvironment(),
         .folder = QFile::encodeName(folder).toStdString(),
         .group = JobGroup::UserShell,
+        .splitsLines = false,
+        .forwardsAfterStop = true,
     };
     if (!QFileInfo(folder).isDir()) {
         program.words = std::unexpected("There is no folder " + folder.toStdString() + ".");
@@ -58,19 +60,10 @@ void UserShell::Run(const QString& command, const QString& folder)
         runtime.queue());
     job_->SetEndHandler([self](JobResult result) {
         if (self) {
-            self->JobEnded(result.status);
+            Q_EMIT self->Finished(result.status);
         }
     });
-    ++unfinished_;
-    if (!runtime.Start(job_)) {
-        JobEnded(0);
-    }
-}
-
-void UserShell::JobEnded(int status)
-{
-    --unfinished_;
-    Q_EMIT Finished(status);
+    runtime.Start(job_);
 }
 
 void UserShell::Stop()

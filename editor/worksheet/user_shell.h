@@ -25,19 +25,13 @@ class UserShell final : public QObject {
     // Terminates everything that the command started; kills what is left after half a second.
     void Stop();
 
-    // Until Finished.
-    bool IsRunning() const { return unfinished_ > 0; }
-
   Q_SIGNALS:
-    // What the command printed, or a sentence about a command that cannot be run.
+    // What the command printed, at most 64 KiB at a time, or why it cannot be run.
     void Output(const std::string& bytes);
     // With the exit status, 128 plus the signal's number, or 127 when it could not be run. Programs
     // that the command started in the background keep running, without a reader of their output.
     void Finished(int status);
 
   private:
-    void JobEnded(int status);
-
     std::shared_ptr<ShellJob> job_;  // The last one, also when it has ended.
-    int unfinished_ = 0;
 };

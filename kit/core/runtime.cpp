@@ -39,11 +39,12 @@ Runtime& Runtime::Current()
     return *current;
 }
 
-void Runtime::Protect(const std::function<void()>& call) const
+void Runtime::Protect(const std::function<void()>& call)
 {
-    if (!handlers.error) {
+    if (current == nullptr || !current->handlers.error) {
         return call();
     }
+    const auto& handlers = current->handlers;
     try {
         call();
     } catch (const std::exception& error) {
@@ -85,17 +86,10 @@ void Runtime::JobEnded(const ShellJob* job)
     const std::shared_ptr<ShellJob> ended = std::move(*found);
     jobs_.erase(found);
     ended->Join();
-    const auto neverStarted = [](const auto& other) {
-        return !other->IsStarted() && other->IsStopped();
-    };
-    const auto dropped = std::ranges::stable_partition(jobs_, std::not_fn(neverStarted));
-    const std::vector overtaken(dropped.begin(), dropped.end());
-    jobs_.erase(dropped.begin(), dropped.end());
+    std::erase_if(jobs_,
+                  [](const auto& other) { return !other->IsStarted() && other->IsStopped(); });
     StartWaitingJobs();
     ended->Complete();
-    for (const auto& other : overtaken) {
-        other->Complete();
-    }
     if (IsIdle() && handlers.idle) {
         handlers.idle();
     }

@@ -48,7 +48,7 @@ class Runtime {
     Handlers handlers;
 
     // Calls code of a plug-in. An exception is reported to the error handler as a sentence.
-    void Protect(const std::function<void()>& call) const;
+    static void Protect(const std::function<void()>& call);
 
     // Whether no command runs, waits or is being stopped.
     bool IsIdle() const { return jobs_.empty(); }

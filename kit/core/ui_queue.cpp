@@ -114,6 +114,6 @@ bool UiQueue::RunNext()
             room_.notify_all();
         }
     }
-    Runtime::Current().Protect([&task] { task(); });
+    Runtime::Protect([&task] { task(); });
     return true;
 }

@@ -31,7 +31,7 @@ bool CallWindow(const QWidget& widget, Function&& function)
     const auto* window = dynamic_cast<const WindowWidget*>(widget.window());
     const auto alive = window != nullptr ? window->looper() : nullptr;
     if (alive) {
-        Runtime::Current().Protect(std::forward<Function>(function));
+        Runtime::Protect(std::forward<Function>(function));
     }
     return alive != nullptr;
 }

@@ -1,7 +1,6 @@
 #include "editor_window_fixture.h"
 
 #include "message_bar.h"
-#include "protect.h"
 #include "run_control.h"
 #include "text_editor.h"
 
@@ -32,7 +31,9 @@ void EditorWindow::Start(const QStringList& documents, const std::string& plugin
     plugin_.emplace(std::move(*loaded));
     runtime_ = std::make_unique<Runtime>();
     window_ = std::make_unique<MainWindow>(*plugin_, *runtime_, places);
-    SetErrorHandler([this](const std::string& error) { window_->TellOfPlugin(error); });
+    runtime_->handlers.error = [this](const std::string& error) {
+        window_->ReportPluginError(error);
+    };
     const auto started = window_->Start();
     ASSERT_TRUE(started) << started.error();
     window_->OpenFiles(documents);
@@ -63,7 +64,6 @@ void EditorWindow::End()
     if (runtime_) {
         runtime_->ShutDown();
     }
-    SetErrorHandler({});
     window_.reset();
     runtime_.reset();
     plugin_.reset();

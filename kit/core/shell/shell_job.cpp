@@ -58,7 +58,11 @@ void ShellJob::Start(const std::function<void()>& onThreadEnd)
 void ShellJob::Stop()
 {
     const auto dropped = std::exchange(done_, {});
-    if (stopped_.exchange(true) || !thread_.joinable()) {
+    if (stopped_.exchange(true)) {
+        return;
+    }
+    discardsOutput_ = !program_.forwardsAfterStop;
+    if (!thread_.joinable()) {
         return;
     }
     std::ignore = WriteFully(wake_[1], "s");
@@ -151,12 +155,12 @@ void ShellJob::Wait(const ChildProcess& child)
 
 void ShellJob::ReadOutput(const ChildProcess& child)
 {
-    const std::string bytes = ReadAvailable(child.outputFd());
+    std::string bytes = ReadAvailable(child.outputFd());
     if (bytes.empty()) {
         outputOpen_ = false;
         return;
     }
-    ForwardLines(bytes);
+    ForwardAll(std::move(bytes));
     flushAt_.reset();
     if (splitter_.hasUnfinished()) {
         flushAt_ = Clock::now() + kFlushDelay;
@@ -166,13 +170,13 @@ void ShellJob::ReadOutput(const ChildProcess& child)
 // What the program printed before it exited is still in the pipe if this thread had to wait.
 void ShellJob::DrainAfterExit(const ChildProcess& child)
 {
-    for (std::size_t drained = 0; outputOpen_ && !stopped_ && drained < kMaxDrained;) {
-        const std::string bytes = ReadAvailable(child.outputFd());
+    for (std::size_t drained = 0; outputOpen_ && !discardsOutput_ && drained < kMaxDrained;) {
+        std::string bytes = ReadAvailable(child.outputFd());
         if (bytes.empty()) {
             return;
         }
         drained += bytes.size();
-        ForwardLines(bytes);
+        ForwardAll(std::move(bytes));
     }
 }
 
@@ -189,8 +193,11 @@ void ShellJob::CheckDeadlines(const ChildProcess& child)
     }
 }
 
-void ShellJob::ForwardLines(std::string_view bytes)
+void ShellJob::ForwardAll(std::string bytes)
 {
+    if (!program_.splitsLines) {
+        return Forward(std::move(bytes));
+    }
     for (auto& piece : splitter_.Feed(bytes)) {
         Forward(std::move(piece));
     }
@@ -199,8 +206,8 @@ void ShellJob::ForwardLines(std::string_view bytes)
 void ShellJob::Forward(std::string piece)
 {
     // Pieces are usually posted to the queue, which must not grow without bounds.
-    queue_.WaitForRoom(stopped_);
-    if (!piece.empty() && !stopped_) {
+    queue_.WaitForRoom(discardsOutput_);
+    if (!piece.empty() && !discardsOutput_) {
         (*onOutput_)(std::move(piece));
     }
 }

@@ -38,8 +38,10 @@ class ShellJob {
         std::vector<std::string> environment;  // "NAME=value"
         std::string folder;                    // Empty for this process's own.
         JobGroup group = JobGroup::Board;
+        bool splitsLines = true;         // Otherwise output is forwarded as it arrives.
+        bool forwardsAfterStop = false;  // Otherwise a stopped program's output is discarded.
     };
-    // Called on the job's thread with one piece of output; see SimpleShell.
+    // Called on the job's thread with one piece of output of at most 64 KiB; see SimpleShell.
     using OnOutput = std::function<void(std::string&&)>;
 
     // `queue` must outlive the job's thread.
@@ -48,7 +50,7 @@ class ShellJob {
     // Called on the user-interface thread after the last piece, unless the job is stopped: then it
     // is destroyed without a call.
     void SetCompletion(unique_function<void()> done) { done_ = std::move(done); }
-    // Called on the user-interface thread when the job has ended, stopped or not.
+    // Called on the user-interface thread when a started job has ended, stopped or not.
     void SetEndHandler(std::function<void(JobResult)> handler) { onEnd_ = std::move(handler); }
 
     JobGroup group() const { return program_.group; }
@@ -77,7 +79,7 @@ class ShellJob {
     void DrainAfterExit(const ChildProcess& child);
     void CheckDeadlines(const ChildProcess& child);
     bool IsFinished() const;
-    void ForwardLines(std::string_view bytes);
+    void ForwardAll(std::string bytes);
     void Forward(std::string piece);
 
     const Program program_;
@@ -90,6 +92,7 @@ class ShellJob {
     std::thread thread_;
     std::array<int, 2> wake_{-1, -1};
     std::atomic<bool> stopped_ = false;
+    std::atomic<bool> discardsOutput_ = false;
     int status_;  // Written by the thread; read after Join.
 
     // Used on the job's thread only.

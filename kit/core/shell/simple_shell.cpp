@@ -49,7 +49,8 @@ void SimpleShell::Run(const std::string& commandLine, unique_function<void()>&& 
         words = std::unexpected("The command line cannot be read: " + words.error());
     }
     const auto job = std::make_shared<ShellJob>(
-        ShellJob::Program{std::move(words), ToolEnvironment(), {}, JobGroup::Board},
+        ShellJob::Program{
+            .words = std::move(words), .environment = ToolEnvironment(), .folder = {}},
         state_->onOutput, runtime.queue());
     job->SetCompletion(std::move(done));
     if (runtime.Start(job)) {

@@ -39,12 +39,12 @@ BPopUpMenu::BPopUpMenu(const char* name, bool, bool) : BMenu(name) {}
 void BPopUpMenu::Go(BPoint where, bool, bool, bool, BView* /*view*/)
 {
     AboutToShow();
-    const Runtime& runtime = Runtime::Current();
-    if (runtime.handlers.choosePopUpItem) {
-        if (const auto* item = runtime.handlers.choosePopUpItem(*this)) {
+    const auto& choose = Runtime::Current().handlers.choosePopUpItem;
+    if (choose) {
+        if (const auto* item = choose(*this)) {
             item->Action()();
         }
     } else if (const auto action = LetUserChoose(*this, where)) {
-        runtime.Protect(action);
+        Runtime::Protect(action);
     }
 }

@@ -47,7 +47,7 @@ BOutlineTableView::BOutlineTableView(std::unique_ptr<Native> native) : BView(std
 {
     Widget(*this).handlers.drawItem = [this](QPainter& painter, FTableItem& item, BRect cell) {
         BView::native().painter = &painter;
-        Runtime::Current().Protect([&] { item.DrawItem(this, cell); });
+        Runtime::Protect([&] { item.DrawItem(this, cell); });
         BView::native().painter = nullptr;
     };
 }

@@ -1,4 +1,4 @@
-#include "line_cutter.h"
+#include "line_splitter.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@ const std::string kEuro = "\xE2\x82\xAC";
 
 }  // namespace
 
-TEST(LineCutter, HandsOnLinesWithTheirEndings)
+TEST(LineSplitter, HandsOnLinesWithTheirEndings)
 {
     struct Row {
         const char* name;
@@ -30,7 +30,7 @@ TEST(LineCutter, HandsOnLinesWithTheirEndings)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        LineCutter cutter;
+        LineSplitter cutter;
         Pieces lines;
         for (const auto& bytes : row.fed) {
             for (auto& line : cutter.Feed(bytes)) {
@@ -42,7 +42,7 @@ TEST(LineCutter, HandsOnLinesWithTheirEndings)
     }
 }
 
-TEST(LineCutter, AnUnfinishedLineKeepsBackAnUnfinishedCharacter)
+TEST(LineSplitter, AnUnfinishedLineKeepsBackAnUnfinishedCharacter)
 {
     struct Row {
         const char* name;
@@ -61,24 +61,24 @@ TEST(LineCutter, AnUnfinishedLineKeepsBackAnUnfinishedCharacter)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        LineCutter cutter;
+        LineSplitter cutter;
         cutter.Feed(row.fed);
         EXPECT_EQ(cutter.TakeUnfinished(), row.taken);
         EXPECT_EQ(row.taken + cutter.TakeRest(), row.fed);
     }
 }
 
-TEST(LineCutter, ALineWithoutEndIsCutBetweenCharactersAndLosesNothing)
+TEST(LineSplitter, ALineWithoutEndIsCutBetweenCharactersAndLosesNothing)
 {
     std::string text = "x";
-    while (text.size() < 3 * LineCutter::kLongestPiece) {
+    while (text.size() < 3 * LineSplitter::kMaxPiece) {
         text += kEuro;
     }
-    LineCutter cutter;
+    LineSplitter cutter;
     Pieces pieces = cutter.Feed(text);
     ASSERT_EQ(pieces.size(), 3u);
     for (const auto& piece : pieces) {
-        EXPECT_LE(piece.size(), LineCutter::kLongestPiece);
+        EXPECT_LE(piece.size(), LineSplitter::kMaxPiece);
         EXPECT_TRUE(piece.ends_with(kEuro));
     }
     EXPECT_EQ(std::accumulate(pieces.begin(), pieces.end(), std::string()) + cutter.TakeRest(),

@@ -12,7 +12,8 @@ TEST(Options, GoodCommandLinesAreUnderstood)
     EXPECT_EQ(options->document, "a b.py");
     EXPECT_EQ(options->target, "t.py");
     EXPECT_EQ(options->commands,
-              (std::vector<BatchCommand>{BatchAction::Run, Wait(0.5), BatchAction::UploadAsMain}));
+              (std::vector<BatchCommand>{FindCommandByBatchWord("run"), Wait(0.5),
+                                         FindCommandByBatchWord("upload-as-main")}));
     EXPECT_TRUE(ParseOptions({"--virtual-board", "--batch", "run"})->boardFolder.empty());
     EXPECT_EQ(ParseOptions({"run", "--virtual-board", "--", "--batch"})->files,
               (std::vector<std::string>{"run", "--batch"}));

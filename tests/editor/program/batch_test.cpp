@@ -217,7 +217,7 @@ TEST(Batch, BadInputGetsAMessageAndItsStatus)
         {{"--plugin", local / "no.so", "--batch", "help"}, 3, "there is no plug-in"},
         {{"--plugin", nonsense, "--batch", "help"}, 3, "cannot be loaded"},
         {{"--plugin", plugins + "/no_plugin.so", "--batch", "help"}, 3, "is not a plug-in"},
-        {{"--plugin", plugins + "/refusing_plugin.so", "--batch", "help"}, 3, "answers 7"},
+        {{"--plugin", plugins + "/refusing_plugin.so", "--batch", "help"}, 3, "answered 7"},
         {{"--document", text, "--batch", "run"}, 1, "there is no Python document or target"},
         {{"--batch", "upload"}, 1, "there is no Python document or target"},
         {{"--virtual-board=" + text, "--batch", "list"}, 1, "Not a directory"},

@@ -4,7 +4,6 @@
 #include "Menu.h"
 #include "OutlineTableView.h"
 #include "plugin_bundle.h"
-#include "protect.h"
 #include "runtime.h"
 #include "wait.h"
 
@@ -135,7 +134,7 @@ TEST_F(WindowTest, AButtonRunsItsFunctionInALivingTargetOnly)
 TEST_F(WindowTest, WhatItsCodeThrowsIsReported)
 {
     std::vector<std::string> errors;
-    SetErrorHandler([&](const std::string& error) { errors.push_back(error); });
+    runtime.handlers.error = [&](const std::string& error) { errors.push_back(error); };
     const auto window = Make(kDescription);
     window->Show();
     window->FindViewByTag<BButton>(5)->SetInvokeTarget(
@@ -149,5 +148,5 @@ TEST_F(WindowTest, WhatItsCodeThrowsIsReported)
     EXPECT_TRUE(WaitUntil([&] { return errors.size() == 2; }));
     EXPECT_EQ(errors.front(), "of the window");
     window->Quit();
-    SetErrorHandler({});
+    runtime.handlers.error = {};
 }

@@ -361,6 +361,6 @@ TEST_F(WorksheetTest, ALineWithoutEndIsBroken)
     EXPECT_TRUE(text.endsWith("\nlast"));
     EXPECT_GE(text.size(), 90'000);
     for (int line = 0; line < sheet.lines(); ++line) {
-        EXPECT_LE(sheet.text(line).size(), WorksheetText::kLongestLine + 1);
+        EXPECT_LE(sheet.text(line).size(), OutputText::kLongestLine + 1);
     }
 }

@@ -26,7 +26,7 @@ TEST(CommandLine, IsCutByQuotesAndNothingElseOfAShellHappens)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        const auto words = CutCommandLine(row.line);
+        const auto words = SplitCommandLine(row.line);
         ASSERT_TRUE(words) << words.error();
         EXPECT_EQ(*words, row.words);
     }
@@ -35,6 +35,6 @@ TEST(CommandLine, IsCutByQuotesAndNothingElseOfAShellHappens)
 TEST(CommandLine, UnbalancedQuotesAndEmptyLinesAreErrors)
 {
     for (const char* line : {"rm -r :'it's'", "run \"a", "", " \n"}) {
-        EXPECT_FALSE(CutCommandLine(line)) << line;
+        EXPECT_FALSE(SplitCommandLine(line)) << line;
     }
 }

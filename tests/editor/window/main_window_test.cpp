@@ -1,6 +1,8 @@
 // The editor as its user meets it: the real window, the real plug-in, the real tool.
 
 #include "editor_window_fixture.h"
+
+#include "appearance.h"
 #include "file_bytes.h"
 #include "leaks.h"
 #include "program.h"
@@ -203,7 +205,7 @@ TEST_F(EditorWindow, OpensThePopUpUnderItsControlInEveryState)
             EXPECT_TRUE(WaitUntil([] { return QApplication::activePopupWidget() == nullptr; }));
             QCoreApplication::processEvents();
         } else {
-            Action("Menu of All Commands")->trigger();
+            Action("Show Command Menu")->trigger();
         }
     }
 }
@@ -257,7 +259,7 @@ TEST_F(EditorWindow, SavesForAnItemOfThePopUpOnceItIsChosen)
                 WhenAskedPress(*answer);
             }
         });
-        Action("Menu of All Commands")->trigger();
+        Action("Show Command Menu")->trigger();
     };
     choose("nothing");
     choose("Stop ");
@@ -424,7 +426,7 @@ TEST_F(EditorWindow, RecoversTwoTextsOfOneFileAndLosesNeither)
         Action("Undo")->trigger();
         EXPECT_EQ(editor().Content(), "old\n");
         Action("Redo")->trigger();
-        EXPECT_TRUE(RunUntilEnd([this] { window().EndAtOnce(); }));
+        EXPECT_TRUE(RunUntilEnd([this] { window().QuitWithoutAsking(); }));
         End();
     }
 }
@@ -676,10 +678,10 @@ TEST_F(EditorWindow, LivesOnWhenThePluginThrowsOrTalksNonsense)
     EXPECT_EQ(Controls(), QStringList(""));
     window().findChild<RunControl*>()->click();
     EXPECT_TRUE(Message().contains("message 100")) << Message().toStdString();
-    Action("Menu of All Commands")->trigger();
+    Action("Show Command Menu")->trigger();
     EXPECT_TRUE(Message().contains("message 101")) << Message().toStdString();
     Press(Qt::Key_F8);
-    EXPECT_TRUE(Message().contains("no such window")) << Message().toStdString();
+    EXPECT_TRUE(Message().contains("no Device window")) << Message().toStdString();
     WhenAskedPress(QMessageBox::Ok);
     Press(Qt::Key_F1);
     EXPECT_TRUE(Message().contains("no help")) << Message().toStdString();
@@ -710,7 +712,7 @@ TEST_F(EditorWindow, EndsWithoutAQuestionWhenToldAndOffersTheTextAgain)
     const QString path = Write("a.py", "old\n");
     Start({path});
     Type("new ");
-    EXPECT_TRUE(RunUntilEnd([this] { window().EndAtOnce(); }));
+    EXPECT_TRUE(RunUntilEnd([this] { window().QuitWithoutAsking(); }));
     End();
     Start({path});
     Answer("Recover");
@@ -723,7 +725,7 @@ TEST_F(EditorWindow, AsksBeforeItShowsALineThatIsSlowToEdit)
     Start({path});
     EXPECT_EQ(window().documents().Paths(), QStringList());
     EXPECT_TRUE(Message().startsWith("Line 2 of " + path)) << Message().toStdString();
-    Answer("Open It");
+    Answer("Open Anyway");
     EXPECT_EQ(window().documents().Paths(), QStringList(path));
 
     const QString small = Write("small.py", "x = 1\n");
@@ -805,7 +807,7 @@ TEST_F(EditorWindow, DISABLED_IsTheSameUsersOtherEditor)
     std::puts("ready");
     std::fflush(stdout);
     ASSERT_TRUE(WaitUntil([&] { return std::filesystem::exists(root + "/leave"); }));
-    window().EndAtOnce();
+    window().QuitWithoutAsking();
 }
 
 TEST_F(EditorWindow, TwoAtOnceLeaveEachOtherAlone)
@@ -825,7 +827,7 @@ TEST_F(EditorWindow, TwoAtOnceLeaveEachOtherAlone)
     ASSERT_TRUE(other.WaitForExit(std::chrono::seconds(20)));
     EXPECT_EQ(other.Status(), 0) << other.output();
     Type("also unsaved ");
-    EXPECT_TRUE(RunUntilEnd([this] { window().EndAtOnce(); }));
+    EXPECT_TRUE(RunUntilEnd([this] { window().QuitWithoutAsking(); }));
     End();
     const auto settings = ReadFile(folder / "config/plugins.settings");
     EXPECT_NE(settings.find("OtherPlugin -kept\n"), std::string::npos) << settings;
@@ -840,9 +842,9 @@ TEST_F(EditorWindow, IconsFollowTheAppearance)
 {
     Start();
     const auto draw = [this](Appearance appearance) {
-        window().SetEditorAppearance(appearance);
+        SetAppearance(appearance);
         return window().findChild<QToolButton*>("board")->icon().pixmap(16).toImage();
     };
     EXPECT_NE(draw(Appearance::Light), draw(Appearance::Dark));
-    window().SetEditorAppearance(Appearance::System);
+    SetAppearance(Appearance::System);
 }
