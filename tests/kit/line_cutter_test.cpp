@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <numeric>
-
 namespace {
 
 using Pieces = std::vector<std::string>;
@@ -12,30 +10,26 @@ const std::string kEuro = "\xE2\x82\xAC";
 
 }  // namespace
 
-TEST(LineCutter, HandsOnLinesWithTheirEndings)
+TEST(LineCutter, SplitsLinesWithTheirEndings)
 {
-    struct Row {
+    const struct {
         const char* name;
-        Pieces fed;
-        Pieces lines;
-        const char* rest;
-    };
-    const Row rows[] = {
+        Pieces fed, lines;
+        std::string rest;
+    } rows[] = {
         {"several lines at once", {"a\nb\n"}, {"a\n", "b\n"}, ""},
         {"a line in three parts", {"a", "b", "c\n"}, {"abc\n"}, ""},
         {"the ending alone", {"a\r", "\n"}, {"a\r\n"}, ""},
         {"empty lines", {"\n\n"}, {"\n", "\n"}, ""},
         {"no ending", {"a\nb"}, {"a\n"}, "b"},
-        {"a zero byte", {{"a\0b\n", 4}}, {{"a\0b\n", 4}}, ""},
+        {"a NUL", {{"a\0b\n", 4}}, {{"a\0b\n", 4}}, ""},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         LineCutter cutter;
         Pieces lines;
         for (const auto& bytes : row.fed) {
-            for (auto& line : cutter.Feed(bytes)) {
-                lines.push_back(std::move(line));
-            }
+            std::ranges::move(cutter.Feed(bytes), std::back_inserter(lines));
         }
         EXPECT_EQ(lines, row.lines);
         EXPECT_EQ(cutter.TakeRest(), row.rest);
@@ -44,43 +38,42 @@ TEST(LineCutter, HandsOnLinesWithTheirEndings)
 
 TEST(LineCutter, AnUnfinishedLineKeepsBackAnUnfinishedCharacter)
 {
-    struct Row {
+    const struct {
         const char* name;
-        std::string fed;
-        std::string taken;
-    };
-    const Row rows[] = {
-        {"ASCII", "ab", "ab"},
-        {"whole character", "a" + kEuro, "a" + kEuro},
-        {"one byte of three", "a\xE2", "a"},
-        {"two bytes of three", "a\xE2\x82", "a"},
-        {"three bytes of four", "a\xF0\x9F\x98", "a"},
-        {"only a beginning", "\xC3", ""},
-        {"stray continuation bytes", "a\x80\x80\x80\x80\x80", "a\x80\x80\x80\x80\x80"},
-        {"a byte that begins nothing", "a\xFF", "a\xFF"},
+        std::string taken, kept;
+    } rows[] = {
+        {"ASCII", "ab", ""},
+        {"whole character", "a" + kEuro, ""},
+        {"one byte of three", "a", "\xE2"},
+        {"two bytes of three", "a", "\xE2\x82"},
+        {"three bytes of four", "a", "\xF0\x9F\x98"},
+        {"only a beginning", "", "\xC3"},
+        {"stray continuation bytes", "a\x80\x80\x80\x80\x80", ""},
+        {"a byte that begins nothing", "a\xFF", ""},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         LineCutter cutter;
-        cutter.Feed(row.fed);
+        cutter.Feed(row.taken + row.kept);
         EXPECT_EQ(cutter.TakeUnfinished(), row.taken);
-        EXPECT_EQ(row.taken + cutter.TakeRest(), row.fed);
+        EXPECT_EQ(cutter.TakeRest(), row.kept);
     }
 }
 
-TEST(LineCutter, ALineWithoutEndIsCutBetweenCharactersAndLosesNothing)
+TEST(LineCutter, ALineWithoutEndIsSplitBetweenCharactersAndLosesNothing)
 {
     std::string text = "x";
     while (text.size() < 3 * LineCutter::kLongestPiece) {
         text += kEuro;
     }
     LineCutter cutter;
-    Pieces pieces = cutter.Feed(text);
+    const Pieces pieces = cutter.Feed(text);
     ASSERT_EQ(pieces.size(), 3u);
+    std::string all;
     for (const auto& piece : pieces) {
         EXPECT_LE(piece.size(), LineCutter::kLongestPiece);
         EXPECT_TRUE(piece.ends_with(kEuro));
+        all += piece;
     }
-    EXPECT_EQ(std::accumulate(pieces.begin(), pieces.end(), std::string()) + cutter.TakeRest(),
-              text);
+    EXPECT_EQ(all + cutter.TakeRest(), text);
 }

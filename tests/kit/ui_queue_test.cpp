@@ -8,6 +8,7 @@
 #include <QEventLoop>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -15,13 +16,6 @@
 namespace {
 
 const std::atomic<bool> kNever = false;
-
-// Tells on which thread it was destroyed.
-struct ThreadAtEnd {
-    explicit ThreadAtEnd(std::thread::id& where) : id(&where) {}
-    ~ThreadAtEnd() { *id = std::this_thread::get_id(); }
-    std::thread::id* id;
-};
 
 }  // namespace
 
@@ -45,9 +39,7 @@ TEST(UiQueue, RunsWhatEachThreadPostedInItsOrderOnTheUiThread)
     std::jthread second(post, 1);
     ASSERT_TRUE(WaitUntil([&] { return order[0].size() + order[1].size() == 2 * kTasks; }));
     EXPECT_FALSE(elsewhere);
-    for (const auto& one : order) {
-        EXPECT_TRUE(std::ranges::is_sorted(one));
-    }
+    EXPECT_TRUE(std::ranges::is_sorted(order[0]) && std::ranges::is_sorted(order[1]));
 }
 
 TEST(UiQueue, ATaskThatOpensAnEventLoopDoesNotHoldUpOrReorderTheNext)
@@ -72,36 +64,30 @@ TEST(UiQueue, ATaskThatOpensAnEventLoopDoesNotHoldUpOrReorderTheNext)
 TEST(UiQueue, AFloodLeavesTurnsToOtherEvents)
 {
     UiQueue queue;
-    std::atomic<bool> stop = false;
-    std::jthread flood([&] {
-        while (!stop) {
-            queue.WaitForRoom(kNever);
-            queue.Post([] { std::this_thread::sleep_for(std::chrono::milliseconds(1)); });
-        }
-    });
-    using Clock = std::chrono::steady_clock;
-    std::chrono::milliseconds longest{0};
-    for (int turn = 0; turn < 20; ++turn) {
-        const auto begin = Clock::now();
-        QCoreApplication::processEvents();
-        longest =
-            std::max(longest, std::chrono::ceil<std::chrono::milliseconds>(Clock::now() - begin));
+    int ran = 0;
+    for (int i = 0; i < 1000; ++i) {
+        queue.Post([&] {
+            ++ran;
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        });
     }
-    stop = true;
+    QCoreApplication::processEvents();
+    EXPECT_GT(ran, 0);
+    EXPECT_LT(ran, 100);  // A turn of 8 ms, on a machine that may be busy.
     queue.Close();
-    flood.join();
     queue.Purge();
-    EXPECT_LT(longest.count(), 200);  // A turn of 8 ms, on a machine that may be busy.
 }
 
-TEST(UiQueue, CloseFreesWhoWaitsAndPurgeDestroysTheRestOnTheUiThread)
+TEST(UiQueue, CloseReleasesWhoWaitsAndPurgeDestroysTheRestOnTheUiThread)
 {
     UiQueue queue;
     std::thread::id destroyedOn;
     bool ran = false;
     std::atomic<int> posted = 0;
     std::jthread flood([&] {
-        queue.Post([&ran, guard = std::make_unique<ThreadAtEnd>(destroyedOn)] { ran = true; });
+        std::shared_ptr<void> guard(nullptr,
+                                    [&](void*) { destroyedOn = std::this_thread::get_id(); });
+        queue.Post([&ran, held = std::move(guard)] { ran = true; });
         for (; posted < 5000; ++posted) {
             queue.WaitForRoom(kNever);
             queue.Post([&ran] { ran = true; });
