@@ -38,25 +38,19 @@ TEST(LineCutter, SplitsLinesWithTheirEndings)
 
 TEST(LineCutter, AnUnfinishedLineKeepsBackAnUnfinishedCharacter)
 {
-    const struct {
-        const char* name;
-        std::string taken, kept;
-    } rows[] = {
-        {"ASCII", "ab", ""},
-        {"whole character", "a" + kEuro, ""},
-        {"one byte of three", "a", "\xE2"},
-        {"two bytes of three", "a", "\xE2\x82"},
-        {"three bytes of four", "a", "\xF0\x9F\x98"},
-        {"only a beginning", "", "\xC3"},
-        {"stray continuation bytes", "a\x80\x80\x80\x80\x80", ""},
-        {"a byte that begins nothing", "a\xFF", ""},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
+    const std::pair<std::string, std::string> rows[] = {{"ab", ""},
+                                                        {"a" + kEuro, ""},
+                                                        {"a", "\xE2"},
+                                                        {"a", "\xE2\x82"},
+                                                        {"a", "\xF0\x9F\x98"},
+                                                        {"", "\xC3"},
+                                                        {"stray \x80\x80\x80\x80\x80", ""},
+                                                        {"no beginning \xFF", ""}};
+    for (const auto& [taken, kept] : rows) {
         LineCutter cutter;
-        cutter.Feed(row.taken + row.kept);
-        EXPECT_EQ(cutter.TakeUnfinished(), row.taken);
-        EXPECT_EQ(cutter.TakeRest(), row.kept);
+        cutter.Feed(taken + kept);
+        EXPECT_EQ(cutter.TakeUnfinished(), taken);
+        EXPECT_EQ(cutter.TakeRest(), kept);
     }
 }
 
@@ -67,13 +61,12 @@ TEST(LineCutter, ALineWithoutEndIsSplitBetweenCharactersAndLosesNothing)
         text += kEuro;
     }
     LineCutter cutter;
-    const Pieces pieces = cutter.Feed(text);
-    ASSERT_EQ(pieces.size(), 3u);
     std::string all;
-    for (const auto& piece : pieces) {
+    for (const auto& piece : cutter.Feed(text)) {
         EXPECT_LE(piece.size(), LineCutter::kLongestPiece);
         EXPECT_TRUE(piece.ends_with(kEuro));
         all += piece;
     }
+    EXPECT_GT(all.size(), 2 * LineCutter::kLongestPiece);
     EXPECT_EQ(all + cutter.TakeRest(), text);
 }

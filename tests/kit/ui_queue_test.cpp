@@ -10,55 +10,46 @@
 #include <atomic>
 #include <chrono>
 #include <memory>
+#include <string>
 #include <thread>
 #include <vector>
 
-namespace {
-
-const std::atomic<bool> kNever = false;
-
-}  // namespace
+static const std::atomic<bool> kNever = false;
 
 TEST(UiQueue, RunsWhatEachThreadPostedInItsOrderOnTheUiThread)
 {
     constexpr int kTasks = 20000;  // Far more than the queue holds.
     UiQueue queue;
-    std::vector<int> order[2];
     const auto ui = std::this_thread::get_id();
-    bool elsewhere = false;
-    const auto post = [&](int who) {
+    std::vector<int> order[2];
+    const auto post = [&](std::vector<int>& ran) {
         for (int i = 0; i < kTasks; ++i) {
             queue.WaitForRoom(kNever);
-            queue.Post([&, who, i] {
-                elsewhere |= std::this_thread::get_id() != ui;
-                order[who].push_back(i);
-            });
+            queue.Post([&ran, ui, i] { ran.push_back(std::this_thread::get_id() == ui ? i : -1); });
         }
     };
-    std::jthread first(post, 0);
-    std::jthread second(post, 1);
+    std::jthread first(post, std::ref(order[0]));
+    std::jthread second(post, std::ref(order[1]));
     ASSERT_TRUE(WaitUntil([&] { return order[0].size() + order[1].size() == 2 * kTasks; }));
-    EXPECT_FALSE(elsewhere);
-    EXPECT_TRUE(std::ranges::is_sorted(order[0]) && std::ranges::is_sorted(order[1]));
+    for (const auto& ran : order) {
+        EXPECT_TRUE(ran.front() == 0 && std::ranges::is_sorted(ran));
+    }
 }
 
 TEST(UiQueue, ATaskThatOpensAnEventLoopDoesNotHoldUpOrReorderTheNext)
 {
     UiQueue queue;
-    std::vector<int> order;
+    std::string order;
     QEventLoop menu;
     queue.Post([&] {
-        order.push_back(1);
+        order += "1";
         menu.exec();
-        order.push_back(4);
+        order += "4";
     });
-    queue.Post([&] { order.push_back(2); });
-    queue.Post([&] {
-        order.push_back(3);
-        menu.quit();
-    });
+    queue.Post([&] { order += "2"; });
+    queue.Post([&] { order += "3", menu.quit(); });
     ASSERT_TRUE(WaitUntil([&] { return order.size() == 4; }));
-    EXPECT_EQ(order, (std::vector{1, 2, 3, 4}));
+    EXPECT_EQ(order, "1234");
 }
 
 TEST(UiQueue, AFloodLeavesTurnsToOtherEvents)
@@ -85,9 +76,8 @@ TEST(UiQueue, CloseReleasesWhoWaitsAndPurgeDestroysTheRestOnTheUiThread)
     bool ran = false;
     std::atomic<int> posted = 0;
     std::jthread flood([&] {
-        std::shared_ptr<void> guard(nullptr,
-                                    [&](void*) { destroyedOn = std::this_thread::get_id(); });
-        queue.Post([&ran, held = std::move(guard)] { ran = true; });
+        const auto note = [&](void*) { destroyedOn = std::this_thread::get_id(); };
+        queue.Post([&ran, held = std::shared_ptr<void>(nullptr, note)] { ran = true; });
         for (; posted < 5000; ++posted) {
             queue.WaitForRoom(kNever);
             queue.Post([&ran] { ran = true; });
