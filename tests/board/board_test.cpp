@@ -1,52 +1,21 @@
 #include "board_process.h"
 
-#include "descriptors.h"
-
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 
 #include <chrono>
 #include <filesystem>
-#include <random>
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// A raw client of the line, for what the tool would not send.
-class Line {
+// A line in the raw REPL, connected as the tool does: interrupt, raw REPL, soft reset.
+class RawLine : public BoardLine {
   public:
-    explicit Line(const BoardProcess& board)
-        : fd_(open(board.devicePath().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC))
-    {
-    }
-    Line(const Line&) = delete;
-    Line& operator=(const Line&) = delete;
-    ~Line() { CloseDescriptor(fd_); }
-
-    void Send(std::string_view text) const { EXPECT_TRUE(WriteFully(fd_, text)); }
-
-    // Reads up to and with `text`; all there was when it did not come.
-    std::string ReadTo(std::string_view text)
-    {
-        const auto end = Clock::now() + std::chrono::seconds(15);
-        while (pending_.find(text) == std::string::npos && Clock::now() < end) {
-            pollfd readable{fd_, POLLIN, 0};
-            poll(&readable, 1, 20);
-            pending_ += ReadAvailable(fd_);
-        }
-        const auto at = pending_.find(text);
-        const auto size = at == std::string::npos ? pending_.size() : at + text.size();
-        const std::string taken = pending_.substr(0, size);
-        pending_.erase(0, size);
-        return taken;
-    }
-
-    // As the tool connects: interrupt, raw REPL, soft reset.
-    void EnterRawRepl()
+    explicit RawLine(const BoardProcess& board) : BoardLine(board.devicePath())
     {
         const std::string banner = "raw REPL; CTRL-B to exit\r\n>";
         Send("\r\x03\r\x01");
@@ -55,11 +24,20 @@ class Line {
         ReadTo("soft reboot\r\n");
         EXPECT_TRUE(ReadTo(banner).ends_with(banner));
     }
-
-  private:
-    int fd_;
-    std::string pending_;
 };
+
+// What a sent text brings, up to and with `end`.
+struct Exchange {
+    std::string_view sent, end, received;
+};
+
+void ExpectExchanges(BoardLine& line, std::initializer_list<Exchange> exchanges)
+{
+    for (const auto& one : exchanges) {
+        line.Send(one.sent);
+        EXPECT_EQ(line.ReadTo(one.end), one.received) << "after " << one.sent.substr(0, 80);
+    }
+}
 
 }  // namespace
 
@@ -72,11 +50,10 @@ TEST(Board, ServesTheRealTool)
     local.Write("tree/one.txt", "one");
     local.Write("tree/sub/two.txt", "two");
 
-    struct Row {
+    const struct {
         std::vector<std::string> words;
         std::string output;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {{"run", hello}, "42 yes\r\n"},
         {{"cp", bytes, ":b.bin"}, "cp " + bytes + " :b.bin\n"},
         {{"mkdir", ":data"}, "mkdir :data\n"},
@@ -114,70 +91,55 @@ TEST(Board, APathCannotLeaveTheBoardsFolder)
 TEST(Board, EveryKindOfEndlessProgramIsInterruptedAtOnce)
 {
     const BoardProcess board;
-    const char* programs[] = {
-        "while True: pass",
-        "import time\nprint('go')\ntime.sleep(1000)",
-        "while True: print('x' * 60)",
-        "input()",
-        "try:\n while True: pass\nfinally: print('cleaned up')",
-    };
-    for (const char* program : programs) {
+    for (const std::string program : {
+             "while True: pass",
+             "import time\nprint('go')\ntime.sleep(1000)",
+             "while True: print('x' * 60)",
+             "input()",
+             "try:\n while True: pass\nfinally: print('cleaned up')",
+         }) {
         SCOPED_TRACE(program);
-        Line line(board);
-        line.EnterRawRepl();
-        line.Send(std::string(program) + "\x04");
+        RawLine line(board);
+        line.Send(program + "\x04");
         line.ReadTo("OK");
-        poll(nullptr, 0, 50);  // It is under way; nothing tells.
+        poll(nullptr, 0, 50);  // It has started; nothing reports that.
         const auto begin = Clock::now();
         line.Send("\x03");
         const auto rest = line.ReadTo("KeyboardInterrupt: \r\n\x04>");
         EXPECT_TRUE(rest.ends_with("KeyboardInterrupt: \r\n\x04>"));
         EXPECT_LT(Clock::now() - begin, std::chrono::milliseconds(500));
         EXPECT_EQ(rest.find("cleaned up") != std::string::npos,
-                  std::string(program).find("finally") != std::string::npos);
+                  program.find("finally") != std::string::npos);
     }
 }
 
 TEST(Board, AProgramThatSwallowsInterruptsIsEndedByAReset)
 {
     const BoardProcess board;
-    Line line(board);
-    line.EnterRawRepl();
+    RawLine line(board);
     line.Send("while True:\n try:\n  while True: pass\n except KeyboardInterrupt: pass\n\x04");
     line.ReadTo("OK");
     line.Send("\x03\x02");
     EXPECT_TRUE(line.ReadTo("\r\n>>> ").ends_with("\r\n>>> "));
 }
 
-TEST(Board, RawPasteTakesLongTextsInWindowsAndCanBeBrokenOff)
+TEST(Board, RawPasteReceivesLongTextsInWindowsAndCanBeAborted)
 {
     const BoardProcess board;
-    Line line(board);
-    line.EnterRawRepl();
-    const std::string header("R\x01\x00\x40\x01", 5);
-    std::string program = "print(len('" + std::string(40000, 'x') + "'))";
-
-    line.Send(
-        "\x05"
-        "A\x01");
-    EXPECT_EQ(line.ReadTo(header), header);
-    line.Send(program.substr(0, 16384));
-    EXPECT_EQ(line.ReadTo("\x01"), "\x01");
-    line.Send(program.substr(16384) + "\x04");
-    EXPECT_EQ(line.ReadTo(">"),
-              "\x01\x04"
-              "40000\r\n\x04\x04>");
-
-    line.Send(
-        "\x05"
-        "A\x01");
-    line.ReadTo(header);
-    line.Send("print('never')\x03");
-    EXPECT_EQ(line.ReadTo(">"), "\x04>");
-    line.Send("1/0\x04");
-    EXPECT_EQ(line.ReadTo("\x04>"),
-              "OK\x04Traceback (most recent call last):\r\n  File \"<stdin>\", "
-              "line 1, in <module>\r\nZeroDivisionError: divide by zero\r\n\x04>");
+    RawLine line(board);
+    const std::string_view start("\x05\x41\x01");
+    const std::string_view header("R\x01\x00\x40\x01", 5);
+    const std::string program = "print(len('" + std::string(40000, 'x') + "'))\x04";
+    ExpectExchanges(line, {{start, header, header},
+                           {std::string_view(program).substr(0, 16384), "\x01", "\x01"},
+                           {std::string_view(program).substr(16384), ">",
+                            "\x01\x04"
+                            "40000\r\n\x04\x04>"},
+                           {start, header, header},
+                           {"print('never')\x03", ">", "\x04>"},
+                           {"1/0\x04", "\x04>",
+                            "OK\x04Traceback (most recent call last):\r\n  File \"<stdin>\", "
+                            "line 1, in <module>\r\nZeroDivisionError: divide by zero\r\n\x04>"}});
 }
 
 TEST(Board, PowerOnRunsBootAndMainButTheToolsResetRunsBootOnly)
@@ -196,37 +158,32 @@ TEST(Board, PowerOnRunsBootAndMainButTheToolsResetRunsBootOnly)
 TEST(Board, ExitResetsAndACrashIsSurvived)
 {
     const BoardProcess board;
-    Line line(board);
-    line.EnterRawRepl();
-    line.Send("kept = 1\x04");
-    line.ReadTo(">");
-    line.Send("import sys; sys.exit()\x04");
-    EXPECT_EQ(line.ReadTo(">"), "OK\x04\x04MPY: soft reboot\r\nraw REPL; CTRL-B to exit\r\n>");
-    line.Send("print('kept' in globals())\x04");
-    EXPECT_EQ(line.ReadTo("\x04>"), "OKFalse\r\n\x04\x04>");
+    RawLine line(board);
+    ExpectExchanges(line, {{"kept = 1\x04", "\x04>", "OK\x04\x04>"},
+                           {"import sys; sys.exit()\x04", ">",
+                            "OK\x04\x04MPY: soft reboot\r\nraw REPL; CTRL-B to exit\r\n>"},
+                           {"print('kept' in globals())\x04", "\x04>", "OKFalse\r\n\x04\x04>"}});
     line.Send("import ffi; ffi.open(None).func('v', 'abort', '')()\x04");
     EXPECT_NE(line.ReadTo("\x04>").find("the interpreter has ended"), std::string::npos);
-    line.Send("print('alive')\x04");
-    EXPECT_EQ(line.ReadTo("\x04>"), "OKalive\r\n\x04\x04>");
+    ExpectExchanges(line, {{"print('alive')\x04", "\x04>", "OKalive\r\n\x04\x04>"}});
 }
 
 TEST(Board, UnreadInputGoesToTheNextProgramOrThePrompt)
 {
     const BoardProcess board;
-    Line line(board);
-    line.EnterRawRepl();
-    line.Send("import sys\nprint(sys.stdin.readline())\x04one\nprint(2)\x04");
-    EXPECT_EQ(line.ReadTo(">"), "OKone\r\n\r\n\x04\x04>");
-    EXPECT_EQ(line.ReadTo(">"), "OK2\r\n\x04\x04>");
+    RawLine line(board);
+    ExpectExchanges(line, {{"import sys\nprint(sys.stdin.readline())\x04one\nprint(2)\x04", ">",
+                            "OKone\r\n\r\n\x04\x04>"},
+                           {"", ">", "OK2\r\n\x04\x04>"}});
 }
 
 TEST(Board, AClientThatLeavesDoesNotTakeTheLineFromAnother)
 {
     const BoardProcess board;
     for (int i = 0; i < 50; ++i) {
-        Line stays(board);
+        BoardLine stays(board.devicePath());
         {
-            const Line leaves(board);
+            const BoardLine leaves(board.devicePath());
         }
         stays.Send("\r");
         ASSERT_TRUE(stays.ReadTo(">>> ").ends_with(">>> ")) << i;
@@ -262,22 +219,23 @@ TEST(Board, WorksAfterTheToolWasKilledInTheMiddleOfAnything)
     const BoardProcess board;
     const TemporaryFolder local;
     const auto endless = local.Write("e.py", "while True: print('x' * 50)\n");
-    const auto large = local.Write("large.bin", std::string(100000, 'l'));
-    const std::vector<std::string> commands[] = {
-        {"run", endless}, {"cp", large, ":l.bin"}, {"ls"}, {"exec", "while True: pass"}};
-    std::mt19937 random(2);
-    for (int i = 0; i < 40; ++i) {
-        std::vector<std::string> line{QUILP_MPREMOTE};
-        const auto& words = commands[random() % std::size(commands)];
-        line.insert(line.end(), words.begin(), words.end());
-        {
-            BackgroundProgram tool(line, board.variables());
-            tool.WaitForExit(std::chrono::milliseconds(random() % 300));
-            const int numbers[] = {SIGKILL, SIGTERM, SIGINT};
-            tool.Signal(numbers[random() % std::size(numbers)]);
-            tool.WaitForExit(std::chrono::seconds(2));
+    const auto large = local.Write("large.bin", std::string(100'000, 'l'));
+    int patience = 0;  // From the tool's start to its work on the board.
+    for (const auto& words : {std::vector<std::string>{"run", endless},
+                              {"cp", large, ":l.bin"},
+                              {"exec", "while True: pass"}}) {
+        for (const int number : {SIGKILL, SIGTERM, SIGINT}) {
+            std::vector<std::string> line{QUILP_MPREMOTE};
+            line.insert(line.end(), words.begin(), words.end());
+            {
+                BackgroundProgram tool(line, board.variables());
+                tool.WaitForExit(std::chrono::milliseconds(patience += 35));
+                tool.Signal(number);
+                tool.WaitForExit(std::chrono::seconds(2));
+            }
+            ASSERT_EQ(board.Tool({"exec", "print('next')"}).output, "next\r\n")
+                << words[0] << " after " << patience << " ms";
         }
-        ASSERT_EQ(board.Tool({"exec", "print('next')"}).output, "next\r\n") << i;
     }
 }
 
@@ -294,7 +252,7 @@ TEST(Board, EndsCleanlyOnSignals)
     }
 }
 
-TEST(Board, TellsWhatIsWrong)
+TEST(Board, ReportsWhatIsWrong)
 {
     const TemporaryFolder folder;
     const auto file = folder.Write("file", "");

@@ -4,14 +4,11 @@
 
 TEST(SourceLink, PlacesInTracebacksAreFound)
 {
-    struct Row {
-        QString before;
-        QString link;
-        QString after;
+    const struct {
+        QString before, link, after;
         QString path;
-        int number;
-    };
-    const Row rows[] = {
+        int line;
+    } rows[] = {
         {"  ", "File \"/p/x.py\", line 7", "", "/p/x.py", 7},
         {"  ", "File /p/x.py, line 13", ", in <module>\r\n", "/p/x.py", 13},
         {"", "File \"lib/x.py\", line 2147483647", ", in f", "lib/x.py", 2147483647},
@@ -24,11 +21,10 @@ TEST(SourceLink, PlacesInTracebacksAreFound)
         {"File \"<stdin>\", line 1 ", "File \"/p\", line 2", "", "/p", 2},
     };
     for (const auto& row : rows) {
-        const QString line = row.before + row.link + row.after;
-        const auto link = FindSourceLink(line);
-        ASSERT_TRUE(link) << line.toStdString();
+        const auto link = FindSourceLink(row.before + row.link + row.after);
+        ASSERT_TRUE(link) << row.link.toStdString();
         EXPECT_EQ(link->path, row.path);
-        EXPECT_EQ(link->line, row.number);
+        EXPECT_EQ(link->line, row.line);
         EXPECT_EQ(link->start, row.before.size());
         EXPECT_EQ(link->length, row.link.size());
     }

@@ -1,4 +1,4 @@
-#include "program.h"
+#include "subprocess.h"
 #include "wait.h"
 
 #include <gtest/gtest.h>

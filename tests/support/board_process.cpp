@@ -6,10 +6,38 @@
 #include <poll.h>
 #include <signal.h>
 
-#include <chrono>
 #include <filesystem>
 #include <stdexcept>
-#include <thread>
+
+BoardLine::BoardLine(const std::string& device)
+    : fd_(open(device.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC))
+{
+}
+
+BoardLine::~BoardLine()
+{
+    CloseDescriptor(fd_);
+}
+
+void BoardLine::Send(std::string_view text) const
+{
+    WriteFully(fd_, text);
+}
+
+std::string BoardLine::ReadTo(std::string_view text, std::chrono::milliseconds patience)
+{
+    const auto end = std::chrono::steady_clock::now() + patience;
+    while (pending_.find(text) == std::string::npos && std::chrono::steady_clock::now() < end) {
+        pollfd readable{fd_, POLLIN, 0};
+        poll(&readable, 1, 20);
+        pending_ += ReadAvailable(fd_);
+    }
+    const auto at = pending_.find(text);
+    const auto size = at == std::string::npos ? pending_.size() : at + text.size();
+    const std::string taken = pending_.substr(0, size);
+    pending_.erase(0, size);
+    return taken;
+}
 
 BoardProcess::BoardProcess(const Files& files)
 {
@@ -64,16 +92,7 @@ ProgramResult BoardProcess::Tool(const std::vector<std::string>& words) const
 
 bool BoardProcess::IsAtPrompt() const
 {
-    const int fd = open(devicePath().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-    std::string answer;
-    if (fd >= 0 && WriteFully(fd, "\r")) {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(1);
-        while (!answer.ends_with(">>> ") && std::chrono::steady_clock::now() < end) {
-            pollfd readable{fd, POLLIN, 0};
-            poll(&readable, 1, 20);
-            answer += ReadAvailable(fd);
-        }
-    }
-    CloseDescriptor(fd);
-    return answer.ends_with(">>> ");
+    BoardLine line(devicePath());
+    line.Send("\r");
+    return line.ReadTo(">>> ", std::chrono::seconds(1)).ends_with(">>> ");
 }

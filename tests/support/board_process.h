@@ -1,11 +1,30 @@
 #pragma once
 
-#include "program.h"
+#include "subprocess.h"
 #include "wait.h"
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <vector>
+
+// A client of a board's serial line, for what the tool would not send.
+class BoardLine {
+  public:
+    explicit BoardLine(const std::string& device);
+    BoardLine(const BoardLine&) = delete;
+    BoardLine& operator=(const BoardLine&) = delete;
+    ~BoardLine();
+
+    void Send(std::string_view text) const;
+    // Reads up to and with `text`; all there was when it did not come.
+    std::string ReadTo(std::string_view text,
+                       std::chrono::milliseconds patience = std::chrono::seconds(15));
+
+  private:
+    int fd_;
+    std::string pending_;
+};
 
 // A virtual board of the test's own, as a process of its own, with a folder of its own.
 class BoardProcess {

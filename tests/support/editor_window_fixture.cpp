@@ -5,7 +5,6 @@
 #include "text_editor.h"
 
 #include <QApplication>
-#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
@@ -51,12 +50,13 @@ bool EditorWindow::Close()
     return closed;
 }
 
-bool EditorWindow::RunUntilEnd(const std::function<void()>& act)
+void EditorWindow::EndBy(const std::function<void()>& act)
 {
     bool ended = false;
     QObject::connect(window_.get(), &MainWindow::Ended, window_.get(), [&ended] { ended = true; });
     QTimer::singleShot(0, window_.get(), act);
-    return WaitUntil([&ended] { return ended; });
+    EXPECT_TRUE(WaitUntil([&ended] { return ended; }));
+    End();
 }
 
 void EditorWindow::End()
@@ -111,25 +111,30 @@ bool EditorWindow::SheetShows(const std::string& text)
     return WaitUntil([&] { return Sheet().find(text) != std::string::npos; });
 }
 
-QString EditorWindow::Message()
+std::string EditorWindow::Message()
 {
     for (const auto* const bar : window_->findChildren<MessageBar*>()) {
         if (bar->isVisible()) {
-            return bar->accessibleName();
+            return bar->accessibleName().toStdString();
         }
     }
     return {};
 }
 
+bool EditorWindow::MessageShows(const std::string& text)
+{
+    const bool shows = WaitUntil([&] { return Message().find(text) != std::string::npos; });
+    EXPECT_TRUE(shows) << text << " is missing in: " << Message();
+    return shows;
+}
+
 void EditorWindow::Answer(const QString& button)
 {
-    for (auto* const bar : window_->findChildren<MessageBar*>()) {
-        for (auto* const candidate : bar->findChildren<QPushButton*>()) {
-            if (bar->isVisible() && candidate->text() == button) {
-                candidate->click();
-                QCoreApplication::processEvents();
-                return;
-            }
+    for (auto* const candidate : window_->findChildren<QPushButton*>()) {
+        if (candidate->isVisible() && candidate->text() == button) {
+            candidate->click();
+            QCoreApplication::processEvents();
+            return;
         }
     }
     ADD_FAILURE() << "nothing offers " << button.toStdString();
@@ -145,6 +150,18 @@ QStringList EditorWindow::Controls()
         }
     }
     return names;
+}
+
+void EditorWindow::AttachBoard()
+{
+    auto& board = window().board();
+    board.AttachVirtualBoard();
+    EXPECT_TRUE(WaitUntil([&] { return board.board().kind == BoardMonitor::Kind::Virtual; }));
+}
+
+bool EditorWindow::WaitForIdle()
+{
+    return WaitUntil([] { return Runtime::Current().IsIdle(); });
 }
 
 void EditorWindow::WhenAsked(const std::function<void(QWidget&)>& act)
@@ -173,11 +190,4 @@ void EditorWindow::WhenAskedPress(int standardButton)
         ASSERT_NE(button, nullptr) << box->text().toStdString();
         button->click();
     });
-}
-
-void EditorWindow::AttachBoard()
-{
-    auto& board = window().board();
-    board.AttachVirtualBoard();
-    EXPECT_TRUE(WaitUntil([&] { return board.board().kind == BoardMonitor::Kind::Virtual; }));
 }

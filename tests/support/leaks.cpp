@@ -2,12 +2,14 @@
 
 #include "wait.h"
 
+#include <signal.h>
 #include <sys/wait.h>
 
 #include <cerrno>
 #include <filesystem>
 #include <iterator>
 #include <ostream>
+#include <string>
 
 namespace {
 
@@ -36,4 +38,10 @@ void PrintTo(const Holdings& holdings, std::ostream* out)
 {
     *out << holdings.descriptors << " descriptors, " << holdings.threads << " threads, "
          << (holdings.children ? "children" : "no children");
+}
+
+bool IsAlive(pid_t process)
+{
+    const auto state = ReadFile("/proc/" + std::to_string(process) + "/stat");
+    return kill(process, 0) == 0 && state.find(") Z ") == std::string::npos;
 }

@@ -1,8 +1,9 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstddef>
 #include <iosfwd>
-#include <string>
 
 // What this process holds of the system's: to be the same before and after.
 struct Holdings {
@@ -15,9 +16,12 @@ struct Holdings {
 
 Holdings CurrentHoldings();
 
-// The current ones, given a moment to become the expected: the system takes a thread that has ended
-// off its list a little later.
+// The current ones, given a moment to become the expected: the system removes a thread that has
+// ended from its list a little later.
 Holdings SettledHoldings(const Holdings& expected);
 
 // For failure messages.
 void PrintTo(const Holdings& holdings, std::ostream* out);
+
+// Whether a process, which need not be a child, runs. Its parent may not have reaped it yet.
+bool IsAlive(pid_t process);

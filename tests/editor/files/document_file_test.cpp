@@ -27,9 +27,11 @@ struct stat StatusOf(const std::string& path)
     return status;
 }
 
-bool Holds(const std::string& text, const std::string& part)
+template <typename Result>
+void ExpectError(const Result& result, const std::string& part)
 {
-    return text.find(part) != std::string::npos;
+    ASSERT_FALSE(result) << part;
+    EXPECT_NE(result.error().find(part), std::string::npos) << result.error();
 }
 
 }  // namespace
@@ -39,12 +41,11 @@ TEST(DocumentFile, EveryFileComesBackByteForByte)
     using enum TextEncoding;
     using namespace std::string_literals;
     const std::string bom = "\xEF\xBB\xBF";
-    struct Row {
+    const struct {
         std::string bytes;
         TextEncoding encoding;
         QString text;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"", Utf8, ""},
         {"π\0\r\nb\rc\n\n😀\0"s, Utf8, QString::fromUtf8("π\0\r\nb\rc\n\n😀\0"s)},
         {bom + "π", Utf8WithBom, "π"},
@@ -66,15 +67,15 @@ TEST(DocumentFile, EveryFileComesBackByteForByte)
         ASSERT_TRUE(SaveAtomically(path, Encode(loaded->text, loaded->encoding).value()));
         EXPECT_EQ(ReadFile(path), row.bytes);
     }
-    EXPECT_EQ(LoadText("/proc/self/status")->text.first(5), "Name:");  // Does not tell its size.
+    EXPECT_EQ(LoadText("/proc/self/status")->text.first(5), "Name:") << "has no size";
 }
 
 TEST(DocumentFile, ACharacterThatTheEncodingLacksIsNamed)
 {
-    EXPECT_EQ(Encode("é\r\nb\rπ", TextEncoding::Latin1).error(),
-              "line 3 has the character π (U+03C0), which Latin-1 does not have");
-    EXPECT_TRUE(Holds(Encode("😀", TextEncoding::Latin1).error(), "😀 (U+1F600)"));
-    EXPECT_TRUE(Holds(Encode(QChar(0xD83D), TextEncoding::Utf8).error(), "(U+D83D)"));
+    ExpectError(Encode("é\r\nb\rπ", TextEncoding::Latin1),
+                "line 3 has the character π (U+03C0), which Latin-1 does not have");
+    ExpectError(Encode("😀", TextEncoding::Latin1), "😀 (U+1F600)");
+    ExpectError(Encode(QChar(0xD83D), TextEncoding::Utf8), "(U+D83D)");
 }
 
 TEST(DocumentFile, WhatCannotBeReadIsRefusedWithASentence)
@@ -85,16 +86,13 @@ TEST(DocumentFile, WhatCannotBeReadIsRefusedWithASentence)
     fs::resize_file(folder.Write("largest", ""), kLargestDocument);
     fs::resize_file(folder.Write("larger", ""), kLargestDocument + 1);
     EXPECT_EQ(ReadFileBytes(folder / "largest")->size(), kLargestDocument);
-    const std::pair<std::string, const char*> rows[] = {
-        {folder / "missing", "No such file"},       {folder.path(), "is a folder"},
-        {folder / "link", "is not a regular file"}, {folder / "larger", "is larger than 64 MiB"},
-        {"/proc/self/mem", "Input/output error"},
-    };
-    for (const auto& [path, reason] : rows) {
-        const auto loaded = LoadText(path);
-        ASSERT_FALSE(loaded) << path;
-        EXPECT_TRUE(Holds(loaded.error(), path + " ")) << loaded.error();
-        EXPECT_TRUE(Holds(loaded.error(), reason)) << loaded.error();
+    for (const auto& [path, reason] :
+         {std::pair(folder / "missing", "cannot be read: No such file"),
+          {folder.path(), "is a folder"},
+          {folder / "link", "is not a regular file"},
+          {folder / "larger", "is larger than 64 MiB"},
+          {"/proc/self/mem", "cannot be read: Input/output error"}}) {
+        ExpectError(LoadText(path), path + " " + reason);
     }
 }
 
@@ -118,32 +116,31 @@ TEST(DocumentFile, SavingReplacesTheFileButKeepsItsModeOwnerAndLinks)
     umask(mask);
     EXPECT_TRUE(fs::is_symlink(folder / "to-link"));
     EXPECT_EQ(ReadFile(file), "new");
-    EXPECT_EQ(ReadFile(folder / "old"), "old");  // No byte of it was written over.
+    EXPECT_EQ(ReadFile(folder / "old"), "old") << "written over";
     EXPECT_EQ(StatusOf(file).st_mode, old.st_mode);
     EXPECT_EQ(StatusOf(file).st_uid, old.st_uid);
     EXPECT_EQ(StatusOf(file).st_gid, old.st_gid);
     EXPECT_EQ(StatusOf(folder / "real/new").st_mode & 07777, 0640u);
-    EXPECT_TRUE(Holds(SaveAtomically(folder / "circle", "").error(), "symbolic links"));
+    ExpectError(SaveAtomically(folder / "circle", ""), "symbolic links");
     ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
-    EXPECT_TRUE(Holds(SaveAtomically(folder / "fifo", "").error(), "is not a regular file"));
+    ExpectError(SaveAtomically(folder / "fifo", ""), "is not a regular file");
 }
 
 TEST(DocumentFile, WithoutPermissionNothingIsTouched)
 {
     const TemporaryFolder folder;
     fs::permissions(folder.path(), fs::perms::all);
-    chmod(folder.Write("secret", "old").c_str(), 0);
-    chmod(folder.Write("protected", "old").c_str(), 0444);
-    chmod(folder.Write("shared", "old").c_str(), 04666);
-    chmod(folder.Write("closed/f", "old").c_str(), 0666);
+    for (const auto& [name, mode] :
+         {std::pair("secret", 0), {"protected", 0444}, {"shared", 04666}, {"closed/f", 0666}}) {
+        chmod(folder.Write(name, "old").c_str(), static_cast<mode_t>(mode));
+    }
     fs::permissions(folder / "closed", fs::perms(0555));
     const auto work = [&] {
-        EXPECT_EQ(LoadText(folder / "secret").error(),
-                  folder / "secret" + " cannot be read: Permission denied");
-        EXPECT_EQ(SaveAtomically(folder / "protected", "new").error(),
-                  folder / "protected" + " cannot be saved: Permission denied");
-        EXPECT_TRUE(Holds(SaveAtomically(folder / "closed/f", "new").error(),
-                          "no file can be made in " + folder / "closed"));
+        ExpectError(LoadText(folder / "secret"), "/secret cannot be read: Permission denied");
+        ExpectError(SaveAtomically(folder / "protected", "new"),
+                    "/protected cannot be saved: Permission denied");
+        ExpectError(SaveAtomically(folder / "closed/f", "new"),
+                    "no file can be made in " + folder / "closed");
         EXPECT_TRUE(SaveAtomically(folder / "shared", "new"));
         return HasFailure();
     };
@@ -152,8 +149,7 @@ TEST(DocumentFile, WithoutPermissionNothingIsTouched)
     } else {
         ForkedChild nobody([&] { return setgroups(0, nullptr) | setuid(65534) | work(); });
         EXPECT_EQ(nobody.Wait(), 0);
-        // It was root's, and must not lend another's rights.
-        EXPECT_EQ(StatusOf(folder / "shared").st_mode & 07777, 0666u);
+        EXPECT_EQ(StatusOf(folder / "shared").st_mode & 07777, 0666u) << "lends root's rights";
     }
     EXPECT_EQ(ReadFile(folder / "protected"), "old");
     EXPECT_EQ(ReadFile(folder / "closed/f"), "old");
@@ -162,18 +158,20 @@ TEST(DocumentFile, WithoutPermissionNothingIsTouched)
 }
 
 #ifdef __linux__
-TEST(DocumentFile, AFullDiskLeavesTheOldFileAndNothingElse)
+TEST(DocumentFile, AFullOrReadOnlyDiskLeavesTheOldFileAndNothingElse)
 {
     const TemporaryFolder folder;
     constexpr int kCannotMount = 77;
     ForkedChild child([&] {  // In a view of the disks of its own, which ends with it.
+        const std::string disk = folder.path();
         if (unshare(CLONE_NEWNS) != 0 || mount("", "/", "", MS_REC | MS_PRIVATE, "") != 0 ||
-            mount("none", folder.path().c_str(), "tmpfs", 0, "size=64k") != 0) {
+            mount("none", disk.c_str(), "tmpfs", 0, "size=64k") != 0) {
             return kCannotMount;
         }
         const auto file = folder.Write("f", "old");
-        EXPECT_EQ(SaveAtomically(file, QByteArray(100'000, 'x')).error(),
-                  file + " cannot be saved: No space left on device");
+        ExpectError(SaveAtomically(file, QByteArray(100'000, 'x')), "No space left on device");
+        EXPECT_EQ(mount("none", disk.c_str(), "", MS_REMOUNT | MS_RDONLY, ""), 0);
+        ExpectError(SaveAtomically(file, "new"), "Read-only file system");
         EXPECT_EQ(ReadFile(file), "old");
         EXPECT_EQ(std::distance(fs::directory_iterator(folder.path()), {}), 1);
         return HasFailure() ? 1 : 0;

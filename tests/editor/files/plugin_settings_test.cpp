@@ -58,7 +58,7 @@ TEST(PluginSettings, LinesOfOthersStayAsTheyAre)
     EXPECT_EQ(ReadFile(path), "left alone");
 }
 
-TEST(PluginSettings, AFileThatCannotBeUsedIsSetAsideAndNeverLost)
+TEST(PluginSettings, AFileThatCannotBeReadIsSetAsideAndNeverLost)
 {
     const TemporaryFolder folder;
     const auto path = folder / "s";
@@ -72,7 +72,7 @@ TEST(PluginSettings, AFileThatCannotBeUsedIsSetAsideAndNeverLost)
         auto settings = SettingsOf(path);
         EXPECT_TRUE(settings.Load().value_or("").ends_with("set aside as " + name + ".")) << name;
         EXPECT_EQ(settings.Words("frame"), nullptr);
-        folder.Write("s", bytes);  // Spoilt again; now Save meets it.
+        folder.Write("s", bytes);  // Damaged again, before Save.
         settings.Replace("frame 2\n");
         std::filesystem::rename(name, name + "-kept");
         ASSERT_TRUE(settings.Save());

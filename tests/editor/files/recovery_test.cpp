@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <list>
 
 namespace {
 
@@ -41,9 +42,9 @@ TEST(Recovery, AKilledEditorsCopiesAreOfferedAtOnceAndOnlyOnce)
     EXPECT_TRUE(RecoveryStore(root).Orphans().empty());
     EXPECT_TRUE(one.Orphans().empty());
     ASSERT_EQ(orphans.size(), 1u);
-    EXPECT_EQ(orphans[0].copy.path, kCopy.path);
-    EXPECT_EQ(orphans[0].copy.encoding, kCopy.encoding);
-    EXPECT_EQ(orphans[0].copy.text, kCopy.text);
+    const auto& copy = orphans[0].copy;
+    EXPECT_TRUE(copy.path == kCopy.path && copy.encoding == kCopy.encoding);
+    EXPECT_EQ(copy.text, kCopy.text);
 }
 
 TEST(Recovery, AnAdoptedCopyIsKeptAndDiscardedAsOnesOwn)
@@ -97,9 +98,10 @@ TEST(Recovery, ADamagedCopyIsSkippedAndLeftWhereItIs)
 
 TEST(Recovery, EditorsThatStartTogetherShareTheOrphansOut)
 {
+    constexpr int kOrphans = 30;
     const TemporaryFolder folder;
     const auto root = folder / "recovery";
-    for (int i = 0; i < 30; ++i) {
+    for (int i = 0; i < kOrphans; ++i) {
         Leave(root);
     }
     std::list<ForkedChild> editors;
@@ -109,7 +111,7 @@ TEST(Recovery, EditorsThatStartTogetherShareTheOrphansOut)
             RecoveryStore store(root);
             const auto orphans = store.Orphans();
             for (const auto& orphan : orphans) {
-                // Others may take the new store's folder for one left behind at any time.
+                // Others may take the new store's folder for an orphaned one at any time.
                 RecoveryStore another(root);
                 if (!another.Keep("own", kCopy)) {
                     return 100;
@@ -125,12 +127,12 @@ TEST(Recovery, EditorsThatStartTogetherShareTheOrphansOut)
     for (auto& editor : editors) {
         adopted += editor.Wait();
     }
-    EXPECT_EQ(adopted, 30);
+    EXPECT_EQ(adopted, kOrphans);
     EXPECT_TRUE(RecoveryStore(root).Orphans().empty());
     EXPECT_TRUE(fs::is_empty(root));
 }
 
-TEST(Recovery, NothingIsMadeBeforeItIsNeededAndFailuresAreTold)
+TEST(Recovery, NothingIsMadeBeforeItIsNeededAndFailuresAreReported)
 {
     const TemporaryFolder folder;
     EXPECT_TRUE(RecoveryStore(folder / "none").Orphans().empty());

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-TEST(Options, GoodCommandLinesAreUnderstood)
+TEST(Options, GoodCommandLinesAreParsed)
 {
     const auto options = ParseOptions({"--virtual-board=/b", "--document", "a b.py", "--batch",
                                        "run", "wait=0.5", "--target=t.py", "--", "upload-as-main"});
@@ -21,11 +21,10 @@ TEST(Options, GoodCommandLinesAreUnderstood)
 
 TEST(Options, BadCommandLinesAreRefusedWithTheWordThatIsWrong)
 {
-    struct Row {
+    const struct {
         std::vector<std::string> arguments;
         const char* word;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {{"--batch", "dance"}, "dance"},
         {{"--batch", "wait=x"}, "wait=x"},
         {{"--batch", "wait="}, "wait="},

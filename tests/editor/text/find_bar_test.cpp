@@ -5,12 +5,10 @@
 
 #include <gtest/gtest.h>
 
-#include <QCheckBox>
+#include <QAbstractButton>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QTest>
-#include <QToolButton>
 #include <QVBoxLayout>
 
 namespace {
@@ -34,29 +32,26 @@ class FindBarTest : public testing::Test {
     template <typename Widget>
     Widget* Named(const QString& name) const
     {
-        for (auto* widget : bar->findChildren<Widget*>()) {
-            if (widget->accessibleName() == name) {
-                return widget;
-            }
-        }
-        return nullptr;
+        const auto widgets = bar->findChildren<Widget*>();
+        const auto found = std::ranges::find(widgets, name, &Widget::accessibleName);
+        return found != widgets.end() ? *found : nullptr;
+    }
+    QLineEdit* words() const { return Named<QLineEdit>("Find"); }
+    std::string message() const
+    {
+        return Named<QLabel>("Result of the search")->text().toStdString();
     }
 
-    QLineEdit* words() const { return Named<QLineEdit>("Find"); }
-    QString message() const { return Named<QLabel>("Result of the search")->text(); }
-
-    template <typename Button>
+    // Presses a button, or changes an option, by its text without the underlined letter's mark.
     void Press(const QString& text) const
     {
-        for (auto* button : bar->findChildren<Button*>()) {
-            if (button->text() == text) {
-                button->click();
-                return;
+        for (auto* button : bar->findChildren<QAbstractButton*>()) {
+            if (button->text().remove('&') == text) {
+                return button->click();
             }
         }
         ADD_FAILURE() << "no " << text.toStdString();
     }
-    void Choose(const QString& option) const { Press<QCheckBox>(option); }
 
     // What is selected, as "START-END" in bytes.
     std::string selection() const
@@ -65,123 +60,143 @@ class FindBarTest : public testing::Test {
                std::to_string(Ask(*editor, QsciScintilla::SCI_GETSELECTIONEND));
     }
 
+    // One search after another in a text, each by typed words ("=words"), a key or a button.
+    struct Step {
+        std::string act, selection, message = {};
+    };
+    void Search(const QString& text, const std::vector<Step>& steps) const
+    {
+        editor->setText(text);
+        bar->OpenForFind();
+        for (const auto& step : steps) {
+            SCOPED_TRACE(step.act);
+            if (step.act.starts_with('=')) {
+                words()->clear();
+                QTest::keyClicks(words(), QString::fromStdString(step.act.substr(1)));
+            } else if (step.act == "Return") {
+                QTest::keyClick(words(), Qt::Key_Return);
+            } else if (step.act == "Shift+Return") {
+                QTest::keyClick(words(), Qt::Key_Return, Qt::ShiftModifier);
+            } else {
+                Press(QString::fromStdString(step.act));
+            }
+            EXPECT_EQ(selection(), step.selection);
+            EXPECT_EQ(message(), step.message);
+        }
+    }
+
     QWidget window;
     QsciScintilla* editor = new QsciScintilla;
     FindBar* bar = new FindBar;
 };
 
+constexpr const char* kWrapped = "Went on at the other end";
+
 }  // namespace
 
 TEST_F(FindBarTest, TypingFindsAndReturnGoesOnAndRound)
 {
-    editor->setText(QString::fromUtf8("\U0001F600 one two One\nONE twone"));
-    bar->OpenForFind();
-    EXPECT_TRUE(words()->hasFocus());
-    QTest::keyClicks(words(), "one");
-    EXPECT_EQ(selection(), "5-8");
-    QTest::keyClick(words(), Qt::Key_Return);
-    EXPECT_EQ(selection(), "13-16");
-    QTest::keyClick(words(), Qt::Key_Return);
-    QTest::keyClick(words(), Qt::Key_Return);
-    EXPECT_EQ(selection(), "23-26");
-    EXPECT_EQ(message(), "");
-    QTest::keyClick(words(), Qt::Key_Return);
-    EXPECT_EQ(selection(), "5-8");
-    EXPECT_EQ(message(), "Went on at the other end");
-    QTest::keyClick(words(), Qt::Key_Return, Qt::ShiftModifier);
-    EXPECT_EQ(selection(), "23-26");
-    EXPECT_EQ(message(), "Went on at the other end");
-    QTest::keyClick(words(), Qt::Key_Return, Qt::ShiftModifier);
-    EXPECT_EQ(selection(), "17-20");
-    EXPECT_EQ(message(), "");
-    Choose("&Match case");
-    EXPECT_EQ(selection(), "23-26");
-    Choose("Whole w&ords");
-    EXPECT_EQ(selection(), "5-8");
-    QTest::keyClicks(words(), "x");
-    EXPECT_EQ(message(), "No match");
-    EXPECT_EQ(selection(), "5-8") << "the selection went with the match";
+    Search("😀 one two One\nONE twone", {{"=one", "5-8"},
+                                        {"Return", "13-16"},
+                                        {"Return", "17-20"},
+                                        {"Return", "23-26"},
+                                        {"Return", "5-8", kWrapped},
+                                        {"Shift+Return", "23-26", kWrapped},
+                                        {"Shift+Return", "17-20"},
+                                        {"Match case", "23-26"},
+                                        {"Whole words", "5-8", kWrapped},
+                                        {"=onex", "5-8", "No match"}});
 }
 
-TEST_F(FindBarTest, WordsAreNotPatternsUnlessAsked)
+TEST_F(FindBarTest, WordsAreNoExpressionUnlessAsked)
 {
-    editor->setText("aab a.b\r\nÄb");
-    bar->OpenForFind();
-    QTest::keyClicks(words(), "a.b");
-    EXPECT_EQ(selection(), "4-7");
-    Choose("Re&gular expression");
-    bar->FindNext();
-    EXPECT_EQ(selection(), "0-3");
-    words()->setText("b$");
-    bar->FindNext();
-    EXPECT_EQ(selection(), "6-7") << "the end of a line with two characters";
+    Search("aab a.b\r\nÄb", {{"=a.b", "4-7"}});
+    Press("Regular expression");
+    Search("aab a.b\r\nÄb",
+           {{"=a.b", "0-3"}, {"=b$", "6-7"}});  // The line ends with two characters.
     words()->setText("äb");
     bar->FindNext();
     EXPECT_EQ(selection(), "9-12");
 }
 
-TEST_F(FindBarTest, AFaultyExpressionIsSaidAndChangesNothing)
+TEST_F(FindBarTest, EmptyMatchesAreWalkedThrough)
 {
-    editor->setText("a(b");
-    editor->setModified(false);
-    Choose("Re&gular expression");
-    bar->OpenForReplace();
-    QTest::keyClicks(words(), "(b");
-    for (const char* button : {"Ne&xt", "Previo&us", "Rep&lace", "Replace &all"}) {
-        Press<QPushButton>(button);
-        EXPECT_TRUE(message().startsWith("No regular expression: ")) << button;
-    }
-    EXPECT_FALSE(editor->isModified());
+    Press("Regular expression");
+    Search("a\nb\nc", {{"=^", "2-2"},
+                       {"Next", "4-4"},
+                       {"Next", "0-0", kWrapped},
+                       {"Previous", "4-4", kWrapped},
+                       {"Previous", "2-2"},
+                       {"Previous", "0-0"}});
+    Search("😀b", {{"=(?=.)", "4-4"}, {"Next", "0-0", kWrapped}});  // Not inside a character.
 }
 
-TEST_F(FindBarTest, AnExpressionWithTooManyWaysIsNoMissingMatch)
+TEST_F(FindBarTest, ANearMatchOfALongTextIsFoundBackwards)
 {
-    const QString text = "hit\n" + (QString(30, 'a') + "\n").repeated(50) + "hit\n";
-    editor->setText(text);
-    Choose("Re&gular expression");
+    words()->setText("x");
+    Search("x " + QString("aaaaaaa\n").repeated(100'000) + " x",
+           {{"Previous", "800003-800004", kWrapped}, {"Previous", "0-1"}});
+}
+
+TEST_F(FindBarTest, AnExpressionThatFailsIsReportedAndChangesNothing)
+{
+    const QString hard = "hit\n" + (QString(30, 'a') + "\n").repeated(50) + "hit\n";
+    const auto end = hard.size();
+    const std::string faulty = "No regular expression: ";
+    const std::string tooHard = "Too hard an expression for this text";
+    const struct {
+        QString text, words, button;
+        qsizetype caret;
+        std::string message;
+    } rows[] = {
+        {"a(b", "(b", "Next", 0, faulty},
+        {"a(b", "(b", "Previous", 0, faulty},
+        {"a(b", "(b", "Replace", 0, faulty},
+        {"a(b", "(b", "Replace all", 0, faulty},
+        {hard, "hit|(a+)+c", "Next", 4, tooHard},
+        {hard, "hit!|(a+)+c", "Next", end, tooHard},
+        {hard, "hit!|(a+)+c", "Previous", end, tooHard},
+        {hard, "hit|(a+)+c", "Previous", end, tooHard},  // A nearer match may have been missed.
+        {hard, "hit!|(a+)+c", "Replace all", 0, tooHard},
+    };
+    Press("Regular expression");
     bar->OpenForReplace();
-    for (const auto& [button, caret] :
-         {std::pair("Ne&xt", 4L), std::pair("Ne&xt", Length(*editor)),
-          std::pair("Previo&us", Length(*editor)), std::pair("Replace &all", 0L)}) {
-        Ask(*editor, QsciScintilla::SCI_GOTOPOS, caret);
-        words()->setText(caret == 4 ? "hit|(a+)+c" : "hit!|(a+)+c");
-        Press<QPushButton>(button);
-        EXPECT_EQ(message(), "Too hard an expression for this text") << button << " at " << caret;
-        EXPECT_EQ(editor->text(), text) << button;
+    for (const auto& row : rows) {
+        editor->setText(row.text);
+        Ask(*editor, QsciScintilla::SCI_GOTOPOS, row.caret);
+        words()->setText(row.words);
+        Press(row.button);
+        EXPECT_TRUE(message().starts_with(row.message)) << message();
+        EXPECT_EQ(editor->text(), row.text) << row.button.toStdString();
     }
-    words()->setText("hit|(a+)+c");
-    Press<QPushButton>("Previo&us");
-    EXPECT_EQ(message(), "Too hard an expression for this text") << "a nearer match was missed";
 }
 
 TEST_F(FindBarTest, ReplacingAllIsOneStepAndSaysHowMany)
 {
-    struct Row {
+    const struct {
         QString before, words, with, after;
-        bool isExpression;
-        QString message;
+        std::string message;
+        bool isExpression = false;
+    } rows[] = {
+        {"a a\na", "a", "aa", "aa aa\naa", "3 replaced"},
+        {"é😀é", "é", "", "😀", "2 replaced"},
+        {"a\\1", "a", "\\1", "\\1\\1", "1 replaced"},
+        {"a", "b", "c", "a", "No match"},
+        {"a1 b2", "(\\w)(\\d)", "\\2\\1\\\\\\0", "1a\\a1 2b\\b2", "2 replaced", true},
+        {"a😀b", "x*", "-", "-a-😀-b-", "4 replaced", true},
+        {"a\nb", "^", "> ", "> a\n> b", "2 replaced", true},
+        {"a;b", ";", "\\n\\t", "a\n\tb", "1 replaced", true},
     };
-    Choose("Re&gular expression");
-    bool isExpression = true;
-    for (const auto& row : {
-             Row{"a a\na", "a", "aa", "aa aa\naa", false, "3 replaced"},
-             Row{"é😀é", "é", "", "😀", false, "2 replaced"},
-             Row{"a1 b2", "(\\w)(\\d)", "\\2\\1\\\\\\0", "1a\\a1 2b\\b2", true, "2 replaced"},
-             Row{"a\\1", "a", "\\1", "\\1\\1", false, "1 replaced"},
-             Row{"a😀b", "x*", "-", "-a-😀-b-", true, "4 replaced"},
-             Row{"a\nb", "^", "> ", "> a\n> b", true, "2 replaced"},
-             Row{"a;b", ";", "\\n\\t", "a\n\tb", true, "1 replaced"},
-             Row{"a", "b", "c", "a", false, "No match"},
-         }) {
-        if (row.isExpression != isExpression) {
-            Choose("Re&gular expression");
-            isExpression = row.isExpression;
+    bool isExpression = false;
+    for (const auto& row : rows) {
+        if (std::exchange(isExpression, row.isExpression) != row.isExpression) {
+            Press("Regular expression");
         }
         editor->setText(row.before);
         bar->OpenForReplace();
         words()->setText(row.words);
         Named<QLineEdit>("Replace with")->setText(row.with);
-        Press<QPushButton>("Replace &all");
+        Press("Replace all");
         EXPECT_EQ(TextOf(*editor), row.after);
         EXPECT_EQ(message(), row.message) << row.words.toStdString();
         if (row.before != row.after) {
@@ -191,51 +206,33 @@ TEST_F(FindBarTest, ReplacingAllIsOneStepAndSaysHowMany)
     }
 }
 
-TEST_F(FindBarTest, ReplaceTakesTheMatchThatIsSelectedAndGoesOn)
+TEST_F(FindBarTest, ReplaceChangesTheMatchThatIsSelectedAndGoesOn)
 {
     editor->setText("one two one");
     bar->OpenForReplace();
     words()->setText("one");
     Named<QLineEdit>("Replace with")->setText("ones");
-    Press<QPushButton>("Rep&lace");
+    Press("Replace");
     EXPECT_EQ(editor->text(), "one two one") << "replaced what was not shown yet";
-    Press<QPushButton>("Rep&lace");
+    Press("Replace");
     EXPECT_EQ(editor->text(), "ones two one");
     EXPECT_EQ(selection(), "9-12");
     editor->setReadOnly(true);
-    Press<QPushButton>("Rep&lace");
-    Press<QPushButton>("Replace &all");
-    EXPECT_EQ(editor->text(), "ones two one");
-    EXPECT_EQ(message(), "The text cannot be changed");
-}
-
-TEST_F(FindBarTest, MatchesOfNothingAreWalkedThrough)
-{
-    editor->setText("a\nb\nc");
-    Choose("Re&gular expression");
-    bar->OpenForFind();
-    words()->setText("^");
-    for (const char* at : {"2-2", "4-4", "0-0"}) {
-        bar->FindNext();
-        EXPECT_EQ(selection(), at);
-    }
-    for (const char* at : {"4-4", "2-2", "0-0"}) {
-        bar->FindPrevious();
-        EXPECT_EQ(selection(), at);
+    for (const char* button : {"Replace", "Replace all"}) {
+        Press(button);
+        EXPECT_EQ(editor->text(), "ones two one");
+        EXPECT_EQ(message(), "The text cannot be changed") << button;
     }
 }
 
 TEST_F(FindBarTest, ClosedItGoesOnWithTheLastWords)
 {
-    editor->setText("one two one");
-    bar->OpenForFind();
-    QTest::keyClicks(words(), "one");
+    Search("one two one", {{"=one", "0-3"}});
     QTest::keyClick(words(), Qt::Key_Escape);
     EXPECT_FALSE(bar->isVisible());
     EXPECT_TRUE(editor->hasFocus());
     bar->FindNext();
     EXPECT_EQ(selection(), "8-11");
-    EXPECT_TRUE(editor->hasFocus());
     EXPECT_FALSE(bar->isVisible());
     editor->setText("nothing");
     bar->FindNext();
@@ -243,7 +240,7 @@ TEST_F(FindBarTest, ClosedItGoesOnWithTheLastWords)
     EXPECT_TRUE(editor->hasFocus());
 }
 
-TEST_F(FindBarTest, TakesWordsOfOneLineOnly)
+TEST_F(FindBarTest, TakesSelectedWordsOfOneLineAndWorksAfterItsEditorIsGone)
 {
     editor->setText("one two\nthree");
     editor->setSelection(0, 4, 0, 7);
@@ -252,15 +249,9 @@ TEST_F(FindBarTest, TakesWordsOfOneLineOnly)
     editor->setSelection(0, 4, 1, 2);
     bar->OpenForReplace();
     EXPECT_EQ(words()->text(), "two");
-}
-
-TEST_F(FindBarTest, ManagesWithoutAnEditor)
-{
-    bar->OpenForReplace();
-    words()->setText("one");
     delete editor;
-    for (const char* button : {"Ne&xt", "Previo&us", "Rep&lace", "Replace &all"}) {
-        Press<QPushButton>(button);
+    for (const char* button : {"Next", "Previous", "Replace", "Replace all"}) {
+        Press(button);
     }
     bar->OpenForFind();
     QTest::keyClick(words(), Qt::Key_Escape);
@@ -286,15 +277,4 @@ TEST_F(FindBarTest, EveryControlIsReachedByTab)
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     }
     EXPECT_TRUE(left.isEmpty());
-}
-
-TEST_F(FindBarTest, ANearMatchOfALongTextIsFoundBackwards)
-{
-    editor->setText("x " + QString("aaaaaaa\n").repeated(100'000) + " x");
-    bar->OpenForFind();
-    words()->setText("x");
-    bar->FindPrevious();
-    EXPECT_EQ(selection(), "800003-800004");
-    bar->FindPrevious();
-    EXPECT_EQ(selection(), "0-1") << "the one far before";
 }

@@ -31,24 +31,31 @@ class UserShellTest : public testing::Test {
     }
     ~UserShellTest() override { qputenv("SHELL", shellBefore); }
 
-    void Run(const std::string& command)
+    void Start(const std::string& command, const std::string& where)
     {
-        shell->Run(QString::fromStdString(command), QString::fromStdString(folder.path()));
+        output.clear();
+        shell->Run(QString::fromStdString(command), QString::fromStdString(where));
     }
-    bool WaitForEnd(std::size_t count = 1)
+    void Start(const std::string& command) { Start(command, folder.path()); }
+    bool WaitForEnd(std::size_t count)
     {
         return WaitUntil([&] { return statuses.size() == count; });
     }
-    pid_t WaitForNumber()
+    // What a command prints, and its status.
+    void Expect(const std::string& command, const std::string& printed, int status)
     {
+        statuses.clear();
+        Start(command);
+        EXPECT_TRUE(WaitForEnd(1));
+        EXPECT_EQ(output, printed);
+        EXPECT_EQ(statuses, std::vector{status});
+    }
+    // Starts a command that prints a process number.
+    pid_t StartAndReadNumber(const std::string& command)
+    {
+        Start(command);
         EXPECT_TRUE(WaitUntil([&] { return output.ends_with('\n'); })) << output;
         return static_cast<pid_t>(std::stol(output));
-    }
-    // Who takes an orphan's status may take a while.
-    static bool IsAlive(pid_t pid)
-    {
-        return kill(pid, 0) == 0 &&
-               ReadFile("/proc/" + std::to_string(pid) + "/stat").find(") Z ") == std::string::npos;
     }
 
     const QByteArray shellBefore = qgetenv("SHELL");
@@ -61,82 +68,63 @@ class UserShellTest : public testing::Test {
 
 }  // namespace
 
-TEST_F(UserShellTest, RunsALineOfTheShellInTheFolder)
+TEST_F(UserShellTest, RunsACommandOfTheUsersShellInTheFolder)
 {
-    Run("pwd -P; cat; echo 'ä' >&2; exit 3");
-    ASSERT_TRUE(WaitForEnd());
-    EXPECT_EQ(output, std::filesystem::canonical(folder.path()).string() + "\nä\n");
-    EXPECT_EQ(statuses[0], 3);
-}
-
-TEST_F(UserShellTest, UsesTheUsersOwnShell)
-{
+    Expect("pwd -P; cat; echo 'ä' >&2; exit 3",
+           std::filesystem::canonical(folder.path()).string() + "\nä\n", 3);
     const auto own = folder.Write("own shell", "#!/bin/sh\necho \"own $1 $2\"\n");
     std::filesystem::permissions(own, std::filesystem::perms::owner_all);
     qputenv("SHELL", own.c_str());
-    Run("a b");
-    ASSERT_TRUE(WaitForEnd());
-    EXPECT_EQ(output, "own -c a b\n");
-}
-
-TEST_F(UserShellTest, SaysWhatCannotBeRun)
-{
-    shell->Run("echo no", "/no/such folder");
-    ASSERT_TRUE(WaitForEnd());
-    EXPECT_EQ(output, "There is no folder /no/such folder.\n");
-    EXPECT_EQ(statuses[0], 127);
-    output.clear();
+    Expect("a b", "own -c a b\n", 0);
     qputenv("SHELL", "/no/such/shell");
-    Run("echo no");
+    Expect("echo", "/no/such/shell: No such file or directory\n",
+           127);
+    Start("echo", "/no/such folder");
     ASSERT_TRUE(WaitForEnd(2));
-    EXPECT_EQ(output, "/no/such/shell: No such file or directory\n");
-    EXPECT_EQ(statuses[1], 127);
+    EXPECT_EQ(output, "There is no folder /no/such folder.\n");
 }
 
 TEST_F(UserShellTest, AllOfTheOutputComesBeforeTheEnd)
 {
-    Run("i=0; while [ $i -lt 20000 ]; do echo 1234567890; i=$((i+1)); done");
-    ASSERT_TRUE(WaitForEnd());
+    Start("i=0; while [ $i -lt 20000 ]; do echo 1234567890; i=$((i+1)); done");
+    ASSERT_TRUE(WaitForEnd(1));
     EXPECT_EQ(output.size(), 20000U * 11);
 }
 
 TEST_F(UserShellTest, StopEndsTheWholeGroup)
 {
-    Run("sh -c 'trap \"\" TERM; echo $$; while :; do sleep 1; done' & wait");
-    const pid_t stubborn = WaitForNumber();
+    const pid_t stubborn =
+        StartAndReadNumber("sh -c 'trap \"\" TERM; echo $$; while :; do sleep 1; done' & wait");
     shell->Stop();
-    ASSERT_TRUE(WaitForEnd());
-    EXPECT_EQ(statuses[0], 128 + SIGTERM);
+    ASSERT_TRUE(WaitForEnd(1));
     EXPECT_TRUE(WaitUntil([&] { return !IsAlive(stubborn); }));
-    output.clear();
-    Run("trap '' TERM; echo $$; while :; do sleep 1; done");
-    WaitForNumber();
+    StartAndReadNumber("trap '' TERM; echo $$; while :; do sleep 1; done");
     shell->Stop();
     shell->Stop();
     ASSERT_TRUE(WaitForEnd(2));
-    EXPECT_EQ(statuses[1], 128 + SIGKILL);
+    EXPECT_EQ(statuses, (std::vector{128 + SIGTERM, 128 + SIGKILL}));
 }
 
 TEST_F(UserShellTest, ANewCommandWaitsForTheEndOfTheOld)
 {
-    Run("trap 'echo old' EXIT; trap 'exit 9' TERM; echo $$; while :; do sleep 0.01; done");
-    WaitForNumber();
-    output.clear();
-    Run("echo never");
-    Run("echo new");
+    StartAndReadNumber(
+        "trap 'echo old' EXIT; trap 'exit 9' TERM; echo $$; "
+        "while :; do sleep 0.01; done");
+    Start("echo never");
+    Start("echo new");
     ASSERT_TRUE(WaitForEnd(2));
-    EXPECT_TRUE(output.ends_with("old\nnew\n")) << output;
+    EXPECT_TRUE(output.ends_with("old\nnew\n")) << output;  // A shell may report more.
     EXPECT_EQ(output.find("never"), std::string::npos);
     EXPECT_EQ(statuses, (std::vector{9, 0}));
+    Start("echo withdrawn");
+    shell->Stop();
 }
 
 TEST_F(UserShellTest, NothingIsLeftBehind)
 {
     const auto before = CurrentHoldings();
-    Run("exec >&- 2>&-; sleep 0.02");
-    ASSERT_TRUE(WaitForEnd());
-    Run("sleep 1000 & echo $!; wait");
-    const pid_t sleeper = WaitForNumber();
+    Expect("exec >&- 2>&-; sleep 0.02", "", 0);
+    const pid_t sleeper = StartAndReadNumber("sleep 1000 & echo $!; wait");
     shell.reset();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(WaitUntil([&] { return !IsAlive(sleeper); }));
@@ -155,10 +143,9 @@ TEST_F(UserShellTest, AFloodLeavesTheWindowItsTurns)
         bytes += piece.size();
         EXPECT_LE(piece.size(), 65536U);
     });
-    Run("yes");
-    ASSERT_TRUE(WaitUntil([&] { return bytes > 20'000'000; }));
+    Start("yes");
+    ASSERT_TRUE(WaitUntil([&] { return bytes > 10'000'000; }));
     EXPECT_GT(turns, 100);
     shell->Stop();
-    ASSERT_TRUE(WaitForEnd());
-    EXPECT_EQ(statuses[0], 128 + SIGTERM);
+    ASSERT_TRUE(WaitForEnd(1));
 }

@@ -4,8 +4,8 @@
 
 TEST(RectSettings, ReadBackAsTheyWereWritten)
 {
-    const BRect rects[] = {{0, 0, 0, 0}, {-1920, 24.5, 0.1, 1e300}, {1.0 / 3, -0.0, 5e-324, 7}};
-    for (const auto& rect : rects) {
+    for (const BRect rect :
+         {BRect{0, 0, 0, 0}, {-1920, 24.5, 0.1, 1e300}, {1.0 / 3, -0.0, 5e-324, 7}}) {
         const std::string text = RectValueForSettings(rect);
         const char* words[] = {"-frame", text.c_str(), "next", nullptr};
         const char* const* at = words;
@@ -15,27 +15,19 @@ TEST(RectSettings, ReadBackAsTheyWereWritten)
     EXPECT_EQ(RectValueForSettings({100, 0.1, -2.5, 1e6}), "100,0.1,-2.5,1e+06");
 }
 
-TEST(RectSettings, MalformedOnesAreLeftWhereTheyStand)
+TEST(RectSettings, MalformedOnesAreRefusedAndLeftInPlace)
 {
-    using Words = std::vector<const char*>;
-    const Words rows[] = {
-        {nullptr},
-        {"-frame", nullptr},
-        {"frame", "1,2,3,4", nullptr},
-        {"-frames", "1,2,3,4", nullptr},
-        {"-frame", "", nullptr},
-        {"-frame", "1,2,3", nullptr},
-        {"-frame", "1,2,3,4,5", nullptr},
-        {"-frame", "1,2,3,4 ", nullptr},
-        {"-frame", "1;2;3;4", nullptr},
-        {"-frame", "1,2,nan,4", nullptr},
-        {"-frame", "1,2,3,inf", nullptr},
-        {"-frame", "1,2,3,1e999", nullptr},
-        {"-frame", "1, 2,3,4", nullptr},
+    const std::pair<const char*, const char*> rows[] = {
+        {nullptr, nullptr},      {"-frame", nullptr},     {"frame", "1,2,3,4"},
+        {"-frames", "1,2,3,4"},  {"-frame", ""},          {"-frame", "1,2,3"},
+        {"-frame", "1,2,3,4,5"}, {"-frame", "1,2,3,4 "},  {"-frame", "1;2;3;4"},
+        {"-frame", "1,2,nan,4"}, {"-frame", "1,2,3,inf"}, {"-frame", "1,2,3,1e999"},
+        {"-frame", "1, 2,3,4"},
     };
-    for (const auto& words : rows) {
-        const char* const* at = words.data();
-        EXPECT_EQ(ParseAsRectFromArgv(at, "frame"), std::nullopt) << (words[0] ? words[0] : "none");
-        EXPECT_EQ(at, words.data());
+    for (const auto& [key, value] : rows) {
+        const char* words[] = {key, value, nullptr};
+        const char* const* at = words;
+        EXPECT_EQ(ParseAsRectFromArgv(at, "frame"), std::nullopt) << (value ? value : "none");
+        EXPECT_EQ(at, words);
     }
 }

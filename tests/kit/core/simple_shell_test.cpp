@@ -6,26 +6,31 @@
 
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
-
 #include <poll.h>
 #include <signal.h>
 
 #include <chrono>
 #include <filesystem>
-#include <random>
 #include <thread>
 
 namespace {
 
 using std::chrono::milliseconds;
 using Clock = std::chrono::steady_clock;
+using Pieces = std::vector<std::string>;
 
-const std::string kMisbehave = QUILP_TEST_BIN "/misbehave ";
+// A shell command as the one word of a command line, which is split by quotes only.
+std::string Sh(const std::string& script)
+{
+    return "sh -c '" + script + "'";
+}
+
+const std::string kPrompts = Sh("printf \"name? \"; exec sleep 1000");
+const std::string kIgnoresTermination = Sh("trap \"\" TERM; echo ready; exec sleep 1000");
 
 class SimpleShellTest : public testing::Test {
   protected:
-    // A shell whose pieces arrive in `pieces`, by way of the queue as a host would have it.
+    // A shell whose pieces arrive in `pieces_` by way of the queue, as in a host.
     std::shared_ptr<SimpleShell> MakeShell()
     {
         return std::make_shared<SimpleShell>(
@@ -36,28 +41,29 @@ class SimpleShellTest : public testing::Test {
             "Test");
     }
 
-    std::string Output() const
-    {
-        std::string all;
-        for (const auto& piece : pieces_) {
-            all += piece;
-        }
-        return all;
-    }
-
-    // Runs one command to its completion.
-    std::vector<std::string> Run(const std::string& line)
+    // Runs one command to its completion, which must come once and after the last piece.
+    Pieces Run(const std::string& line)
     {
         const auto shell = MakeShell();
-        bool done = false;
-        shell->Run(line, [&done] { done = true; });
-        EXPECT_TRUE(WaitUntil([&] { return done; }));
+        int completions = 0;
+        Pieces before;
+        shell->Run(line, [&] {
+            ++completions;
+            before = pieces_;
+        });
+        EXPECT_TRUE(WaitForIdle());
+        EXPECT_EQ(completions, 1);
+        EXPECT_EQ(before, pieces_);
         return std::exchange(pieces_, {});
     }
 
-    bool WaitForOutput(const std::string& text)
+    // Starts a command and waits for its first piece.
+    std::shared_ptr<SimpleShell> Start(const std::string& line)
     {
-        return WaitUntil([&] { return Output().find(text) != std::string::npos; });
+        const auto shell = MakeShell();
+        shell->Run(line, [this] { done_ = true; });
+        EXPECT_TRUE(WaitUntil([&] { return !pieces_.empty(); })) << line;
+        return shell;
     }
 
     bool WaitForIdle()
@@ -66,139 +72,111 @@ class SimpleShellTest : public testing::Test {
     }
 
     Runtime runtime_;
-    std::vector<std::string> pieces_;
+    Pieces pieces_;
+    bool done_ = false;
 };
-
-using Pieces = std::vector<std::string>;
 
 }  // namespace
 
-TEST_F(SimpleShellTest, HandsOnOneLinePerPieceWithErrorsInOrder)
+TEST_F(SimpleShellTest, ForwardsOneLinePerPiece)
 {
-    EXPECT_EQ(Run(kMisbehave + "error-between-lines\n"),
-              (Pieces{"one\n", "two\n", "three\n", "four"}));
-}
-
-TEST_F(SimpleShellTest, NeverTearsACharacterThatArrivesSlowly)
-{
-    EXPECT_EQ(Run(kMisbehave + "tear-character"), (Pieces{"euro ", "\xE2\x82\xAC sign", " end\n"}));
-}
-
-TEST_F(SimpleShellTest, HandsOnAPromptWithoutLineEndAndStops)
-{
-    const auto shell = MakeShell();
-    shell->Run(kMisbehave + "hold-prompt", {});
-    EXPECT_TRUE(WaitForOutput("name? "));
-}
-
-TEST_F(SimpleShellTest, GivesTheProgramItsWordsItsEnvironmentAndNoInput)
-{
-    struct Row {
-        const char* line;
-        Pieces output;
-    };
-    const Row rows[] = {
-        {"print-words 'a b' x;y $HOME\n", {"[a b]\n", "[x;y]\n", "[$HOME]\n"}},
-        {"print-variable PYTHONUNBUFFERED\n", {"1\n"}},
-        {"print-variable PYTHONUTF8\n", {"1\n"}},
-        {"read-input\n", {"end of input\n"}},
-        {"crash\n", {"about to crash"}},
-        {"nothing\n", {}},
-    };
     setenv("PYTHONUNBUFFERED", "", 1);
+    const struct {
+        const char* name;
+        std::string line;
+        Pieces output;
+    } rows[] = {
+        {"errors in order",
+         Sh("echo one; echo two >&2; echo three; printf four >&2"),
+         {"one\n", "two\n", "three\n", "four"}},
+        {"a character that arrives slowly",
+         Sh("for part in \"euro \\342\" \"\\202\" \"\\254 sign\" \" end\\n\"; "
+            "do printf \"$part\"; sleep 0.06; done"),
+         {"euro ", "€ sign", " end\n"}},
+        {"words", "printf '[%s]\\n' 'a b' x;y $HOME\n", {"[a b]\n", "[x;y]\n", "[$HOME]\n"}},
+        {"environment", "printenv PYTHONUNBUFFERED PYTHONUTF8\n", {"1\n", "1\n"}},
+        {"no input", "wc -c", {"0\n"}},
+        {"a crash", Sh("printf \"about to crash\"; kill -ABRT $$"), {"about to crash"}},
+        {"no output", "true", {}},
+        {"output after closing it", Sh("echo closing; exec >&- 2>&-; sleep 0.2"), {"closing\n"}},
+        {"no such tool", "/no/such/tool ls\n", {"/no/such/tool: No such file or directory\n"}},
+        {"no program", "/tmp ls\n", {"/tmp: Permission denied\n"}},
+        {"unbalanced quotes",
+         "tool rm -r :'it's'\n",
+         {"The command line cannot be read: its quotes are not balanced\n"}},
+    };
     for (const auto& row : rows) {
-        EXPECT_EQ(Run(kMisbehave + row.line), row.output) << row.line;
+        EXPECT_EQ(Run(row.line), row.output) << row.name;
     }
 }
 
-TEST_F(SimpleShellTest, TellsInOneLineWhatCannotBeStarted)
+TEST_F(SimpleShellTest, WaitsForTheProgramButNotForAGrandchildThatHoldsThePipe)
 {
-    EXPECT_EQ(Run("/no/such/tool ls\n"), (Pieces{"/no/such/tool: No such file or directory\n"}));
-    EXPECT_EQ(Run("/tmp ls\n"), (Pieces{"/tmp: Permission denied\n"}));
-    EXPECT_EQ(Run("tool rm -r :'it's'\n"),
-              (Pieces{"The command line cannot be read: its quotes are not balanced\n"}));
-}
-
-TEST_F(SimpleShellTest, CompletesAfterTheLastPieceAndOnce)
-{
-    const auto shell = MakeShell();
-    int completions = 0;
-    std::size_t piecesBefore = 0;
-    shell->Run(kMisbehave + "error-between-lines", [&] {
-        ++completions;
-        piecesBefore = pieces_.size();
-    });
-    ASSERT_TRUE(WaitForIdle());
-    EXPECT_EQ(completions, 1);
-    EXPECT_EQ(piecesBefore, 4u);
-}
-
-TEST_F(SimpleShellTest, WaitsForAProgramThatClosedItsOutput)
-{
-    const auto begin = Clock::now();
-    EXPECT_EQ(Run(kMisbehave + "close-output"), (Pieces{"closing\n"}));
+    auto begin = Clock::now();
+    Run(Sh("exec >&- 2>&-; sleep 0.2"));
     EXPECT_GE(Clock::now() - begin, milliseconds(200));
-}
-
-TEST_F(SimpleShellTest, DoesNotWaitForAGrandchildThatHoldsThePipe)
-{
-    const auto begin = Clock::now();
-    const auto pieces = Run(kMisbehave + "leave-grandchild");
+    begin = Clock::now();
+    const auto pieces = Run(Sh("trap \"\" TERM; sleep 1000 & echo $!"));
     EXPECT_LT(Clock::now() - begin, std::chrono::seconds(5));
     ASSERT_EQ(pieces.size(), 1u);
     EXPECT_EQ(kill(std::stoi(pieces[0]), SIGKILL), 0);
 }
 
-TEST_F(SimpleShellTest, StopReturnsAtOnceAndDropsTheCompletion)
+TEST_F(SimpleShellTest, ForwardsEverythingInOrderFromAReaderFarAhead)
 {
-    for (const char* way : {"flood", "ignore-termination", "hold-prompt", "nothing"}) {
-        SCOPED_TRACE(way);
-        const auto shell = MakeShell();
-        bool done = false;
-        shell->Run(kMisbehave + way, [&done] { done = true; });
-        if (std::string(way) != "nothing") {
-            ASSERT_TRUE(WaitUntil([&] { return !pieces_.empty(); }));
-        }
-        const auto begin = Clock::now();
-        shell->Stop();
-        EXPECT_LT(Clock::now() - begin, milliseconds(50));
-        EXPECT_TRUE(WaitForIdle());
-        EXPECT_FALSE(done);
-        pieces_.clear();
+    const TemporaryFolder folder;
+    std::string text;
+    for (int i = 0; i < 100'000; ++i) {
+        text += "line " + std::to_string(i) + "\n";
     }
+    const auto pieces = Run("cat " + folder.Write("text", text));
+    EXPECT_EQ(pieces.size(), 100'000u);
+    std::string all;
+    for (const auto& piece : pieces) {
+        all += piece;
+    }
+    EXPECT_TRUE(all == text);
 }
 
-TEST_F(SimpleShellTest, ACompletionThatIsPostedAlreadyIsDroppedByAStop)
+TEST_F(SimpleShellTest, StopReturnsAtOnceAndDropsTheCompletion)
 {
+    for (const std::string& line : {std::string("yes"), kIgnoresTermination, kPrompts}) {
+        const auto shell = Start(line);
+        const auto begin = Clock::now();
+        shell->Stop();
+        EXPECT_LT(Clock::now() - begin, milliseconds(50)) << line;
+        EXPECT_TRUE(WaitForIdle());
+        EXPECT_FALSE(done_) << line;
+        pieces_.clear();
+    }
     const auto threads = CurrentHoldings().threads;
     const auto shell = MakeShell();
-    bool done = false;
-    shell->Run(kMisbehave + "nothing", [&done] { done = true; });
+    shell->Run("true", [this] { done_ = true; });
     const auto patience = Clock::now() + std::chrono::seconds(20);
     while (CurrentHoldings().threads > threads && Clock::now() < patience) {
-        // It ends while nobody looks.
+        // It ends while the event loop stands still.
     }
     shell->Stop();
     EXPECT_TRUE(WaitForIdle());
-    EXPECT_FALSE(done);
+    EXPECT_FALSE(done_) << "it was posted already";
 }
 
 TEST_F(SimpleShellTest, AReaderFarAheadWaitsAndAStopReachesItThere)
 {
     const Holdings before = CurrentHoldings();
-    std::atomic<int> handedOn = 0;
+    std::atomic<int> forwarded = 0;
     const auto shell = std::make_shared<SimpleShell>(
         [&](std::string&&) {
-            ++handedOn;
+            ++forwarded;
             runtime_.queue().Post([] {});
         },
         "Test");
-    shell->Run(kMisbehave + "flood", {});
-    while (handedOn < 500) {
+    shell->Run("yes", {});
+    while (forwarded < 500) {
         std::this_thread::yield();
     }
     poll(nullptr, 0, 100);  // Time enough for ten thousand more.
-    EXPECT_LT(handedOn, 600);
+    EXPECT_LT(forwarded, 600);
     shell->Stop();
     const auto stopped = Clock::now();
     while (CurrentHoldings().children && Clock::now() - stopped < std::chrono::seconds(5)) {
@@ -208,103 +186,47 @@ TEST_F(SimpleShellTest, AReaderFarAheadWaitsAndAStopReachesItThere)
     EXPECT_EQ(SettledHoldings(before), before);
 }
 
-TEST_F(SimpleShellTest, StopAsksPolitelyFirstAndEndsTheWholeGroup)
+TEST_F(SimpleShellTest, StopTerminatesFirstAndKillsTheWholeGroup)
 {
     const TemporaryFolder folder;
-    const auto polite = MakeShell();
-    polite->Run(kMisbehave + "tell-termination " + (folder / "told"), {});
-    ASSERT_TRUE(WaitForOutput("ready\n"));
+    const auto polite = Start(Sh("trap \"echo >" + (folder / "terminated") +
+                                 "; exit\" TERM; echo ready; sleep 1000 & wait"));
     polite->Stop();
     ASSERT_TRUE(WaitForIdle());
-    EXPECT_TRUE(std::filesystem::exists(folder / "told"));
+    EXPECT_TRUE(std::filesystem::exists(folder / "terminated"));
 
     pieces_.clear();
-    const auto stubborn = MakeShell();
-    stubborn->Run(kMisbehave + "grandchild-ignores-termination", {});
-    ASSERT_TRUE(WaitForOutput("\n"));
-    const pid_t grandchild = std::stoi(Output());
+    // The grandchild has let go of the pipe.
+    const auto stubborn =
+        Start(Sh("trap \"\" TERM; sleep 1000 >&- 2>&- & echo $!; trap - TERM; wait"));
+    const pid_t grandchild = std::stoi(pieces_.at(0));
     stubborn->Stop();
     ASSERT_TRUE(WaitForIdle());
-    EXPECT_TRUE(WaitUntil([&] {
-        return kill(grandchild, 0) != 0 ||
-               ReadFile("/proc/" + std::to_string(grandchild) + "/stat").find(") Z ") !=
-                   std::string::npos;
-    }));
+    EXPECT_TRUE(WaitUntil([&] { return !IsAlive(grandchild); }));
 }
 
 TEST_F(SimpleShellTest, TheNextCommandStartsWhenTheStoppedGroupHasEnded)
 {
-    const auto first = MakeShell();
-    first->Run(kMisbehave + "ignore-termination", {});
-    ASSERT_TRUE(WaitForOutput("ready\n"));
+    const auto first = Start(kIgnoresTermination);
+    pieces_.clear();
     const auto stoppedAt = Clock::now();
     first->Stop();
-    EXPECT_EQ(Run(kMisbehave + "print-words next"), (Pieces{"ready\n", "[next]\n"}));
+    const auto second = Start("echo next");
+    EXPECT_EQ(pieces_, Pieces{"next\n"});
     EXPECT_GE(Clock::now() - stoppedAt, milliseconds(450));  // The grace of the first.
 }
 
-TEST_F(SimpleShellTest, NothingIsLostWhenTheReaderIsFarAhead)
-{
-    const TemporaryFolder folder;
-    std::string text;
-    for (int i = 0; i < 100000; ++i) {
-        text += "line " + std::to_string(i) + "\n";
-    }
-    folder.Write("text", text);
-    const auto shell = MakeShell();
-    bool done = false;
-    shell->Run("cat " + (folder / "text"), [&] { done = true; });
-    ASSERT_TRUE(WaitUntil([&] { return done; }));
-    EXPECT_EQ(pieces_.size(), 100000u);
-    EXPECT_EQ(Output(), text);
-}
-
-TEST_F(SimpleShellTest, AThousandStartsAndStopsInVariedOrderLeaveNothing)
-{
-    Run(kMisbehave + "nothing");
-    const Holdings before = CurrentHoldings();
-    std::mt19937 random(1);
-    const char* ways[] = {"nothing", "flood", "error-between-lines", "hold-prompt", "/no/such"};
-    std::vector<std::shared_ptr<SimpleShell>> shells(3);
-    int completions = 0;
-    for (int i = 0; i < 1000; ++i) {
-        auto& shell = shells[random() % shells.size()];
-        switch (random() % 4) {
-            case 0: shell.reset(); break;
-            case 1:
-                if (shell) {
-                    shell->Stop();
-                }
-                break;
-            default: shell = MakeShell();
-        }
-        if (shell) {
-            shell->Run(kMisbehave + ways[random() % std::size(ways)], [&] { ++completions; });
-        }
-        const auto turns = random() % 3;
-        for (unsigned turn = 0; turn < turns; ++turn) {
-            QCoreApplication::processEvents();
-        }
-        if (i % 100 == 0) {
-            pieces_.clear();
-        }
-    }
-    shells.clear();
-    ASSERT_TRUE(WaitForIdle());
-    EXPECT_EQ(SettledHoldings(before), before);
-}
-
-TEST(SimpleShell, EndingTheProgramWhileItRunsWithOutputQueuedDropsEverythingOnTheUiThread)
+TEST(SimpleShell, EndingTheRuntimeWhileAProgramRunsDropsEverythingOnTheUiThread)
 {
     const Holdings before = CurrentHoldings();
-    for (const char* way : {"flood", "ignore-termination", "nothing"}) {
-        auto captured = std::make_shared<std::thread::id>();
+    for (const std::string& line : {std::string("yes"), kIgnoresTermination, std::string("true")}) {
+        auto destroyedOn = std::make_shared<std::thread::id>();
         std::shared_ptr<SimpleShell> shell;
         bool done = false;
         {
             Runtime runtime;
             const std::shared_ptr<void> witness(
-                nullptr, [captured](void*) { *captured = std::this_thread::get_id(); });
+                nullptr, [destroyedOn](void*) { *destroyedOn = std::this_thread::get_id(); });
             std::atomic<int> pieces = 0;
             shell = std::make_shared<SimpleShell>(
                 [&, witness](std::string&&) {
@@ -312,8 +234,8 @@ TEST(SimpleShell, EndingTheProgramWhileItRunsWithOutputQueuedDropsEverythingOnTh
                     runtime.queue().Post([witness] {});
                 },
                 "Test");
-            shell->Run(kMisbehave + way, [&done, witness] { done = true; });
-            while (pieces < 300 && std::string(way) == "flood") {
+            shell->Run(line, [&done, witness] { done = true; });
+            while (line == "yes" && pieces < 300) {
                 std::this_thread::yield();
             }
             const auto begin = Clock::now();
@@ -322,7 +244,7 @@ TEST(SimpleShell, EndingTheProgramWhileItRunsWithOutputQueuedDropsEverythingOnTh
         }
         shell.reset();  // As a module's globals are: after everything else.
         EXPECT_FALSE(done);
-        EXPECT_EQ(*captured, std::this_thread::get_id());
+        EXPECT_EQ(*destroyedOn, std::this_thread::get_id());
     }
     EXPECT_EQ(SettledHoldings(before), before);
 }

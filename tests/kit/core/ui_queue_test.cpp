@@ -8,100 +8,76 @@
 #include <QEventLoop>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
+#include <string>
 #include <thread>
 #include <vector>
 
-namespace {
-
-const std::atomic<bool> kNever = false;
-
-// Tells on which thread it was destroyed.
-struct ThreadAtEnd {
-    explicit ThreadAtEnd(std::thread::id& where) : id(&where) {}
-    ~ThreadAtEnd() { *id = std::this_thread::get_id(); }
-    std::thread::id* id;
-};
-
-}  // namespace
+static const std::atomic<bool> kNever = false;
 
 TEST(UiQueue, RunsWhatEachThreadPostedInItsOrderOnTheUiThread)
 {
     constexpr int kTasks = 20000;  // Far more than the queue holds.
     UiQueue queue;
-    std::vector<int> order[2];
     const auto ui = std::this_thread::get_id();
-    bool elsewhere = false;
-    const auto post = [&](int who) {
+    std::vector<int> order[2];
+    const auto post = [&](std::vector<int>& ran) {
         for (int i = 0; i < kTasks; ++i) {
             queue.WaitForRoom(kNever);
-            queue.Post([&, who, i] {
-                elsewhere |= std::this_thread::get_id() != ui;
-                order[who].push_back(i);
-            });
+            queue.Post([&ran, ui, i] { ran.push_back(std::this_thread::get_id() == ui ? i : -1); });
         }
     };
-    std::jthread first(post, 0);
-    std::jthread second(post, 1);
+    std::jthread first(post, std::ref(order[0]));
+    std::jthread second(post, std::ref(order[1]));
     ASSERT_TRUE(WaitUntil([&] { return order[0].size() + order[1].size() == 2 * kTasks; }));
-    EXPECT_FALSE(elsewhere);
-    for (const auto& one : order) {
-        EXPECT_TRUE(std::ranges::is_sorted(one));
+    for (const auto& ran : order) {
+        EXPECT_TRUE(ran.front() == 0 && std::ranges::is_sorted(ran));
     }
 }
 
 TEST(UiQueue, ATaskThatOpensAnEventLoopDoesNotHoldUpOrReorderTheNext)
 {
     UiQueue queue;
-    std::vector<int> order;
+    std::string order;
     QEventLoop menu;
     queue.Post([&] {
-        order.push_back(1);
+        order += "1";
         menu.exec();
-        order.push_back(4);
+        order += "4";
     });
-    queue.Post([&] { order.push_back(2); });
-    queue.Post([&] {
-        order.push_back(3);
-        menu.quit();
-    });
+    queue.Post([&] { order += "2"; });
+    queue.Post([&] { order += "3", menu.quit(); });
     ASSERT_TRUE(WaitUntil([&] { return order.size() == 4; }));
-    EXPECT_EQ(order, (std::vector{1, 2, 3, 4}));
+    EXPECT_EQ(order, "1234");
 }
 
 TEST(UiQueue, AFloodLeavesTurnsToOtherEvents)
 {
     UiQueue queue;
-    std::atomic<bool> stop = false;
-    std::jthread flood([&] {
-        while (!stop) {
-            queue.WaitForRoom(kNever);
-            queue.Post([] { std::this_thread::sleep_for(std::chrono::milliseconds(1)); });
-        }
-    });
-    using Clock = std::chrono::steady_clock;
-    std::chrono::milliseconds longest{0};
-    for (int turn = 0; turn < 20; ++turn) {
-        const auto begin = Clock::now();
-        QCoreApplication::processEvents();
-        longest =
-            std::max(longest, std::chrono::ceil<std::chrono::milliseconds>(Clock::now() - begin));
+    int ran = 0;
+    for (int i = 0; i < 1000; ++i) {
+        queue.Post([&] {
+            ++ran;
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        });
     }
-    stop = true;
+    QCoreApplication::processEvents();
+    EXPECT_GT(ran, 0);
+    EXPECT_LT(ran, 100);  // A turn of 8 ms, on a machine that may be busy.
     queue.Close();
-    flood.join();
     queue.Purge();
-    EXPECT_LT(longest.count(), 200);  // A turn of 8 ms, on a machine that may be busy.
 }
 
-TEST(UiQueue, CloseFreesWhoWaitsAndPurgeDestroysTheRestOnTheUiThread)
+TEST(UiQueue, CloseReleasesWhoWaitsAndPurgeDestroysTheRestOnTheUiThread)
 {
     UiQueue queue;
     std::thread::id destroyedOn;
     bool ran = false;
     std::atomic<int> posted = 0;
     std::jthread flood([&] {
-        queue.Post([&ran, guard = std::make_unique<ThreadAtEnd>(destroyedOn)] { ran = true; });
+        const auto note = [&](void*) { destroyedOn = std::this_thread::get_id(); };
+        queue.Post([&ran, held = std::shared_ptr<void>(nullptr, note)] { ran = true; });
         for (; posted < 5000; ++posted) {
             queue.WaitForRoom(kNever);
             queue.Post([&ran] { ran = true; });

@@ -1,4 +1,4 @@
-#include "program.h"
+#include "subprocess.h"
 
 #include "descriptors.h"
 #include "wait.h"
