@@ -20,7 +20,7 @@ int main(int argc, char** argv)
     const auto count = [&entries](const std::string_view& line) {
         entries += ParseDirLine(std::string(line)) ? 1 : 0;
     };
-    return RunWithPlugin(argv[1], [&](EditorHost& host) {
+    return RunWithPlugin(argv[1], [&](PluginHost& host) {
         DirectoryListing(&host, argv[2], count, [] { QCoreApplication::exit(0); });
         QCoreApplication::exec();
         std::printf("%zu\n", entries);

@@ -85,14 +85,14 @@ void ShowAnotherWindow()
     QApplication::processEvents();
 }
 
-void OpenUntilLastRow(EditorHost& host, int entries)
+void OpenUntilLastRow(PluginHost& host, int entries)
 {
     QuilpWindow::ShowInstance(&host);
     const LastRow last(Table(), entries);
     QApplication::exec();
 }
 
-void MeasureOpening(EditorHost& host, int entries)
+void MeasureOpening(PluginHost& host, int entries)
 {
     ShowAnotherWindow();
     const auto begin = Clock::now();
@@ -100,7 +100,7 @@ void MeasureOpening(EditorHost& host, int entries)
     std::printf("%.1f\n", Milliseconds(Clock::now() - begin));
 }
 
-void MeasureStalls(EditorHost& host, int entries)
+void MeasureStalls(PluginHost& host, int entries)
 {
     ShowAnotherWindow();
     const StallMeter stalls;
@@ -120,7 +120,7 @@ void AddRows(BOutlineTableView& table, int count, int until)
     }
 }
 
-void MeasureRows(EditorHost& host, int entries)
+void MeasureRows(PluginHost& host, int entries)
 {
     auto* const table = QuilpWindow::ShowInstance(&host)->FindFirst<BOutlineTableView>();
     Stop();  // Its own listing.
@@ -150,5 +150,5 @@ int main(int argc, char** argv)
     const auto measure = what == "rows"     ? MeasureRows
                          : what == "stalls" ? MeasureStalls
                                             : MeasureOpening;
-    return RunWithPlugin(argv[1], [&](EditorHost& host) { measure(host, entries); });
+    return RunWithPlugin(argv[1], [&](PluginHost& host) { measure(host, entries); });
 }

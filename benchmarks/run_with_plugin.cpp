@@ -16,10 +16,10 @@ int WithPlugin(const char* plugin, const std::function<int(const PluginModule&, 
     return measure(*module, runtime);
 }
 
-int RunWithPlugin(const char* plugin, const std::function<void(EditorHost&)>& measure)
+int RunWithPlugin(const char* plugin, const std::function<void(PluginHost&)>& measure)
 {
     return WithPlugin(plugin, [&](const PluginModule& module, Runtime& runtime) {
-        EditorHost host(module, runtime, [](const std::string&) {});
+        PluginHost host(module, runtime, [](const std::string&) {});
         measure(host);
         runtime.ShutDown();
         return 0;

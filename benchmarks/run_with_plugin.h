@@ -1,6 +1,6 @@
 #pragma once
 
-#include "editor_host.h"
+#include "plugin_host.h"
 
 #include <functional>
 
@@ -11,4 +11,4 @@ int WithPlugin(const char* plugin,
                const std::function<int(const PluginModule&, Runtime&)>& measure);
 
 // Lets a measurement use the plug-in, with an editor that drops what is written to the worksheet.
-int RunWithPlugin(const char* plugin, const std::function<void(EditorHost&)>& measure);
+int RunWithPlugin(const char* plugin, const std::function<void(PluginHost&)>& measure);
