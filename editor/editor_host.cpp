@@ -3,6 +3,7 @@
 #include "plugin_settings.h"
 #include "pop_up_menu.h"
 #include "protect.h"
+#include "rebinder.h"
 #include "shortcuts.h"
 
 #include <QScopeGuard>
@@ -217,9 +218,7 @@ std::pair<std::uint32_t, std::uint32_t> EditorHost::CommandShortcut(const std::s
 
 PluginInterface::Rebinder EditorHost::MakeRebinder(std::int32_t /*kind*/)
 {
-    return [this, &queue = runtime_.queue()](const PluginWork& work) {
-        queue.Post([this, work] { work(this); });
-    };
+    return MakeRebinderFor(*this);
 }
 
 void EditorHost::InsertInWorksheet(const std::string& text, const std::string& /*second*/,

@@ -20,9 +20,9 @@ inline constexpr std::uint32_t kPythonLanguage = 19;
 class PluginInterface {
   public:
     using PluginWork = std::function<void(PluginInterface*)>;
-    // Has the host call the work later, on the user-interface thread, in the order of the calls.
-    // Usable on any thread. Work that the host has not come to when it ends is destroyed without a
-    // call.
+    // Has the host call the work on the user-interface thread: at once when it is called there, and
+    // later, in the order of the calls, when it is called on any other thread. Usable on any
+    // thread. Work that is still waiting when the host ends is destroyed without a call.
     using Rebinder = std::function<void(const PluginWork&)>;
 
     // The window in which the plug-in was called.

@@ -8,6 +8,7 @@
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <thread>
 
 // The one way to the user-interface thread: what is posted runs there, first in, first out.
 //
@@ -23,6 +24,9 @@ class UiQueue {
     ~UiQueue();
     UiQueue(const UiQueue&) = delete;
     UiQueue& operator=(const UiQueue&) = delete;
+
+    // Whether this is called on the user-interface thread. From any thread.
+    bool IsUiThread() const { return std::this_thread::get_id() == uiThread_; }
 
     // From any thread. Never waits.
     void Post(Task task);
@@ -45,6 +49,7 @@ class UiQueue {
     void Drain();
     bool RunNext();
 
+    const std::thread::id uiThread_ = std::this_thread::get_id();
     std::mutex mutex_;
     std::condition_variable room_;
     std::deque<Task> tasks_;

@@ -4,7 +4,8 @@
 
 TEST(RectSettings, ReadBackAsTheyWereWritten)
 {
-    const BRect rects[] = {{0, 0, 0, 0}, {-1920, 24.5, 0.1, 1e300}, {1.0 / 3, -0.0, 5e-324, 7}};
+    const BRect rects[] = {
+        {-1e6, -1e6, 1e6, 1e6}, {-1920, 24.5, 0.1, 1e5}, {-1.0 / 3, -0.0, 5e-324, 7}};
     for (const auto& rect : rects) {
         const std::string text = RectValueForSettings(rect);
         const char* words[] = {"-frame", text.c_str(), "next", nullptr};
@@ -32,6 +33,12 @@ TEST(RectSettings, MalformedOnesAreLeftWhereTheyStand)
         {"-frame", "1,2,3,inf", nullptr},
         {"-frame", "1,2,3,1e999", nullptr},
         {"-frame", "1, 2,3,4", nullptr},
+        {"-frame", "0,0,9,1000001", nullptr},
+        {"-frame", "0,0,1000001,9", nullptr},
+        {"-frame", "-1000001,0,9,9", nullptr},
+        {"-frame", "0,-1000001,9,9", nullptr},
+        {"-frame", "9,0,9,9", nullptr},
+        {"-frame", "0,9,9,9", nullptr},
     };
     for (const auto& words : rows) {
         const char* const* at = words.data();
