@@ -40,7 +40,7 @@ TEST_F(DeviceWindowOnBoard, BrowsesUploadsAndDeletes)
     EXPECT_EQ(SortedRows(), (Strings{"lib/", "main.py", "odd é  name.txt"}));
     EXPECT_EQ(DeviceLabel(), "MicroPython Virtual board " + board.devicePath());
 
-    const DraggedFile file("sub/naïve name.bin", EveryByte());
+    DraggedFile file("sub/naïve name.bin", EveryByte());
     file.folder.Write("sub/empty", "");
     QMimeData folder;
     folder.setUrls({QUrl::fromLocalFile(QString::fromStdString(file.folder / "sub"))});

@@ -170,8 +170,9 @@ TEST_F(PopUp, TheChosenCommandIsPerformedBeforeTheCallReturns)
 TEST_F(PopUp, AWindowThatHasJustClosedDoesNotTakeTheMenuWithIt)
 {
     QuilpWindow::ShowInstance(&host);
-    ASSERT_TRUE(WaitUntil([&] { return QApplication::activeWindow() != window.get(); }));
     QuilpWindow::gInstance->Quit();
+    // The window becomes the active one only now that it is hidden and about to be destroyed.
+    ASSERT_TRUE(WaitUntil([&] { return QApplication::activeWindow() != window.get(); }));
     Ask([](QMenu& menu) { ClickItem(menu, "List "); });
     EXPECT_EQ(shells::TakeCalls().back(), RunLine(" ls \n"));
 }
