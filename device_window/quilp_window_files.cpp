@@ -4,6 +4,7 @@
 #include "Keyboard.h"
 #include "device_files.h"
 #include "quilp_window.h"
+#include "runner.h"
 
 namespace {
 
@@ -14,13 +15,22 @@ constexpr char kDownArrow = 31;
 
 constexpr long kOnWholeView = -1;
 
+constexpr const char* kRefusal =
+    "Not deleted: entries with a single quote in their path, which the command line cannot name.\n";
+
 }  // namespace
+
+QuilpWindow::ClearWhenDropped::~ClearWhenDropped()
+{
+    if (const auto window = operation_.WindowIfLast()) {
+        window->listView->Clear();
+    }
+}
 
 unique_function<void()> QuilpWindow::ReloadWhenDone()
 {
-    return [pending = PendingOperation(BeginOperation())]() mutable {
-        if (const auto window = pending.Window()) {
-            pending.End();
+    return [weak = ::weak_from_this(this), guard = ClearWhenDropped(BeginOperation())] {
+        if (const auto window = weak.lock()) {
             window->Reload({});
         }
     };
@@ -33,6 +43,12 @@ void QuilpWindow::DeleteSelection()
         if (const auto* entry = dynamic_cast<const IconTableItem*>(item)) {
             paths.push_back(entry->path);
         }
+    }
+    // Between the single quotes of the command line such a path would be another one.
+    const auto refused = std::erase_if(
+        paths, [](const std::string& path) { return path.find('\'') != std::string::npos; });
+    if (refused > 0) {
+        rebinder([](PluginInterface* pi) { WriteToWorksheet(pi, kRefusal); });
     }
     if (paths.empty()) {
         return;

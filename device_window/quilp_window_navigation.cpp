@@ -9,30 +9,17 @@
 #include "icon_format.h"
 #include "path_items.h"
 #include "quilp_window.h"
-#include "runner.h"
 
-std::shared_ptr<QuilpWindow> QuilpWindow::Operation::Window() const
+std::shared_ptr<QuilpWindow> QuilpWindow::Operation::WindowIfLast() const
 {
     auto alive = window.lock();
     return alive && alive->operationCount == number ? alive : nullptr;
-}
-
-QuilpWindow::PendingOperation::~PendingOperation()
-{
-    if (const auto window = Window()) {
-        window->progress->Stop();
-    }
 }
 
 QuilpWindow::Operation QuilpWindow::BeginOperation()
 {
     progress->Start();
     return {::weak_from_this(this), ++operationCount};
-}
-
-bool QuilpWindow::IsOvertaken(unsigned commandCount) const
-{
-    return CommandCount() != commandCount && CommandCount() != ownCommand;
 }
 
 void QuilpWindow::Reload(unique_function<void()>&& done)
@@ -45,25 +32,16 @@ void QuilpWindow::Reload(PluginInterface* pi, unique_function<void()>&& done)
     const Operation operation = BeginOperation();
     listView->Clear();
     const auto onLine = [operation, listed = currentPath](const std::string_view& line) {
-        if (const auto window = operation.Window()) {
+        if (const auto window = operation.WindowIfLast()) {
             window->AddRow(listed, line);
         }
     };
-    auto query = [pending = PendingOperation(operation), done = std::move(done)]() mutable {
-        const auto window = pending.Window();
-        if (!window) {
-            return;
+    auto onListed = [weak = operation.window, done = std::move(done)]() mutable {
+        if (const auto window = weak.lock()) {
+            window->QueryDevice(std::move(done));
         }
-        window->rebinder([pending = std::move(pending), done = std::move(done),
-                          count = CommandCount()](PluginInterface* p) mutable {
-            // Nothing that was started meanwhile is stopped for the query's sake.
-            if (CommandCount() == count) {
-                QueryDevice(p, std::move(pending), std::move(done));
-            }
-        });
     };
-    DirectoryListing(pi, currentPath, onLine, std::move(query));
-    ownCommand = CommandCount();
+    DirectoryListing(pi, currentPath, onLine, std::move(onListed));
 }
 
 void QuilpWindow::AddRow(const std::string& listedPath, const std::string_view& line)
@@ -83,25 +61,16 @@ void QuilpWindow::AddRow(const std::string& listedPath, const std::string_view& 
     listView->AddItem(new SizeTableItem(isDirectory ? "--" : size), row, 1);
 }
 
-void QuilpWindow::QueryDevice(PluginInterface* pi, PendingOperation pending,
-                              unique_function<void()>&& done)
+void QuilpWindow::QueryDevice(unique_function<void()>&& done)
 {
-    const auto asking = pending.Window();
-    if (!asking) {
-        return;
-    }
-    const auto onDevice = [operation = pending.operation()](const std::string_view& line) {
-        if (const auto window = operation.Window()) {
+    const auto onDevice = [weak = ::weak_from_this(this)](const std::string_view& line) {
+        if (const auto window = weak.lock()) {
             window->ShowDevice(line);
         }
     };
-    GetDeviceName(pi, onDevice, [pending = std::move(pending), done = std::move(done)]() mutable {
-        pending.End();
-        if (done) {
-            done();
-        }
+    rebinder([onDevice, done = std::move(done)](PluginInterface* pi) mutable {
+        GetDeviceName(pi, onDevice, std::move(done));
     });
-    asking->ownCommand = CommandCount();
 }
 
 void QuilpWindow::ShowDevice(const std::string_view& line)
@@ -145,9 +114,6 @@ void QuilpWindow::ChangeDirectory(const std::string& path, const std::string& se
         return;
     }
     currentPath = newPath;
-    // The rows of the directory that is left are not those of this path.
-    BeginOperation();
-    listView->Clear();
     Reload([weak = ::weak_from_this(this), selectName] {
         const auto window = weak.lock();
         // What the user has selected meanwhile stays: a deletion may be about to follow.

@@ -1,6 +1,7 @@
 #include "commands.h"
 
 #include "Text.h"
+#include "device_output.h"
 #include "quilp_window.h"
 #include "runnable.h"
 #include "runner.h"
@@ -11,9 +12,6 @@ namespace {
 
 // What the board calls a program that came over the line, in its tracebacks.
 constexpr std::string_view kAnonymousScript = "\"<stdin>\"";
-
-// What a line of the tool's list of ports begins with.
-constexpr std::string_view kPortPrefix = "/dev/";
 
 }  // namespace
 
@@ -34,6 +32,9 @@ bool Run(PluginInterface* pi)
 
 void Stop(PluginInterface* pi)
 {
+    // "disconnect" is started first and stopped second; the order is fixed. Starting it stops what
+    // ran before, and the end of that command is what frees the port. "disconnect" itself waits for
+    // that end, so it is stopped here, as a rule, before its program has started.
     const std::string path = pi->DocumentRef().path();
     Execute(pi, MPRemoteExecutable(pi) + " disconnect " + path + "\n", {}, {});
     Stop();
@@ -55,17 +56,10 @@ void List(PluginInterface* pi)
     Execute(pi, MPRemoteExecutable(pi) + " ls \n", {}, {});
 }
 
-bool IsBoard(std::string_view line)
-{
-    // The fixed name is a port that counts as a board whatever the tool makes of it.
-    return line.starts_with(kPortPrefix) && (line.find("MicroPython") != std::string_view::npos ||
-                                             line.find("usbmodem1101") != std::string_view::npos);
-}
-
 void Status(PluginInterface* pi)
 {
     const auto hideOtherPorts = [](PluginInterface* p, const std::string& text) {
-        if (!text.starts_with(kPortPrefix) || IsBoard(text)) {
+        if (!IsPort(text) || IsBoard(text)) {
             WriteToWorksheet(p, text);
         }
     };

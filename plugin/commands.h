@@ -3,7 +3,6 @@
 #include "PluginInterface.h"
 
 #include <string>
-#include <string_view>
 
 // The commands that a user gives. Each starts one command line of the tool and returns at once;
 // what the tool prints, its errors included, goes to the worksheet.
@@ -29,6 +28,3 @@ void DumpUpload(PluginInterface* pi);
 
 // Opens the Device window, or brings it to the front.
 void OpenWindow(PluginInterface* pi);
-
-// Whether a line of the tool's list of ports names a board.
-bool IsBoard(std::string_view line);

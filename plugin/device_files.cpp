@@ -2,7 +2,7 @@
 
 #include "Entry.h"
 #include "Text.h"
-#include "commands.h"
+#include "device_output.h"
 #include "runner.h"
 
 #include <memory>
@@ -19,9 +19,8 @@ OutputHandler LineByLine(const LineCallback& onLine)
     };
 }
 
-// A chain of deletions. Kept alive by what is to come: the step that is posted, or the completion
-// of the deletion that runs. `next` itself holds it weakly, so that a chain that is broken off is
-// freed.
+// A chain of deletions, kept alive by the completion of the deletion that runs. `next` itself holds
+// it weakly, so that a chain that is broken off is freed.
 struct DeleteState {
     std::function<void()> next;
     std::vector<std::string> paths;
@@ -60,19 +59,8 @@ void Delete(PluginInterface* pi, const std::vector<std::string>& paths,
             unique_function<void()>&& done)
 {
     const auto state = std::make_shared<DeleteState>(DeleteState{{}, paths, std::move(done)});
-    if (!paths.empty()) {
-        // What runs would be stopped by the first deletion. Stopped now, its completion cannot
-        // start a command that would look like the user's.
-        ResetShell();
-    }
     state->next = [weak = std::weak_ptr(state), rebind = pi->MakeRebinder(0)] {
-        // Before a step comes to run the user may start a command, which the step must not stop,
-        // or stop everything.
-        rebind([state = weak.lock(), count = CommandCount()](PluginInterface* p) {
-            if (CommandCount() == count) {
-                DeleteLast(p, state);
-            }
-        });
+        rebind([state = weak.lock()](PluginInterface* p) { DeleteLast(p, state); });
     };
     state->next();
 }

@@ -9,9 +9,11 @@
 #include <vector>
 
 // The board's files, for the Device window. Each operation starts a command line and returns at
-// once. Its completion is called when the line has ended, whatever came of it, and is dropped when
-// the user starts something else meanwhile. Paths stand between single quotes as they are: one that
-// holds a single quote breaks its line, which then is an error and nothing more.
+// once. Its completion is called when the command has ended, whatever its result, and is dropped
+// when another command is started before. Paths stand between single quotes as they are, nothing is
+// escaped: a path that holds single quotes is read as another one. With an odd number of them the
+// line is an error; with an even number the tool acts on the other path ('x' stands for x, and ''
+// for the root).
 
 // A line of output, without its ending; valid during the call.
 using LineCallback = std::function<void(const std::string_view&)>;
@@ -23,8 +25,8 @@ void DirectoryListing(PluginInterface* pi, const std::string& path, const LineCa
 // Deletes a file, or a directory with its contents. The tool's output goes to the worksheet.
 void DeleteOne(PluginInterface* pi, const std::string& path, std::function<void()> done);
 
-// Deletes one path after another, the last first. A deletion that fails does not end the chain; a
-// command that somebody else starts does.
+// Deletes one path after another, the last first. A deletion that fails does not end the chain;
+// any other command that is started does.
 void Delete(PluginInterface* pi, const std::vector<std::string>& paths,
             unique_function<void()>&& done);
 

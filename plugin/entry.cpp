@@ -59,7 +59,7 @@ std::int32_t Register(PluginInterface* pi)
 // A known command is acknowledged with 2 also when there is nothing for it to act on.
 std::int32_t PerformCommand(PluginInterface* pi)
 {
-    const std::string name = pi->commandName;
+    const std::string_view name = pi->commandName != nullptr ? pi->commandName : "";
     const auto command = std::ranges::find(kCommands, name, &Command::name);
     if (command == kCommands.end()) {
         return 0;

@@ -5,17 +5,8 @@
 #include <utility>
 
 std::shared_ptr<SimpleShell> gShell;
+extern "C" {
 std::string gRunningCommand;
-
-namespace {
-
-unsigned commandCount = 0;
-
-}  // namespace
-
-unsigned CommandCount()
-{
-    return commandCount;
 }
 
 std::string MPRemoteExecutable(PluginInterface* pi)
@@ -48,7 +39,6 @@ bool Running()
 
 void ResetShell()
 {
-    ++commandCount;
     if (gShell) {
         gShell->Stop();
     }

@@ -18,8 +18,9 @@ using OutputHandler = std::function<void(PluginInterface*, const std::string& te
 // last was stopped by Stop().
 extern std::shared_ptr<SimpleShell> gShell;
 
-// The leaf name of the file that was run last, until Stop().
-extern std::string gRunningCommand;
+// The leaf name of the file that was run last, until Stop(). With C linkage, since C++ compilers
+// may decorate the name of a variable of this type.
+extern "C" std::string gRunningCommand;
 
 // The first word of every command line: the tool's script in the plug-in's resources. Left
 // unquoted on purpose, so a folder with a blank in its name cannot hold the plug-in.
@@ -38,9 +39,6 @@ void ResetShell();
 
 // Stops what runs, and forgets the shell and the name of the file.
 void Stop();
-
-// Changes whenever a command line is started or what runs is stopped.
-unsigned CommandCount();
 
 // Writes text into the worksheet as the plug-in always does it; an OutputHandler.
 void WriteToWorksheet(PluginInterface* pi, const std::string& text);

@@ -38,6 +38,15 @@ std::optional<BRect> ParseRect(std::string_view text)
     return BRect{edges[0], edges[1], edges[2], edges[3]};
 }
 
+// No window was ever that far away or that small: such a frame is damaged.
+bool IsUsable(BRect frame)
+{
+    constexpr double kFarthest = 1e6;
+    const bool isNear = frame.left >= -kFarthest && frame.top >= -kFarthest &&
+                        frame.right <= kFarthest && frame.bottom <= kFarthest;
+    return isNear && frame.Width() > 0 && frame.Height() > 0;
+}
+
 }  // namespace
 
 std::string RectValueForSettings(BRect rect)
@@ -52,8 +61,9 @@ std::optional<BRect> ParseAsRectFromArgv(const char* const*& argv, std::string_v
         return std::nullopt;
     }
     const auto rect = ParseRect(argv[1]);
-    if (rect) {
-        argv += 2;
+    if (!rect || !IsUsable(*rect)) {
+        return std::nullopt;
     }
+    argv += 2;
     return rect;
 }

@@ -2,16 +2,18 @@
 
 #include "quilp_window.h"
 
+#include "Text.h"
 #include "commands.h"
 #include "device_window_fixture.h"
+#include "leaks.h"
 #include "menu_button.h"
+#include "menus.h"
 #include "runner.h"
 #include "table_widget.h"
 #include "window_widget.h"
 
 #include <QApplication>
 #include <QMenu>
-#include <QMimeData>
 #include <QPushButton>
 #include <QScreen>
 #include <QShortcut>
@@ -19,30 +21,70 @@
 #include <QThread>
 #include <QUrl>
 
+#include <chrono>
+#include <filesystem>
 #include <functional>
 
 namespace {
 
 const char* const kBoardLine = "/dev/ttyACM0 e6614103e7 2e8a:0005 MicroPython Board in FS mode\n";
 
+// Records its words, prints what was set for its command, and may then go on for a minute.
+const char* const kTool =
+    "#!/bin/sh\n"
+    "cd \"${0%/*}\"\n"
+    "echo \"$*\" >>calls\n"
+    "cat \"says-$1\" 2>/dev/null\n"
+    "[ ! -e \"hangs-$1\" ] || exec sleep 60\n";
+
 class ScriptedDeviceWindow : public DeviceWindowTest {
   protected:
     ScriptedDeviceWindow()
     {
-        host.ToolSays("ls",
-                      "ls :\n         139 boot.py\n           0 lib/\n           0 data.d/\n"
-                      "      no row\n     1234567 main.py\n");
-        host.ToolSays("devs", kBoardLine);
+        host.itsBundle.path = bundle_.path();
+        std::filesystem::permissions(bundle_.Write(kToolFolder + "mpremote.py", kTool),
+                                     std::filesystem::perms::owner_all);
+        std::filesystem::copy(QUILP_BUNDLE "/Resources/QuilpWindow.ui",
+                              bundle_ / "Resources/QuilpWindow.ui");
+        ToolPrints("ls",
+                   "ls :\n         139 boot.py\n           0 lib/\n           0 data.d/\n"
+                   "      no row\n     1234567 main.py\n");
+        ToolPrints("devs", kBoardLine);
+        host.language = kPythonLanguage;
+        host.document = "/tmp/a.py";
     }
     ~ScriptedDeviceWindow() override { runtime.ShutDown(); }
 
+    void ToolPrints(const std::string& command, const std::string& text)
+    {
+        bundle_.Write(kToolFolder + "says-" + command, text);
+    }
+    void ToolHangs(const std::string& command)
+    {
+        bundle_.Write(kToolFolder + "hangs-" + command, "");
+    }
+    void ToolEnds(const std::string& command)
+    {
+        std::filesystem::remove(bundle_ / (kToolFolder + "hangs-" + command));
+    }
     // The tool's calls since the last time.
     Strings NewCalls()
     {
-        const auto calls = host.ToolCalls();
-        const Strings fresh(calls.begin() + seenCalls_, calls.end());
-        seenCalls_ = std::ssize(calls);
-        return fresh;
+        const auto all = ReadFile(bundle_ / (kToolFolder + "calls"));
+        Strings calls;
+        for (const auto line : SplitLines(std::string_view(all).substr(seen_))) {
+            calls.emplace_back(line);
+        }
+        seen_ = all.size();
+        return calls;
+    }
+    // Waits until that is the tool's last call, and a new one.
+    bool ToolIsCalled(const std::string& words)
+    {
+        return WaitUntil([&] {
+            const auto calls = ReadFile(bundle_ / (kToolFolder + "calls"));
+            return ("\n" + calls.substr(seen_)).ends_with("\n" + words + "\n");
+        });
     }
     void OpenAndForgetCalls()
     {
@@ -55,20 +97,19 @@ class ScriptedDeviceWindow : public DeviceWindowTest {
         QApplication::sendEvent(table().viewport(), &event);
         return OpenMenu();
     }
-    bool CallsAre(std::ptrdiff_t count)
+    void DeleteRows(const Strings& names)
     {
-        return WaitUntil([&] { return std::ssize(host.ToolCalls()) == count; });
+        SelectRows(names);
+        CommandKey(Qt::Key_Backspace);
     }
 
-  private:
-    std::ptrdiff_t seenCalls_ = 0;
-};
+    DraggedFile file;
 
-QMimeData* FileUrls(QMimeData& data, const QList<QUrl>& urls)
-{
-    data.setUrls(urls);
-    return &data;
-}
+  private:
+    const std::string kToolFolder = "Resources/mpremote/";
+    TemporaryFolder bundle_;
+    std::size_t seen_ = 0;
+};
 
 }  // namespace
 
@@ -77,8 +118,7 @@ TEST_F(ScriptedDeviceWindow, ListsTheRootAndNamesTheBoardWhenItOpens)
     Open();
     EXPECT_EQ(NewCalls(), (Strings{"ls /", "devs"}));
     EXPECT_EQ(Rows(), (Strings{"boot.py", "lib/", "data.d/", "main.py"}));
-    const auto* lib = dynamic_cast<IconTableItem*>(table().rows().ItemAt(1, 0));
-    EXPECT_EQ(lib->path, "/lib");
+    EXPECT_EQ(Entry(1).path, "/lib");
     Strings sizes;
     for (int row = 0; row < 4; ++row) {
         sizes.push_back(dynamic_cast<SizeTableItem*>(table().rows().ItemAt(row, 1))->sizeText);
@@ -91,22 +131,19 @@ TEST_F(ScriptedDeviceWindow, ListsTheRootAndNamesTheBoardWhenItOpens)
 
 TEST_F(ScriptedDeviceWindow, TheLastLineOfTheDeviceQueryDecides)
 {
+    ToolPrints("devs", std::string(kBoardLine) + "/dev/ttyS0 NOT-HEX 0000:0000 no MicroPython\n");
     Open();
-    host.ToolSays("devs",
-                  std::string(kBoardLine) + "/dev/ttyS0 NOT-HEX 0000:0000 no MicroPython\n");
-    PressButton("refresh");
-    Settle();
     EXPECT_EQ(DeviceLabel(), "--");
     EXPECT_EQ(pathButton().text(), "Not Connected");
+    EXPECT_FALSE(IsBusy());
 
-    // Without a line nothing is known: all stays, and the indicator turns until a line comes.
-    host.ToolSays("devs", "");
-    host.ToolSays("ls", "");
+    ToolPrints("devs", "");
+    ToolPrints("ls", "");
     PressButton("refresh");
     Settle();
     EXPECT_EQ(Rows(), Strings{});
-    EXPECT_EQ(DeviceLabel(), "--");
-    EXPECT_TRUE(IsBusy());
+    EXPECT_EQ(DeviceLabel(), "--") << "without a line nothing changes";
+    EXPECT_TRUE(IsBusy()) << "no device line has arrived";
 }
 
 TEST_F(ScriptedDeviceWindow, IsOneWindowWhichOpeningAgainDoesNotMove)
@@ -118,43 +155,21 @@ TEST_F(ScriptedDeviceWindow, IsOneWindowWhichOpeningAgainDoesNotMove)
     EXPECT_EQ(first->Frame(), (BRect{50, 60, 450, 560}));
 }
 
-TEST_F(ScriptedDeviceWindow, TheFrameOfTheLastCloseRequestComesBack)
+TEST_F(ScriptedDeviceWindow, TheFrameOfTheLastCloseRequestComesBackOnTheScreen)
 {
-    QuilpWindow::SaveSettings(&host);
-    EXPECT_EQ(host.log, Strings{}) << "there is nothing to save";
     Open();
-    QuilpWindow::gInstance->SetFrame({50, 60, 450, 560});
     PressButton("close");
     Settle();
     ASSERT_EQ(QuilpWindow::gInstance, nullptr);
-    QuilpWindow::SaveSettings(&host);
-    EXPECT_EQ(host.log, Strings{}) << "its own button does not remember";
-
+    EXPECT_FALSE(QuilpWindow::gWindowRect) << "its own button does not remember";
     Open();
     QuilpWindow::gInstance->SetFrame({51, 61, 451, 561});
     widget().close();
     ASSERT_EQ(QuilpWindow::gInstance, nullptr);
-    QuilpWindow::SaveSettings(&host);
-    EXPECT_EQ(host.log, Strings{"settings QuilpWindowFrame -frame 51,61,451,561\n"});
     EXPECT_EQ(QuilpWindow::ShowInstance(&host)->Frame(), (BRect{51, 61, 451, 561}));
-}
+    QuilpWindow::gInstance->Quit();
 
-TEST_F(ScriptedDeviceWindow, SavedFramesAreReadAndFittedToAScreenThatIsThere)
-{
-    const auto read = [&](std::vector<const char*> words) {
-        words.push_back(nullptr);
-        QuilpWindow::ReadSettings(&host, words.data());
-    };
-    QuilpWindow::ReadSettings(&host, nullptr);
-    read({});
-    read({"QuilpWindowFrame"});
-    EXPECT_FALSE(QuilpWindow::gWindowRect);
-    read({"QuilpWindowFrame", "-frame", "90000,-7000,90400,-6500"});
-    read({"QuilpWindowFrame", "-frame", "1,2,3"});
-    read({"QuilpWindowFrame", "-frame", "0,0,1e300,1e300"});
-    read({"QuilpWindowFrame", "-frame", "9,9,3,3"});
-    ASSERT_TRUE(QuilpWindow::gWindowRect);
-
+    QuilpWindow::gWindowRect = BRect{90000, -7000, 90400, -6500};
     const auto frame = QuilpWindow::ShowInstance(&host)->Frame();
     const QRect screen = QApplication::primaryScreen()->availableGeometry();
     EXPECT_EQ(frame.right, screen.x() + screen.width() - 10);
@@ -177,9 +192,10 @@ TEST_F(ScriptedDeviceWindow, DirectoriesAreEnteredAndLeft)
         {"Command-Up at the root", [&] { CommandKey(Qt::Key_Up); }, {}, {"main.py"}},
         {"double click", [&] { DoubleClick("lib/"); }, {"ls /lib", "devs"}, {}},
         {"Command-Down with nothing selected", [&] { CommandKey(Qt::Key_Down); }, {}, {}},
-        {"Command-Down opens the first",
+        {"Command-Down opens the first, once",
          [&] {
              SelectRows({"data.d/", "lib/"});
+             CommandKey(Qt::Key_Down);
              CommandKey(Qt::Key_Down);
          },
          {"ls /lib/lib", "devs"},
@@ -196,12 +212,57 @@ TEST_F(ScriptedDeviceWindow, DirectoriesAreEnteredAndLeft)
     }
 }
 
+TEST_F(ScriptedDeviceWindow, PathsAreJoinedByTheirFirstCharactersAndNamesSelected)
+{
+    OpenAndForgetCalls();
+    struct Row {
+        const char* path;
+        const char* select;
+        Strings calls;
+        Strings selection;
+    };
+    const Row rows[] = {
+        {"/", "lib", {}, {}},
+        {"../x", "none", {"ls ../x", "devs"}, {}},
+        {"/a/", "lib", {"ls /a/", "devs"}, {"lib/"}},
+        {"b", "", {"ls /a/b", "devs"}, {}},
+        {"c", "boot.py", {"ls /a/b/c", "devs"}, {"boot.py"}},
+    };
+    auto* const window = QuilpWindow::gInstance;
+    for (const auto& row : rows) {
+        window->ChangeDirectory(row.path, row.select);
+        Settle();
+        EXPECT_EQ(NewCalls(), row.calls) << row.path;
+        EXPECT_EQ(Selection(), row.selection) << row.path;
+    }
+    window->Select("none");
+    window->Select("");
+    EXPECT_EQ(Selection(), Strings{"boot.py"});
+}
+
+TEST_F(ScriptedDeviceWindow, ARowWithAShortenedNameStandsForItsFullPath)
+{
+    const std::string name(200, 'n');
+    ToolPrints("ls", " 0 " + name + "/\n");
+    OpenAndForgetCalls();
+    const auto draw = [&] {
+        table().rows().Publish();
+        table().viewport()->grab();
+        EXPECT_TRUE(Entry(0).Text().ends_with("…"));
+    };
+    draw();
+    DoubleClick(name + "/");
+    Settle();
+    draw();
+    DeleteRows({name + "/"});
+    Settle();
+    EXPECT_EQ(NewCalls().at(2), "rm -r :/" + name + "/" + name);
+}
+
 TEST_F(ScriptedDeviceWindow, ThePathMenuLeadsToEveryDirectoryAbove)
 {
     Open();
-    DoubleClick("lib/");
-    Settle();
-    DoubleClick("data.d/");
+    QuilpWindow::gInstance->ChangeDirectory("/lib/data.d", "");
     Settle();
     NewCalls();
     struct Row {
@@ -218,7 +279,7 @@ TEST_F(ScriptedDeviceWindow, ThePathMenuLeadsToEveryDirectoryAbove)
     };
     for (const auto& row : rows) {
         EXPECT_EQ(OpenPathMenu(), row.offered);
-        ChooseFromMenu(row.chosen);
+        ClickItem(*OpenMenu(), row.chosen);
         Settle();
         EXPECT_EQ(NewCalls(), row.calls) << row.chosen;
         EXPECT_EQ(pathButton().text(), row.shown);
@@ -235,6 +296,7 @@ TEST_F(ScriptedDeviceWindow, DeletesTheSelectionFromItsEndAndListsAgain)
     widget().activateWindow();
 
     CommandKey(Qt::Key_Backspace);
+    EXPECT_FALSE(IsBusy());
     SelectRows({"main.py", "boot.py", "lib/"});
     QTest::keyClick(&table(), Qt::Key_Backspace);
     Settle();
@@ -242,12 +304,33 @@ TEST_F(ScriptedDeviceWindow, DeletesTheSelectionFromItsEndAndListsAgain)
 
     CommandKey(Qt::Key_Backspace);
     EXPECT_TRUE(IsBusy());
+    EXPECT_EQ(Rows().size(), 4U) << "the rows stay until the reload";
     Settle();
     EXPECT_EQ(NewCalls(),
               (Strings{"rm -r :/main.py", "rm -r :/lib", "rm -r :/boot.py", "ls /", "devs"}));
     EXPECT_EQ(Selection(), Strings{});
     EXPECT_FALSE(IsBusy());
     EXPECT_EQ(taken, 0);
+    EXPECT_EQ(host.worksheet, "");
+}
+
+TEST_F(ScriptedDeviceWindow, RefusesToDeleteAPathWithASingleQuote)
+{
+    ToolPrints("ls", " 1 'a'\n 1 it's\n 0 ''/\n 1 b\n");
+    OpenAndForgetCalls();
+    DeleteRows({"'a'", "it's", "''/"});
+    EXPECT_TRUE(runtime.IsIdle());
+    EXPECT_FALSE(IsBusy());
+    EXPECT_EQ(Rows().size(), 4U);
+    const auto line = host.worksheet;
+    EXPECT_NE(line.find("single quote"), std::string::npos);
+    EXPECT_EQ(line.find('\n'), line.size() - 1);
+
+    host.worksheet.clear();
+    DeleteRows({"'a'", "it's", "b"});
+    Settle();
+    EXPECT_EQ(NewCalls(), (Strings{"rm -r :/b", "ls /", "devs"}));
+    EXPECT_EQ(host.worksheet, line);
 }
 
 TEST_F(ScriptedDeviceWindow, TheContextMenuOffersToDeleteWhatIsSelected)
@@ -255,10 +338,9 @@ TEST_F(ScriptedDeviceWindow, TheContextMenuOffersToDeleteWhatIsSelected)
     OpenAndForgetCalls();
     EXPECT_EQ(OpenContextMenu(), nullptr) << "empty";
     SelectRows({"lib/"});
-    auto* const menu = OpenContextMenu();
-    ASSERT_NE(menu, nullptr);
-    ASSERT_EQ(menu->actions().size(), 1);
-    ChooseFromMenu("Delete");
+    ASSERT_NE(OpenContextMenu(), nullptr);
+    EXPECT_EQ(LabelsOf(*OpenMenu()), Strings{"Delete"});
+    ClickItem(*OpenMenu(), "Delete");
     Settle();
     EXPECT_EQ(NewCalls(), (Strings{"rm -r :/lib", "ls /", "devs"}));
 }
@@ -269,10 +351,8 @@ TEST_F(ScriptedDeviceWindow, DroppedFilesGoWhereTheyWereDropped)
     DoubleClick("lib/");
     Settle();
     NewCalls();
-    const TemporaryFolder local;
-    const auto file = local.Write("a.py", "");
-    const QUrl url = QUrl::fromLocalFile(QString::fromStdString(file));
-    const QUrl folder = QUrl::fromLocalFile(QString::fromStdString(local.path() + "/"));
+    const QUrl url = file.data.urls().constFirst();
+    const QUrl folder = QUrl::fromLocalFile(QString::fromStdString(file.folder.path() + "/"));
     struct Row {
         const char* name;
         QList<QUrl> urls;
@@ -281,20 +361,20 @@ TEST_F(ScriptedDeviceWindow, DroppedFilesGoWhereTheyWereDropped)
         std::string call;  // empty: refused
     };
     const Row rows[] = {
-        {"on a directory", {url, folder}, "data.d/", 0, "cp " + file + " :/lib/data.d"},
-        {"on a file", {url, folder}, "main.py", 0, "cp " + file + " :/lib"},
-        {"between rows", {url}, "data.d/", 10, "cp " + file + " :/lib"},
-        {"below the rows", {url}, "", 0, "cp " + file + " :/lib"},
-        {"a folder", {folder}, "data.d/", 0, "cp -r " + local.path() + " :/lib/data.d"},
+        {"on a directory", {url, folder}, "data.d/", 0, "cp " + file.path + " :/lib/data.d"},
+        {"on a file", {url, folder}, "main.py", 0, "cp " + file.path + " :/lib"},
+        {"between rows", {url}, "data.d/", 10, "cp " + file.path + " :/lib"},
+        {"below the rows", {url}, "", 0, "cp " + file.path + " :/lib"},
+        {"a folder", {folder}, "data.d/", 0, "cp -r " + file.folder.path() + " :/lib/data.d"},
         {"no file", {}, "data.d/", 0, ""},
         {"a file of the net", {QUrl("https://localhost/a.py")}, "data.d/", 0, ""},
     };
     for (const auto& row : rows) {
         QMimeData data;
         data.setText("text");
-        const auto result =
-            Drop(row.urls.empty() ? data : *FileUrls(data, row.urls), row.onto, row.offset);
-        EXPECT_EQ(result, std::pair(!row.call.empty(), !row.call.empty())) << row.name;
+        data.setUrls(row.urls);
+        EXPECT_EQ(DragOver(data, row.onto, row.offset), !row.call.empty()) << row.name;
+        EXPECT_EQ(Drop(data), !row.call.empty()) << row.name;
         Settle();
         EXPECT_EQ(NewCalls(), row.call.empty() ? Strings{} : (Strings{row.call, "ls /lib", "devs"}))
             << row.name;
@@ -303,125 +383,90 @@ TEST_F(ScriptedDeviceWindow, DroppedFilesGoWhereTheyWereDropped)
 
 TEST_F(ScriptedDeviceWindow, ADropAfterTheRowsHaveGoneFindsNoRow)
 {
-    Open();
-    const TemporaryFolder local;
-    QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(QString::fromStdString(local.Write("a.py", "")))});
-    const QPoint at = table().visualRect(table().model()->index(RowOf("lib/"), 0)).center();
-    QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, {});
-    QApplication::sendEvent(table().viewport(), &enter);
-    QDragMoveEvent move(at, Qt::CopyAction, &data, Qt::LeftButton, {});
-    QApplication::sendEvent(table().viewport(), &move);
-    NewCalls();
-    host.ToolHangs("ls");
-    PressButton("refresh");
-    ASSERT_TRUE(WaitUntil([&] { return Rows().empty(); }));
-    host.ToolHangs("ls", false);
+    OpenAndForgetCalls();
+    EXPECT_TRUE(DragOver(file.data, "lib/"));
+    ToolHangs("ls");
+    ToolPrints("ls", "");
+    QuilpWindow::gInstance->Reload({});
+    ToolEnds("ls");
     table().viewport()->grab();  // Paints where the drag was.
-    QDropEvent drop(at, Qt::CopyAction, &data, Qt::LeftButton, {});
-    QApplication::sendEvent(table().viewport(), &drop);
+    EXPECT_TRUE(Drop(file.data));
     Settle();
-    EXPECT_TRUE(std::ranges::count(NewCalls(), "cp " + (local / "a.py") + " :/"));
+    EXPECT_TRUE(std::ranges::count(NewCalls(), "cp " + file.path + " :/"));
 }
 
-// Each closes the window at another moment; then it is opened again, at once.
+// Each row closes the window at another moment; then it is opened again, at once.
 TEST_F(ScriptedDeviceWindow, MayBeClosedAtAnyMoment)
 {
-    const TemporaryFolder local;
-    QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(QString::fromStdString(local.Write("a.py", "")))});
     struct Row {
         const char* name;
         const char* hanging;  // the tool's command that is under way meanwhile
+        const char* call;
         std::function<void()> before;
+        std::function<void()> close;
     };
+    const auto closeButton = [&] { PressButton("close"); };
+    const auto closeWindow = [&] { widget().close(); };
+    const auto closeKey = [&] { QTest::keyClick(&table(), Qt::Key_W, Qt::ControlModifier); };
+    const auto quit = [&] { QuilpWindow::gInstance->Quit(); };
     const Row rows[] = {
-        {"at once", "", [] {}},
-        {"while it lists", "ls", [&] { PressButton("refresh"); }},
-        {"while it asks for the board", "devs", [&] { PressButton("refresh"); }},
-        {"in the middle of a deletion", "rm",
+        {"at once", "", "", [] {}, closeKey},
+        {"while it lists", "ls", "ls /", [&] { PressButton("refresh"); }, closeButton},
+        {"while it asks for the board", "devs", "devs", [&] { PressButton("refresh"); }, quit},
+        {"in the middle of a deletion", "rm", "rm -r :/main.py",
          [&] {
-             SelectRows({"boot.py", "main.py", "lib/"});
-             CommandKey(Qt::Key_Backspace);
-         }},
-        {"while it uploads", "cp", [&] { Drop(data, "lib/"); }},
-        {"with the path menu open", "", [&] { OpenPathMenu(); }},
-    };
-    const std::function<void()> closings[] = {
-        [&] { widget().close(); },
-        [&] { PressButton("close"); },
-        [&] { QuilpWindow::gInstance->Quit(); },
-        [&] { QTest::keyClick(&table(), Qt::Key_W, Qt::ControlModifier); },
+             DeleteRows({"boot.py", "main.py"});
+         },
+         closeButton},
+        {"while it uploads", "cp", "cp a :/", [&] { QuilpWindow::gInstance->Upload({"a"}, "/"); },
+         closeWindow},
+        {"with the path menu open", "", "", [&] { OpenPathMenu(); }, closeWindow},
+        {"with the path menu open, by itself", "", "", [&] { OpenPathMenu(); }, quit},
     };
     for (const auto& row : rows) {
-        for (const auto& close : closings) {
-            Open();
-            if (*row.hanging != '\0') {
-                host.ToolHangs(row.hanging);
-            }
-            const auto calls = std::ssize(host.ToolCalls());
-            row.before();
-            if (*row.hanging != '\0') {
-                const bool second = std::string_view(row.hanging) == "devs";
-                ASSERT_TRUE(CallsAre(calls + (second ? 2 : 1))) << row.name;
-                host.ToolHangs(row.hanging, false);
-            }
-            if (OpenMenu() != nullptr && &close != &closings[0] && &close != &closings[2]) {
-                OpenMenu()->close();  // It takes the keys and clicks.
-            }
-            close();
-            ASSERT_TRUE(WaitUntil([] { return QuilpWindow::gInstance == nullptr; })) << row.name;
-            EXPECT_EQ(OpenMenu(), nullptr) << row.name;
-            Open();
-            EXPECT_EQ(Rows().size(), 4U) << row.name;
-            widget().close();
-            Stop();
-        }
+        SCOPED_TRACE(row.name);
+        Open();
+        NewCalls();
+        ToolHangs(row.hanging);
+        row.before();
+        ASSERT_TRUE(*row.call == '\0' || ToolIsCalled(row.call));
+        ToolEnds(row.hanging);
+        row.close();
+        ASSERT_TRUE(WaitUntil([] { return QuilpWindow::gInstance == nullptr; }));
+        EXPECT_EQ(OpenMenu(), nullptr);
+        Open();
+        EXPECT_EQ(Rows().size(), 4U);
+        widget().close();
     }
 }
 
-TEST_F(ScriptedDeviceWindow, AContextMenuThatIsOpenGoesWithTheWindow)
+TEST_F(ScriptedDeviceWindow, AMenuOrADragThatOutlivesTheWindowFindsNobody)
 {
     OpenAndForgetCalls();
     SelectRows({"lib/"});
     ASSERT_NE(OpenContextMenu(), nullptr);
     const QPointer<QAction> remove = OpenMenu()->actions().value(0);
+    const QPointer<QWidget> over = table().viewport();
+    EXPECT_TRUE(DragOver(file.data, "lib/"));
     widget().close();
     ASSERT_EQ(QuilpWindow::gInstance, nullptr);
     EXPECT_EQ(OpenMenu(), nullptr);
-    ASSERT_FALSE(remove.isNull()) << "it is handled yet";
+    ASSERT_FALSE(remove.isNull()) << "it is still handled";
     remove->trigger();
-    EXPECT_TRUE(WaitUntil([&] { return remove.isNull(); }));
-    Settle();
-    EXPECT_EQ(NewCalls(), Strings{});
-}
-
-TEST_F(ScriptedDeviceWindow, ADragThatHoversWhenTheWindowClosesFindsNobody)
-{
-    OpenAndForgetCalls();
-    const TemporaryFolder local;
-    QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(QString::fromStdString(local.Write("a.py", "")))});
-    const QPoint at = table().visualRect(table().model()->index(RowOf("lib/"), 0)).center();
-    const QPointer<QWidget> over = table().viewport();
-    Drag(*over, QDragEnterEvent(at, Qt::CopyAction, &data, Qt::LeftButton, {}));
-    EXPECT_TRUE(Drag(*over, QDragMoveEvent(at, Qt::CopyAction, &data, Qt::LeftButton, {})));
-    widget().close();
-    ASSERT_EQ(QuilpWindow::gInstance, nullptr);
     ASSERT_FALSE(over.isNull()) << "the drag has not left it yet";
     over->grab();  // Paints where the drag was.
-    EXPECT_FALSE(Drag(*over, QDragMoveEvent(at, Qt::CopyAction, &data, Qt::LeftButton, {})));
-    EXPECT_FALSE(Drag(*over, QDropEvent(at, Qt::CopyAction, &data, Qt::LeftButton, {})));
-    EXPECT_TRUE(WaitUntil([&] { return over.isNull(); }));
+    EXPECT_FALSE(MoveDrag(file.data));
+    EXPECT_FALSE(Drop(file.data));
+    EXPECT_TRUE(WaitUntil([&] { return over.isNull() && remove.isNull(); }));
     Settle();
     EXPECT_EQ(NewCalls(), Strings{});
 }
 
 TEST_F(ScriptedDeviceWindow, MayBeOpenWhenTheProgramEnds)
 {
-    host.ToolHangs("ls");
+    ToolHangs("ls");
     QuilpWindow::ShowInstance(&host);
-    ASSERT_TRUE(CallsAre(1));
+    ASSERT_TRUE(ToolIsCalled("ls /"));
     runtime.CloseWindows();
     EXPECT_EQ(QuilpWindow::gInstance, nullptr);
     EXPECT_TRUE(QuilpWindow::gWindowRect) << "asked to close, it remembers its frame";
@@ -430,55 +475,26 @@ TEST_F(ScriptedDeviceWindow, MayBeOpenWhenTheProgramEnds)
     EXPECT_EQ(QuilpWindow::gInstance, nullptr);
 }
 
-TEST_F(ScriptedDeviceWindow, OfManyDirectoryChangesTheLastWins)
-{
-    OpenAndForgetCalls();
-    auto* const window = QuilpWindow::gInstance;
-    host.ToolSays("ls", "           7 of_another\n");
-    host.ToolHangs("ls");
-    window->ChangeDirectory("/slow", "");
-    ASSERT_TRUE(CallsAre(3));
-    // Its row may be on its way while the window goes on.
-    host.ToolHangs("ls", false);
-    host.ToolSays("ls", "           7 file.py\n");
-    for (int i = 0; i < 10; ++i) {
-        window->ChangeDirectory("/directory" + std::to_string(i), "file.py");
-    }
-    Settle();
-    EXPECT_EQ(Rows(), Strings{"file.py"});
-    EXPECT_EQ(dynamic_cast<IconTableItem*>(table().rows().ItemAt(0, 0))->path,
-              "/directory9/file.py");
-    EXPECT_EQ(Selection(), Strings{"file.py"});
-    EXPECT_EQ(pathButton().text(), "directory9");
-    EXPECT_FALSE(IsBusy());
-}
-
-TEST_F(ScriptedDeviceWindow, RowsOfAnOvertakenListingDoNotAppear)
+TEST_F(ScriptedDeviceWindow, RowsOfAnEarlierListingDoNotAppear)
 {
     Open();
-    host.ToolHangs("ls");
-    const int before = host.PostedElsewhere();
-    QuilpWindow::gInstance->Reload(&host, {});
-    // All its lines are on their way; the event loop does not come to them.
-    for (int i = 0; i < 2000 && host.PostedElsewhere() < before + 8; ++i) {
+    ToolHangs("ls");
+    const int before = host.rebound;
+    QuilpWindow::gInstance->ChangeDirectory("/slow", "boot.py");
+    // All its lines are posted; the event loop does not get to them.
+    for (int i = 0; i < 2000 && host.rebound < before + 7; ++i) {
         QThread::msleep(5);
     }
-    ASSERT_EQ(host.PostedElsewhere(), before + 8);
-    host.ToolHangs("ls", false);
-    QuilpWindow::gInstance->Reload(&host, {});
+    ASSERT_EQ(host.rebound, before + 7);
+    ToolEnds("ls");
+    ToolPrints("ls", " 7 file.py\n");
+    QuilpWindow::gInstance->ChangeDirectory("/next", "file.py");
+    QuilpWindow::gInstance->ChangeDirectory("/last", "file.py");
     Settle();
-    EXPECT_EQ(Rows().size(), 4U);
-}
-
-TEST_F(ScriptedDeviceWindow, ADirectoryIsNotEnteredTwice)
-{
-    OpenAndForgetCalls();
-    SelectRows({"lib/"});
-    CommandKey(Qt::Key_Down);
-    CommandKey(Qt::Key_Down);
-    EXPECT_EQ(Rows(), Strings{}) << "rows of the root below /lib";
-    Settle();
-    EXPECT_EQ(NewCalls(), (Strings{"ls /lib", "devs"}));
+    EXPECT_EQ(Rows(), Strings{"file.py"});
+    EXPECT_EQ(Entry(0).path, "/last/file.py");
+    EXPECT_EQ(Selection(), Strings{"file.py"});
+    EXPECT_EQ(pathButton().text(), "last");
 }
 
 TEST_F(ScriptedDeviceWindow, WhatTheUserSelectsMeanwhileStaysSelected)
@@ -493,56 +509,89 @@ TEST_F(ScriptedDeviceWindow, WhatTheUserSelectsMeanwhileStaysSelected)
     EXPECT_EQ(Selection(), Strings{"boot.py"});
 }
 
-TEST_F(ScriptedDeviceWindow, AReloadThatIsOnlyPostedDoesNotStopARun)
+TEST_F(ScriptedDeviceWindow, ADirectoryOpenedWhileADeletionRunsIsListed)
 {
     Open();
-    host.ToolHangs("run");
-    host.language = kPythonLanguage;
-    host.document = "/tmp/a.py";
-    host.HoldWork();
-    QuilpWindow::gInstance->Reload({});
-    ::Run(&host);
-    host.ReleaseWork();
-    ASSERT_TRUE(WaitUntil([&] { return host.ToolCalls().back() == "run /tmp/a.py"; }));
-    EXPECT_FALSE(runtime.IsIdle());
+    const auto threads = CurrentHoldings().threads;
+    DeleteRows({"boot.py", "main.py"});
+    // The end of the first deletion is posted; the event loop does not get to it.
+    const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (runtime.IsIdle() || CurrentHoldings().threads > threads) {
+        ASSERT_LT(std::chrono::steady_clock::now(), patience);
+        if (runtime.IsIdle()) {
+            QCoreApplication::processEvents();
+        }
+    }
+    DoubleClick("lib/");
+    Settle();
+    EXPECT_EQ(Rows().size(), 4U);
+    EXPECT_EQ(Entry(0).path, "/lib/boot.py");
     EXPECT_FALSE(IsBusy());
 }
 
-TEST_F(ScriptedDeviceWindow, WhatTheUserStartsMeanwhileIsNotStopped)
+TEST_F(ScriptedDeviceWindow, ADeletionRightAfterARefreshEndsInAListing)
 {
-    host.ToolHangs("run");
-    host.language = kPythonLanguage;
-    host.document = "/tmp/a.py";
-    for (const char* moment : {"while listing", "when the listing has ended"}) {
-        Open();
-        const auto calls = std::ssize(host.ToolCalls());
-        if (std::string_view(moment) == "while listing") {
-            host.ToolHangs("ls");
-            PressButton("refresh");
-            ASSERT_TRUE(CallsAre(calls + 1));
-            ::Run(&host);
-            host.ToolHangs("ls", false);
-        } else {
-            PressButton("refresh");
-            ASSERT_TRUE(CallsAre(calls + 1));
-            // Whatever the end of the listing posts waits behind the run.
-            ASSERT_TRUE(WaitUntil([&] {
-                host.HoldWork();
-                return runtime.IsIdle();
-            }));
-            ::Run(&host);
-            host.ReleaseWork();
+    Open();
+    SelectRows({"boot.py"});
+    PressButton("refresh");
+    runtime.queue().Post([&] { CommandKey(Qt::Key_Backspace); });
+    Settle();
+    EXPECT_EQ(Rows().size(), 4U);
+    EXPECT_FALSE(IsBusy());
+}
+
+TEST_F(ScriptedDeviceWindow, ARunIsNotStoppedAndLeavesNoRowsOfChangedFiles)
+{
+    struct Row {
+        const char* hanging;
+        const char* call;
+        std::function<void()> act;
+        bool changesFiles;
+    };
+    const Row rows[] = {
+        {"ls", "ls /", [&] { PressButton("refresh"); }, false},
+        {"devs", "devs", [&] { PressButton("refresh"); }, false},
+        {"rm", "rm -r :/main.py",
+         [&] {
+             DeleteRows({"boot.py", "main.py"});
+         },
+         true},
+        {"cp", "cp a :/", [&] { QuilpWindow::gInstance->Upload({"a"}, "/"); }, true},
+    };
+    ToolHangs("run");
+    Open();
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.hanging);
+        NewCalls();
+        ToolHangs(row.hanging);
+        row.act();
+        ASSERT_TRUE(ToolIsCalled(row.call));
+        ::Run(&host);
+        ToolEnds(row.hanging);
+        ASSERT_TRUE(ToolIsCalled("run /tmp/a.py"));
+        EXPECT_FALSE(runtime.IsIdle());
+        EXPECT_TRUE(IsBusy()) << "no device line has arrived";
+        if (row.changesFiles) {
+            EXPECT_EQ(Rows(), Strings{});
         }
-        ASSERT_TRUE(WaitUntil([&] { return host.ToolCalls().back() == "run /tmp/a.py"; }))
-            << moment;
-        EXPECT_FALSE(runtime.IsIdle()) << moment;
-        EXPECT_TRUE(WaitUntil([&] { return !IsBusy(); })) << "turns for nothing " << moment;
-        EXPECT_EQ(host.ToolCalls().back(), "run /tmp/a.py") << moment;
-        Stop();
-        Settle();
+        ::Stop();
         PressButton("refresh");
         Settle();
         EXPECT_EQ(Rows().size(), 4U);
-        widget().close();
+        EXPECT_FALSE(IsBusy());
     }
+}
+
+TEST_F(ScriptedDeviceWindow, AnUploadThatReplacesADeletionKeepsTheRowsUntilTheReload)
+{
+    OpenAndForgetCalls();
+    ToolHangs("rm");
+    DeleteRows({"boot.py"});
+    ASSERT_TRUE(ToolIsCalled("rm -r :/boot.py"));
+    EXPECT_TRUE(DragOver(file.data, "lib/"));
+    EXPECT_TRUE(Drop(file.data));
+    EXPECT_EQ(Rows().size(), 4U);
+    Settle();
+    EXPECT_EQ(NewCalls(),
+              (Strings{"rm -r :/boot.py", "cp " + file.path + " :/lib", "ls /", "devs"}));
 }

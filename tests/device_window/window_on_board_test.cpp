@@ -2,22 +2,19 @@
 
 #include "board_process.h"
 #include "device_window_fixture.h"
+#include "menus.h"
 #include "window_widget.h"
 
-#include <QMimeData>
 #include <QUrl>
 
 #include <algorithm>
+#include <filesystem>
 
 namespace {
 
 class DeviceWindowOnBoard : public DeviceWindowTest {
   protected:
-    DeviceWindowOnBoard()
-    {
-        host.UseRealTool();
-        setenv("QUILP_VIRTUAL_BOARD", board.link().c_str(), 1);
-    }
+    DeviceWindowOnBoard() { setenv("QUILP_VIRTUAL_BOARD", board.link().c_str(), 1); }
     ~DeviceWindowOnBoard() override
     {
         runtime.ShutDown();
@@ -43,27 +40,35 @@ TEST_F(DeviceWindowOnBoard, BrowsesUploadsAndDeletes)
     EXPECT_EQ(SortedRows(), (Strings{"lib/", "main.py", "odd é  name.txt"}));
     EXPECT_EQ(DeviceLabel(), "MicroPython Virtual board " + board.devicePath());
 
-    const TemporaryFolder local;
-    QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(QString::fromStdString(local.Write("new file.py", "n")))});
-    EXPECT_EQ(Drop(data, "lib/"), std::pair(true, true));
-    Settle();
+    DraggedFile file("sub/naïve name.bin", EveryByte());
+    file.folder.Write("sub/empty", "");
+    QMimeData folder;
+    folder.setUrls({QUrl::fromLocalFile(QString::fromStdString(file.folder / "sub"))});
+    for (const auto* data : {&file.data, &folder}) {
+        EXPECT_TRUE(DragOver(*data, "lib/"));
+        EXPECT_TRUE(Drop(*data));
+        Settle();
+    }
     DoubleClick("lib/");
     Settle();
-    EXPECT_EQ(SortedRows(), (Strings{"deep/", "new file.py"}));
-    EXPECT_EQ(ReadFile(board.files() / "lib/new file.py"), "n");
+    EXPECT_EQ(SortedRows(), (Strings{"deep/", "naïve name.bin", "sub/"}));
+    EXPECT_EQ(ReadFile(board.files() / "lib/naïve name.bin"), EveryByte());
+    EXPECT_EQ(ReadFile(board.files() / "lib/sub/naïve name.bin"), EveryByte());
+    EXPECT_TRUE(std::filesystem::exists(board.files() / "lib/sub/empty"));
     DoubleClick("deep/");
     Settle();
     EXPECT_EQ(Rows(), Strings{"a.py"});
     EXPECT_EQ(OpenPathMenu(), (Strings{"deep", "lib", board.devicePath()}));
-    ChooseFromMenu("lib");
+    ClickItem(*OpenMenu(), "lib");
     Settle();
-    EXPECT_EQ(SortedRows(), (Strings{"deep/", "new file.py"})) << "by //lib";
+    EXPECT_EQ(Rows().size(), 3U) << "by //lib";
 
-    SelectRows({"deep/", "new file.py"});
+    std::filesystem::remove(board.files() / "lib/naïve name.bin");
+    SelectRows(Rows());
     CommandKey(Qt::Key_Backspace);
     Settle();
-    EXPECT_EQ(Rows(), Strings{});
+    EXPECT_EQ(Rows(), Strings{}) << "the deletion that fails does not end the others";
+    EXPECT_NE(host.worksheet.find("rm :/"), std::string::npos) << host.worksheet;
     CommandKey(Qt::Key_Up);
     Settle();
     EXPECT_EQ(Selection(), Strings{"lib/"});
@@ -71,10 +76,7 @@ TEST_F(DeviceWindowOnBoard, BrowsesUploadsAndDeletes)
 
 TEST_F(DeviceWindowOnBoard, ComesBackAfterTheBoardWasUnplugged)
 {
-    const TemporaryFolder local;
-    QMimeData data;
-    data.setUrls({QUrl::fromLocalFile(
-        QString::fromStdString(local.Write("big.bin", std::string(300'000, 'b'))))});
+    const DraggedFile big("big.bin", std::string(300'000, 'b'));
     struct Row {
         const char* name;
         std::function<void()> act;
@@ -86,7 +88,11 @@ TEST_F(DeviceWindowOnBoard, ComesBackAfterTheBoardWasUnplugged)
              SelectRows({"lib/", "main.py"});
              CommandKey(Qt::Key_Backspace);
          }},
-        {"while uploading", [&] { Drop(data, ""); }},
+        {"while uploading",
+         [&] {
+             DragOver(big.data, "");
+             Drop(big.data);
+         }},
     };
     for (const auto& row : rows) {
         Open();

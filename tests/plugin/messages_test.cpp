@@ -1,32 +1,24 @@
-#include "recording_host.h"
-#include "runner.h"
+#include "plugin_fixture.h"
+#include "quilp_window.h"
 
-#include <gtest/gtest.h>
+#include <dlfcn.h>
 
-extern "C" std::int32_t PluginMain(int message, PluginInterface* pi, ...);
-extern "C" const char* PluginHelp();
+#include <algorithm>
 
 namespace {
 
-using Log = std::vector<std::string>;
-
-class Messages : public testing::Test {
+class Messages : public PluginTest {
   protected:
-    ~Messages() override { Stop(); }
-
     std::int32_t Command(const char* name)
     {
         host.commandName = name;
         return PluginMain(103, &host);
     }
-
-    Runtime runtime;
-    RecordingHost host{runtime};
 };
 
 }  // namespace
 
-TEST_F(Messages, LoadAndRegisterTellTheHostWhatItGets)
+TEST_F(Messages, LoadAndRegisterAnswerTheHost)
 {
     EXPECT_EQ(PluginMain(1, &host), 1);
     EXPECT_EQ(host.loadReply[0], 19);
@@ -34,14 +26,24 @@ TEST_F(Messages, LoadAndRegisterTellTheHostWhatItGets)
     EXPECT_EQ(PluginMain(2, &host), 1);
     EXPECT_EQ(
         host.log,
-        (Log{"command QuilpRun: Run Python source on attached Micro Python device",
-             "command QuilpStop: Stop Running on Micro Python Device",
-             "command QuilpUpload: Upload Python source on attached Micro Python device",
-             "command QuilpUploadAsMain: Upload Python source on attached Micro Python device "
-             "as main.py",
-             "command QuilpList: List the contents of Micro Python device",
-             "key QuilpWindowFrame"}));
+        (Strings{"command QuilpRun: Run Python source on attached Micro Python device",
+                 "command QuilpStop: Stop Running on Micro Python Device",
+                 "command QuilpUpload: Upload Python source on attached Micro Python device",
+                 "command QuilpUploadAsMain: Upload Python source on attached Micro Python device "
+                 "as main.py",
+                 "command QuilpList: List the contents of Micro Python device",
+                 "key QuilpWindowFrame"}));
     EXPECT_STREQ(PluginHelp(), "Run on micropython capable devices.\nWIP.\n");
+}
+
+TEST_F(Messages, TheModuleExportsItsNamesUndecorated)
+{
+    void* const module = dlopen(QUILP_BUNDLE "/quilp.so", RTLD_LAZY | RTLD_LOCAL);
+    ASSERT_NE(module, nullptr) << dlerror();
+    for (const char* name : {"PluginMain", "PluginHelp", "gShell", "gRunningCommand"}) {
+        EXPECT_NE(dlsym(module, name), nullptr) << name;
+    }
+    dlclose(module);
 }
 
 TEST_F(Messages, UnknownMessagesAndNamesDoNothing)
@@ -52,59 +54,67 @@ TEST_F(Messages, UnknownMessagesAndNamesDoNothing)
     for (const char* name : {"", "QuilpRu", "QuilpRunX", "quilprun"}) {
         EXPECT_EQ(Command(name), 0) << name;
     }
-    EXPECT_EQ(host.log, Log{});
-    EXPECT_FALSE(Running());
+    EXPECT_EQ(Command(nullptr), 0);
+    EXPECT_EQ(host.log, Strings{});
+    EXPECT_EQ(shells::TakeCalls(), Strings{});
 }
 
-TEST_F(Messages, AKnownCommandIsAcknowledgedAlsoWhenThereIsNothingToRun)
-{
-    for (const char* name : {"QuilpRun", "QuilpUpload", "QuilpUploadAsMain"}) {
-        EXPECT_EQ(Command(name), 2) << name;
-        EXPECT_FALSE(Running()) << name;
-    }
-    host.currentTarget = true;
-    host.target = "/t.c";
-    for (const char* name : {"QuilpRun", "QuilpUpload", "QuilpUploadAsMain"}) {
-        EXPECT_EQ(Command(name), 2) << name;
-        EXPECT_FALSE(Running()) << name;
-    }
-    EXPECT_EQ(PluginMain(100, &host), 1);  // The button does not ask for the language.
-    EXPECT_EQ(host.WorksheetWhenIdle(), "[run]\n[/t.c]\n");
-}
-
-TEST_F(Messages, EachCommandSendsItsLine)
+TEST_F(Messages, AKnownCommandIsAcknowledgedAndRunsOnlyWhatIsRunnable)
 {
     struct Row {
         const char* name;
-        std::string output;
+        std::string words;
+        bool needsFile;
     };
     const Row rows[] = {
-        {"QuilpRun", "[run]\n[/p/blink.py]\n"},
-        {"QuilpUpload", "[cp]\n[/p/blink.py]\n[:blink.py]\n"},
-        {"QuilpUploadAsMain", "[cp]\n[/p/blink.py]\n[:main.py]\n"},
-        {"QuilpList", "[ls]\n"},
+        {"QuilpRun", " run /p/blink.py\n", true},
+        {"QuilpUpload", " cp /p/blink.py :'blink.py'\n", true},
+        {"QuilpUploadAsMain", " cp /p/blink.py :'main.py'\n", true},
+        {"QuilpList", " ls \n", false},
+        {"QuilpStop", " disconnect /p/blink.py\n", false},
     };
-    host.language = kPythonLanguage;
     host.document = "/p/blink.py";
     for (const auto& row : rows) {
-        EXPECT_EQ(Command(row.name), 2);
-        EXPECT_EQ(host.WorksheetWhenIdle(), row.output);
+        SCOPED_TRACE(row.name);
+        for (const bool isPython : {true, false}) {
+            host.language = isPython ? kPythonLanguage : 0;
+            EXPECT_EQ(Command(row.name), 2);
+            const auto calls = shells::TakeCalls();
+            EXPECT_EQ(std::ranges::count(calls, RunLine(row.words)), isPython || !row.needsFile);
+            EXPECT_EQ(calls.empty(), !isPython && row.needsFile);
+        }
     }
-    EXPECT_EQ(Command("QuilpStop"), 2);
-    EXPECT_FALSE(Running());
-    EXPECT_EQ(PluginMain(100, &host), 1);
-    host.language = 0;
-    Stop();
-    EXPECT_EQ(PluginMain(100, &host), 0);
-    EXPECT_FALSE(Running());
+    EXPECT_FALSE(Running()) << "the last was a stop";
 }
 
-TEST_F(Messages, SettingsAreAcknowledged)
+TEST_F(Messages, TheButtonRunsWithoutAskingForTheTargetsLanguage)
 {
-    host.settingsArgv = nullptr;
-    for (const int message : {104, 400}) {
-        EXPECT_EQ(PluginMain(message, &host), 1) << message;
-    }
+    EXPECT_EQ(PluginMain(100, &host), 0);
+    host.currentTarget = true;
+    host.target = "/t.c";
+    EXPECT_EQ(PluginMain(100, &host), 1);
+    EXPECT_EQ(shells::TakeCalls(), (Strings{"new Execute", RunLine(" run /t.c\n")}));
+}
+
+TEST_F(Messages, TheFrameIsReadFromTheSettingsAndWrittenBack)
+{
+    EXPECT_EQ(PluginMain(104, &host), 1) << "no line";
+    EXPECT_EQ(PluginMain(400, &host), 1);
+    EXPECT_EQ(host.log, Strings{}) << "no frame";
+    const auto read = [&](std::vector<const char*> words) {
+        words.push_back(nullptr);
+        host.settingsArgv = words.data();
+        EXPECT_EQ(PluginMain(104, &host), 1);
+        host.settingsArgv = nullptr;
+    };
+    read({"QuilpWindowFrame", "-frame", "1,2,30,40.5"});
+    read({});
+    read({"QuilpWindowFrame"});
+    read({"QuilpWindowFrame", "-frame", "1,2,3"});
+    read({"QuilpWindowFrame", "frame", "-frame", "5,6,70,80"});
+    EXPECT_EQ(PluginMain(400, &host), 1);
+    EXPECT_EQ(host.log, Strings{"settings QuilpWindowFrame -frame 1,2,30,40.5\n"});
+    QuilpWindow::gWindowRect.reset();
 }
 
 TEST_F(Messages, TheButtonIsOfferedForPythonOrATargetWithAsFewQuestionsAsNeeded)
@@ -112,7 +122,7 @@ TEST_F(Messages, TheButtonIsOfferedForPythonOrATargetWithAsFewQuestionsAsNeeded)
     struct Row {
         bool current, project;
         std::uint32_t language;
-        Log log;
+        Strings log;
     };
     const Row rows[] = {
         {false, false, 0, {"HasCurrentTarget", "HasProjectTarget", "DocumentLanguage"}},

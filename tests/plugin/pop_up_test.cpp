@@ -3,55 +3,24 @@
 #include "pop_up.h"
 
 #include "host_window.h"
+#include "menus.h"
+#include "plugin_fixture.h"
 #include "quilp_window.h"
-#include "recording_host.h"
-#include "runner.h"
-
-#include <gtest/gtest.h>
+#include "wait.h"
 
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QMenu>
-#include <QPointer>
 #include <QShortcut>
 #include <QTest>
 #include <QTimer>
 
 #include <algorithm>
-#include <chrono>
 #include <functional>
 #include <memory>
 #include <utility>
 
-extern "C" std::int32_t PluginMain(int message, PluginInterface* pi, ...);
-
 namespace {
-
-using Labels = std::vector<std::string>;
-
-Labels LabelsOf(const QMenu& menu)
-{
-    Labels labels;
-    for (const auto* action : menu.actions()) {
-        labels.push_back(action->text().toStdString());
-    }
-    return labels;
-}
-
-QAction* ItemOf(const QMenu& menu, const std::string& label)
-{
-    const auto actions = menu.actions();
-    const auto found = std::ranges::find_if(
-        actions, [&](const auto* action) { return action->text().toStdString() == label; });
-    EXPECT_NE(found, actions.end()) << label;
-    return found != actions.end() ? *found : actions.front();
-}
-
-void ClickItem(QMenu& menu, const std::string& label)
-{
-    const auto at = menu.actionGeometry(ItemOf(menu, label)).center();
-    QTest::mouseClick(&menu, Qt::LeftButton, {}, at);
-}
 
 void PressKeysForItem(QMenu& menu, const std::string& label)
 {
@@ -62,14 +31,14 @@ void PressKeysForItem(QMenu& menu, const std::string& label)
     QTest::keyClick(&menu, Qt::Key_Return);
 }
 
-class PopUp : public testing::Test {
+class PopUp : public PluginTest {
   protected:
-    PopUp() { ShowWindow(); }
-    ~PopUp() override
+    PopUp()
     {
-        Stop();
-        runtime.ShutDown();
+        OpenPython("/p/blink.py");
+        ShowWindow();
     }
+    ~PopUp() override { runtime.ShutDown(); }
 
     void ShowWindow()
     {
@@ -82,12 +51,6 @@ class PopUp : public testing::Test {
         host.window = hostWindow.get();
     }
 
-    void OpenPython()
-    {
-        host.language = kPythonLanguage;
-        host.document = "/p/blink.py";
-    }
-
     // Asks for the menu. `use` gets it when it is open, and is to close it.
     void Ask(const std::function<void(QMenu&)>& use)
     {
@@ -95,7 +58,7 @@ class PopUp : public testing::Test {
         const QDeadlineTimer deadline(std::chrono::seconds(20));
         QTimer tick;
         QObject::connect(&tick, &QTimer::timeout, &tick, [&] {
-            auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            auto* const menu = OpenMenu();
             if (menu != nullptr && !std::exchange(used, true)) {
                 use(*menu);
             } else if (menu != nullptr && deadline.hasExpired()) {
@@ -106,12 +69,12 @@ class PopUp : public testing::Test {
         tick.start(std::chrono::milliseconds(2));
         EXPECT_EQ(PluginMain(101, &host), 1);
         EXPECT_TRUE(used);
-        EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+        EXPECT_EQ(OpenMenu(), nullptr);
     }
 
-    Labels AskForLabels()
+    Strings AskForLabels()
     {
-        Labels labels;
+        Strings labels;
         Ask([&](QMenu& menu) {
             labels = LabelsOf(menu);
             menu.close();
@@ -119,8 +82,6 @@ class PopUp : public testing::Test {
         return labels;
     }
 
-    Runtime runtime;
-    RecordingHost host{runtime};
     std::unique_ptr<QWidget> window;
     std::unique_ptr<HostWindow> hostWindow;
 };
@@ -129,21 +90,21 @@ class PopUp : public testing::Test {
 
 TEST_F(PopUp, ItsLabelsNameWhatTheCommandsWouldActOn)
 {
-    const Labels nothing{"Stop ", "List ", "Status ", "Add upload command to worksheet ",
-                         "Open Device window"};
-    const auto runnable = [&](const Labels& labels) {
+    const Strings nothing{"Stop ", "List ", "Status ", "Add upload command to worksheet ",
+                          "Open Device window"};
+    const auto runnable = [&](const Strings& labels) {
         auto all = labels;
         all.insert(all.end(), nothing.begin() + 1, nothing.end());
         return all;
     };
-    const Labels unnamed = runnable({"Run", "Stop ", "Upload as main.py", "Upload "});
+    const Strings unnamed = runnable({"Run", "Stop ", "Upload as main.py", "Upload "});
     struct Row {
         const char* name;
         std::uint32_t language;
         bool hasTarget;
         std::uint32_t targetLanguage;
         const char* target;
-        Labels labels;
+        Strings labels;
     };
     const Row rows[] = {
         {"nothing", 0, false, kPythonLanguage, "/p/boot.py", nothing},
@@ -167,47 +128,53 @@ TEST_F(PopUp, ItsLabelsNameWhatTheCommandsWouldActOn)
 
 TEST_F(PopUp, TheStopItemNamesTheFileThatWasRunUntilItIsStopped)
 {
-    OpenPython();
     Ask([](QMenu& menu) { ClickItem(menu, "Run"); });
-    host.WorksheetWhenIdle();
+    shells::Finish();
     EXPECT_EQ(AskForLabels().at(1), "Stop blink.py") << "also when it has ended";
     Ask([](QMenu& menu) { ClickItem(menu, "Stop blink.py"); });
     EXPECT_EQ(AskForLabels().at(1), "Stop ");
 }
 
-TEST_F(PopUp, TheChosenCommandIsGivenBeforeTheCallReturns)
+TEST_F(PopUp, TheChosenCommandIsPerformedBeforeTheCallReturns)
 {
     struct Row {
         const char* label;
-        std::string output;
+        std::string words;  // of the line that is run; empty for none
+        std::string worksheet;
     };
     const Row rows[] = {
-        {"Run", "[run]\n[/p/blink.py]\n"},
-        {"Stop blink.py", ""},
-        {"Upload as main.py", "[cp]\n[/p/blink.py]\n[:main.py]\n"},
-        {"Upload ", "[cp]\n[/p/blink.py]\n[:blink.py]\n"},
-        {"List ", "[ls]\n"},
-        {"Status ", "[devs]\n[df]\n"},
-        {"Add upload command to worksheet ", host.toolLine() + " cp '<from>':'<to>'"},
-        {"Open Device window", ""},
+        {"Run", " run /p/blink.py\n", ""},
+        {"Stop blink.py", " disconnect /p/blink.py\n", ""},
+        {"Upload as main.py", " cp /p/blink.py :'main.py'\n", ""},
+        {"Upload ", " cp /p/blink.py :'blink.py'\n", ""},
+        {"List ", " ls \n", ""},
+        {"Status ", " devs df \n", ""},
+        {"Add upload command to worksheet ", "", host.Tool() + " cp '<from>':'<to>'"},
+        {"Open Device window", " ls '/'\n", ""},
     };
-    OpenPython();
     for (auto* const choose : {ClickItem, PressKeysForItem}) {
         for (const auto& row : rows) {
-            const auto count = CommandCount();
+            SCOPED_TRACE(row.label);
+            host.worksheet.clear();
+            shells::TakeCalls();
             Ask([&](QMenu& menu) { choose(menu, row.label); });
-            EXPECT_TRUE(CommandCount() != count || !host.worksheet.empty() ||
-                        QuilpWindow::gInstance != nullptr)
-                << row.label;
-            if (QuilpWindow::gInstance != nullptr) {
-                EXPECT_STREQ(row.label, "Open Device window");
-                QuilpWindow::gInstance->Quit();
-            }
-            EXPECT_EQ(host.WorksheetWhenIdle(), row.output) << row.label;
+            EXPECT_EQ(std::ranges::count(shells::TakeCalls(), RunLine(row.words)),
+                      row.words.empty() ? 0 : 1);
+            EXPECT_EQ(host.worksheet, row.worksheet);
         }
-        Stop();
-        gRunningCommand = "";
+        ASSERT_NE(QuilpWindow::gInstance, nullptr);
+        QuilpWindow::gInstance->Quit();
     }
+}
+
+TEST_F(PopUp, AWindowThatHasJustClosedDoesNotTakeTheMenuWithIt)
+{
+    QuilpWindow::ShowInstance(&host);
+    QuilpWindow::gInstance->Quit();
+    // The window becomes the active one only now that it is hidden and about to be destroyed.
+    ASSERT_TRUE(WaitUntil([&] { return QApplication::activeWindow() != window.get(); }));
+    Ask([](QMenu& menu) { ClickItem(menu, "List "); });
+    EXPECT_EQ(shells::TakeCalls().back(), RunLine(" ls \n"));
 }
 
 TEST_F(PopUp, EveryItemShowsTheShortcutThatTheHostHasForIt)
@@ -228,14 +195,13 @@ TEST_F(PopUp, EveryItemShowsTheShortcutThatTheHostHasForIt)
         {{0x80, 0}, ""},
         {{0, 2}, ""},
     };
-    OpenPython();
     int plainWidth = 0;
     Ask([&](QMenu& menu) {
         plainWidth = menu.width();
         menu.close();
     });
-    EXPECT_EQ(host.shortcutsAsked, (Labels{"QuilpRun", "QuilpStop", "QuilpUploadAsMain",
-                                           "QuilpUpload", "QuilpList", "", "", ""}));
+    EXPECT_EQ(host.shortcutsAsked, (Strings{"QuilpRun", "QuilpStop", "QuilpUploadAsMain",
+                                            "QuilpUpload", "QuilpList", "", "", ""}));
     for (const auto& row : rows) {
         SCOPED_TRACE(row.shown);
         host.shortcut = row.shortcut;
@@ -252,7 +218,6 @@ TEST_F(PopUp, EveryItemShowsTheShortcutThatTheHostHasForIt)
 
 TEST_F(PopUp, ItsShortcutsAnswerToNoKey)
 {
-    OpenPython();
     host.shortcut = {'R', 2};
     QShortcut own(QKeySequence("Ctrl+R"), window.get());
     own.setContext(Qt::ApplicationShortcut);
@@ -264,7 +229,6 @@ TEST_F(PopUp, ItsShortcutsAnswerToNoKey)
         EXPECT_TRUE(menu.isVisible());
         menu.close();
     });
-    EXPECT_EQ(host.ToolCalls(), Labels{});
     EXPECT_FALSE(Running());
 }
 
@@ -286,7 +250,7 @@ TEST_F(PopUp, OpensBelowTheControlInTheFontForIt)
     }
 }
 
-TEST_F(PopUp, NoCommandIsGivenWhenItClosesWithoutAChoice)
+TEST_F(PopUp, NoCommandIsPerformedWhenItClosesWithoutAChoice)
 {
     struct Row {
         const char* name;
@@ -299,7 +263,6 @@ TEST_F(PopUp, NoCommandIsGivenWhenItClosesWithoutAChoice)
         {"the window closes", [&](QMenu&) { window->close(); }},
         {"the window is destroyed", [&](QMenu&) { window.reset(); }},
     };
-    OpenPython();
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         Ask([&](QMenu& menu) {
@@ -313,7 +276,6 @@ TEST_F(PopUp, NoCommandIsGivenWhenItClosesWithoutAChoice)
 
 TEST_F(PopUp, DoesNotKeepTheProgramFromEnding)
 {
-    OpenPython();
     QTimer::singleShot(0, window.get(), [this] {
         Ask([](QMenu& menu) {
             menu.setActiveAction(ItemOf(menu, "Run"));

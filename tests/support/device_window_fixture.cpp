@@ -3,20 +3,39 @@
 #include "busy_widget.h"
 #include "line_label.h"
 #include "menu_button.h"
+#include "menus.h"
 #include "runner.h"
 #include "table_widget.h"
-#include "wait.h"
 #include "window_widget.h"
 
 #include <QApplication>
 #include <QDropEvent>
 #include <QMenu>
-#include <QMimeData>
 #include <QPushButton>
 #include <QTest>
+#include <QUrl>
 
 #include <algorithm>
 #include <stdexcept>
+
+namespace {
+
+constexpr auto kDragActions = Qt::CopyAction | Qt::MoveAction;
+
+bool SendDrag(QWidget& over, QDropEvent&& event)
+{
+    event.ignore();  // They come accepted.
+    QApplication::sendEvent(&over, &event);
+    return event.isAccepted();
+}
+
+}  // namespace
+
+DraggedFile::DraggedFile(const std::string& name, const std::string& content)
+    : path(folder.Write(name, content))
+{
+    data.setUrls({QUrl::fromLocalFile(QString::fromStdString(path))});
+}
 
 DeviceWindowTest::~DeviceWindowTest()
 {
@@ -32,15 +51,9 @@ void DeviceWindowTest::Open()
 
 void DeviceWindowTest::Settle()
 {
-    do {
-        bool arrived = false;
-        // By way of two: what arrives may post what starts the next command.
-        runtime.queue().Post([&] { runtime.queue().Post([&] { arrived = true; }); });
-        ASSERT_TRUE(WaitUntil([&] { return arrived && runtime.IsIdle(); }));
-        arrived = false;
-        runtime.queue().Post([&] { runtime.queue().Post([&] { arrived = true; }); });
-        ASSERT_TRUE(WaitUntil([&] { return arrived; }));
-    } while (!runtime.IsIdle());
+    bool arrived = false;
+    runtime.queue().Post([&] { arrived = true; });
+    ASSERT_TRUE(WaitUntil([&] { return arrived && runtime.IsIdle(); }));
 }
 
 WindowWidget& DeviceWindowTest::widget()
@@ -82,10 +95,14 @@ DeviceWindowTest::Strings DeviceWindowTest::Rows()
 {
     Strings names;
     for (int row = 0; row < table().rows().CountRows(); ++row) {
-        const auto* item = dynamic_cast<IconTableItem*>(table().rows().ItemAt(row, 0));
-        names.push_back(item->name + (item->isDirectory ? "/" : ""));
+        names.push_back(Entry(row).name + (Entry(row).isDirectory ? "/" : ""));
     }
     return names;
+}
+
+const IconTableItem& DeviceWindowTest::Entry(int row)
+{
+    return dynamic_cast<const IconTableItem&>(*table().rows().ItemAt(row, 0));
 }
 
 int DeviceWindowTest::RowOf(const std::string& name)
@@ -130,52 +147,28 @@ void DeviceWindowTest::CommandKey(Qt::Key key)
 DeviceWindowTest::Strings DeviceWindowTest::OpenPathMenu()
 {
     QTest::mouseClick(&pathButton(), Qt::LeftButton);
-    Strings labels;
-    if (const auto* menu = OpenMenu()) {
-        for (const auto* action : menu->actions()) {
-            labels.push_back(action->text().toStdString());
-        }
-    }
-    return labels;
+    return OpenMenu() != nullptr ? LabelsOf(*OpenMenu()) : Strings{};
 }
 
-void DeviceWindowTest::ChooseFromMenu(const std::string& label)
-{
-    auto* const menu = OpenMenu();
-    ASSERT_NE(menu, nullptr);
-    for (auto* action : menu->actions()) {
-        if (action->text().toStdString() == label) {
-            QTest::mouseClick(menu, Qt::LeftButton, {}, menu->actionGeometry(action).center());
-            return;
-        }
-    }
-    ADD_FAILURE() << "no item " << label;
-}
-
-bool DeviceWindowTest::Drag(QWidget& over, QDropEvent&& event)
-{
-    event.ignore();  // They come accepted.
-    QApplication::sendEvent(&over, &event);
-    return event.isAccepted();
-}
-
-std::pair<bool, bool> DeviceWindowTest::Drop(const QMimeData& data, const std::string& name,
-                                             int offset)
+bool DeviceWindowTest::DragOver(const QMimeData& data, const std::string& name, int offset)
 {
     table().rows().Publish();
-    QPoint at(5, table().viewport()->height() - 3);
+    dragOver_ = table().viewport();
+    dragAt_ = QPoint(5, dragOver_->height() - 3);
     if (!name.empty()) {
-        at = table().visualRect(table().model()->index(RowOf(name), 0)).center();
+        dragAt_ = table().visualRect(table().model()->index(RowOf(name), 0)).center();
     }
-    at.ry() += offset;
-    QWidget& over = *table().viewport();
-    const auto actions = Qt::CopyAction | Qt::MoveAction;
-    Drag(over, QDragEnterEvent(at, actions, &data, Qt::LeftButton, {}));
-    const bool proposed = Drag(over, QDragMoveEvent(at, actions, &data, Qt::LeftButton, {}));
-    return {proposed, Drag(over, QDropEvent(at, actions, &data, Qt::LeftButton, {}))};
+    dragAt_.ry() += offset;
+    SendDrag(*dragOver_, QDragEnterEvent(dragAt_, kDragActions, &data, Qt::LeftButton, {}));
+    return MoveDrag(data);
 }
 
-QMenu* OpenMenu()
+bool DeviceWindowTest::MoveDrag(const QMimeData& data)
 {
-    return dynamic_cast<QMenu*>(QApplication::activePopupWidget());
+    return SendDrag(*dragOver_, QDragMoveEvent(dragAt_, kDragActions, &data, Qt::LeftButton, {}));
+}
+
+bool DeviceWindowTest::Drop(const QMimeData& data)
+{
+    return SendDrag(*dragOver_, QDropEvent(dragAt_, kDragActions, &data, Qt::LeftButton, {}));
 }

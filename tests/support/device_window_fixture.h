@@ -2,25 +2,33 @@
 
 #include "quilp_window.h"
 #include "recording_host.h"
+#include "runtime.h"
+#include "wait.h"
 
 #include <gtest/gtest.h>
 
-#include <QtCore/qnamespace.h>
+#include <QMimeData>
+#include <QPoint>
+#include <QPointer>
+#include <QWidget>
 
 #include <string>
-#include <utility>
 #include <vector>
 
-class BusyWidget;
 class MenuButton;
-class QMenu;
-class QDropEvent;
-class QMimeData;
-class QWidget;
 class TableWidget;
 class WindowWidget;
 
-// The Device window on the screen, with the host that records and its scripted tool.
+// A local file that is dragged.
+struct DraggedFile {
+    explicit DraggedFile(const std::string& name = "a.py", const std::string& content = "");
+
+    TemporaryFolder folder;
+    std::string path;
+    QMimeData data;
+};
+
+// The Device window on the screen, with the host that records.
 class DeviceWindowTest : public testing::Test {
   protected:
     ~DeviceWindowTest() override;
@@ -41,6 +49,7 @@ class DeviceWindowTest : public testing::Test {
     void PressButton(const char* name);
     // The names of the rows, a directory's with "/" behind it.
     Strings Rows();
+    const IconTableItem& Entry(int row);
     int RowOf(const std::string& name);
     void SelectRows(const Strings& names);
     Strings Selection();
@@ -49,17 +58,17 @@ class DeviceWindowTest : public testing::Test {
     void CommandKey(Qt::Key key);
     // Opens the path pop-up; its items' labels.
     Strings OpenPathMenu();
-    void ChooseFromMenu(const std::string& label);
 
-    // Tells whether the event of a drag was accepted.
-    static bool Drag(QWidget& over, QDropEvent&& event);
-    // Drags over the middle of a row (below the rows for an empty name) and, when that is accepted,
-    // drops there. Tells both.
-    std::pair<bool, bool> Drop(const QMimeData& data, const std::string& name, int offset = 0);
+    // Drags over the middle of a row (below the rows for an empty name) or somewhat lower, moves
+    // the drag there once more, and drops there. Each reports whether that was accepted.
+    bool DragOver(const QMimeData& data, const std::string& name, int offset = 0);
+    bool MoveDrag(const QMimeData& data);
+    bool Drop(const QMimeData& data);
 
     Runtime runtime;
-    RecordingHost host{runtime};
-};
+    RecordingHost host;
 
-// The menu that is open; null for none.
-QMenu* OpenMenu();
+  private:
+    QPointer<QWidget> dragOver_;
+    QPoint dragAt_;
+};

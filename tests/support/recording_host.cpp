@@ -1,52 +1,19 @@
 #include "recording_host.h"
 
-#include "Text.h"
+#include "rebinder.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cstdarg>
 #include <cstdio>
-#include <filesystem>
-#include <thread>
 #include <tuple>
-#include <utility>
 
 namespace {
 
 constexpr std::uint32_t kTarget = 42;
 
-constexpr const char* kTool =
-    "#!/bin/sh\n"
-    "for word in \"$@\"; do printf '[%s]\\n' \"$word\"; done\n"
-    "echo \"$*\" >>\"${0%/*}/calls\"\n"
-    "cat \"${0%/*}/says\" \"${0%/*}/says-$1\" 2>/dev/null\n"
-    "[ ! -e \"${0%/*}/hangs-$1\" ] || exec sleep 60\n";
-
 }  // namespace
-
-RecordingHost::RecordingHost(Runtime& runtime) : runtime_(runtime), bundle_{folder_.path()}
-{
-    const auto tool = folder_.Write("Resources/mpremote/mpremote.py", kTool);
-    std::filesystem::permissions(tool, std::filesystem::perms::owner_all);
-    std::filesystem::copy(QUILP_BUNDLE "/Resources/QuilpWindow.ui",
-                          folder_ / "Resources/QuilpWindow.ui");
-    bundle = &bundle_;
-}
-
-void RecordingHost::ReleaseWork()
-{
-    holdsWork_ = false;
-    for (const auto& work : std::exchange(heldWork_, {})) {
-        work(this);
-    }
-}
-
-std::string RecordingHost::WorksheetWhenIdle()
-{
-    EXPECT_TRUE(WaitUntil([this] { return runtime_.IsIdle(); }));
-    return std::exchange(worksheet, {});
-}
 
 void RecordingHost::AddButton(const std::string& name, void* pluginBundle)
 {
@@ -92,35 +59,18 @@ void RecordingHost::WriteSettings(const char* format, ...)
     log.push_back(std::string("settings ") + line.data());
 }
 
-void RecordingHost::ToolHangs(const std::string& command, bool hangs)
+std::pair<std::uint32_t, std::uint32_t> RecordingHost::CommandShortcut(const std::string& name)
 {
-    if (hangs) {
-        folder_.Write("Resources/mpremote/hangs-" + command, "");
-    } else {
-        std::filesystem::remove(folder_ / ("Resources/mpremote/hangs-" + command));
-    }
-}
-
-std::vector<std::string> RecordingHost::ToolCalls()
-{
-    const auto calls = ReadFile(folder_ / "Resources/mpremote/calls");
-    std::vector<std::string> lines;
-    for (const auto& line : SplitLines(calls)) {
-        lines.emplace_back(line);
-    }
-    return lines;
+    shortcutsAsked.push_back(name);
+    return shortcut;
 }
 
 PluginInterface::Rebinder RecordingHost::MakeRebinder(std::int32_t kind)
 {
     EXPECT_EQ(kind, 0);
-    return [this, ui = std::this_thread::get_id()](const PluginWork& work) {
-        if (std::this_thread::get_id() == ui && holdsWork_) {
-            heldWork_.push_back(work);
-        } else {
-            runtime_.queue().Post([this, work] { work(this); });
-            postedElsewhere_ += std::this_thread::get_id() == ui ? 0 : 1;
-        }
+    return [this, rebind = MakeRebinderFor(*this)](const PluginWork& work) {
+        rebind(work);
+        ++rebound;
     };
 }
 

@@ -16,7 +16,10 @@ std::function<void()> LetUserChoose(const BMenu& menu, BPoint where)
 {
     std::string label;
     std::function<void()> chosen;
-    auto* const window = QApplication::activeWindow();
+    auto* window = QApplication::activeWindow();
+    if (window != nullptr && !window->isVisible()) {
+        window = nullptr;  // It was closed before it became active, and is about to be destroyed.
+    }
     const QPointer<QMenu> widget =
         MakeMenuWidget(menu, window, [&](const auto& itsLabel, const auto& action) {
             label = itsLabel;

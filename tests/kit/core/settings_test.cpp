@@ -5,7 +5,7 @@
 TEST(RectSettings, ReadBackAsTheyWereWritten)
 {
     for (const BRect rect :
-         {BRect{0, 0, 0, 0}, {-1920, 24.5, 0.1, 1e300}, {1.0 / 3, -0.0, 5e-324, 7}}) {
+         {BRect{-1e6, -1e6, 1e6, 1e6}, {-1920, 24.5, 0.1, 1e5}, {-1.0 / 3, -0.0, 5e-324, 7}}) {
         const std::string text = RectValueForSettings(rect);
         const char* words[] = {"-frame", text.c_str(), "next", nullptr};
         const char* const* at = words;
@@ -18,11 +18,26 @@ TEST(RectSettings, ReadBackAsTheyWereWritten)
 TEST(RectSettings, MalformedOnesAreRefusedAndLeftInPlace)
 {
     const std::pair<const char*, const char*> rows[] = {
-        {nullptr, nullptr},      {"-frame", nullptr},     {"frame", "1,2,3,4"},
-        {"-frames", "1,2,3,4"},  {"-frame", ""},          {"-frame", "1,2,3"},
-        {"-frame", "1,2,3,4,5"}, {"-frame", "1,2,3,4 "},  {"-frame", "1;2;3;4"},
-        {"-frame", "1,2,nan,4"}, {"-frame", "1,2,3,inf"}, {"-frame", "1,2,3,1e999"},
+        {nullptr, nullptr},
+        {"-frame", nullptr},
+        {"frame", "1,2,3,4"},
+        {"-frames", "1,2,3,4"},
+        {"-frame", ""},
+        {"-frame", "1,2,3"},
+        {"-frame", "1,2,3,4,5"},
+        {"-frame", "1,2,3,4 "},
+        {"-frame", "1;2;3;4"},
+        {"-frame", "1,2,nan,4"},
+        {"-frame", "1,2,3,inf"},
+        {"-frame", "1,2,3,1e999"},
         {"-frame", "1, 2,3,4"},
+        // Beyond any screen, or empty.
+        {"-frame", "0,0,9,1000001"},
+        {"-frame", "0,0,1000001,9"},
+        {"-frame", "-1000001,0,9,9"},
+        {"-frame", "0,-1000001,9,9"},
+        {"-frame", "9,0,9,9"},
+        {"-frame", "0,9,9,9"},
     };
     for (const auto& [key, value] : rows) {
         const char* words[] = {key, value, nullptr};

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "recording_host.h"
+#include "recording_shell.h"
+#include "runner.h"
+#include "runtime.h"
+
+#include <gtest/gtest.h>
+
+extern "C" std::int32_t PluginMain(int message, PluginInterface* pi, ...);
+extern "C" const char* PluginHelp();
+
+using Strings = std::vector<std::string>;
+
+// The plug-in's functions with a host and a shell that record.
+class PluginTest : public testing::Test {
+  protected:
+    ~PluginTest() override
+    {
+        Stop();
+        shells::TakeCalls();
+    }
+
+    void OpenPython(const std::string& path)
+    {
+        host.language = kPythonLanguage;
+        host.document = path;
+    }
+    // The call that runs this line of the tool.
+    std::string RunLine(const std::string& words) const { return "run " + host.Tool() + words; }
+
+    Runtime runtime;
+    RecordingHost host;
+};
