@@ -14,14 +14,12 @@
 
 #include <QApplication>
 #include <QMenu>
-#include <QPushButton>
 #include <QScreen>
 #include <QShortcut>
 #include <QTest>
 #include <QThread>
 #include <QUrl>
 
-#include <chrono>
 #include <filesystem>
 #include <functional>
 
@@ -146,16 +144,7 @@ TEST_F(ScriptedDeviceWindow, TheLastLineOfTheDeviceQueryDecides)
     EXPECT_TRUE(IsBusy()) << "no device line has arrived";
 }
 
-TEST_F(ScriptedDeviceWindow, IsOneWindowWhichOpeningAgainDoesNotMove)
-{
-    Open();
-    auto* const first = QuilpWindow::gInstance;
-    first->SetFrame({50, 60, 450, 560});
-    EXPECT_EQ(QuilpWindow::ShowInstance(&host), first);
-    EXPECT_EQ(first->Frame(), (BRect{50, 60, 450, 560}));
-}
-
-TEST_F(ScriptedDeviceWindow, TheFrameOfTheLastCloseRequestComesBackOnTheScreen)
+TEST_F(ScriptedDeviceWindow, IsOneWindowWhoseFrameComesBackAfterACloseRequest)
 {
     Open();
     PressButton("close");
@@ -163,7 +152,10 @@ TEST_F(ScriptedDeviceWindow, TheFrameOfTheLastCloseRequestComesBackOnTheScreen)
     ASSERT_EQ(QuilpWindow::gInstance, nullptr);
     EXPECT_FALSE(QuilpWindow::gWindowRect) << "its own button does not remember";
     Open();
-    QuilpWindow::gInstance->SetFrame({51, 61, 451, 561});
+    auto* const window = QuilpWindow::gInstance;
+    window->SetFrame({51, 61, 451, 561});
+    EXPECT_EQ(QuilpWindow::ShowInstance(&host), window);
+    EXPECT_EQ(window->Frame(), (BRect{51, 61, 451, 561})) << "opening it again does not move it";
     widget().close();
     ASSERT_EQ(QuilpWindow::gInstance, nullptr);
     EXPECT_EQ(QuilpWindow::ShowInstance(&host)->Frame(), (BRect{51, 61, 451, 561}));
@@ -338,8 +330,12 @@ TEST_F(ScriptedDeviceWindow, TheContextMenuOffersToDeleteWhatIsSelected)
     OpenAndForgetCalls();
     EXPECT_EQ(OpenContextMenu(), nullptr) << "empty";
     SelectRows({"lib/"});
+    for (int time = 1; time <= 2; ++time) {
+        ASSERT_NE(OpenContextMenu(), nullptr);
+        EXPECT_EQ(LabelsOf(*OpenMenu()), Strings{"Delete"});
+        OpenMenu()->close();
+    }
     ASSERT_NE(OpenContextMenu(), nullptr);
-    EXPECT_EQ(LabelsOf(*OpenMenu()), Strings{"Delete"});
     ClickItem(*OpenMenu(), "Delete");
     Settle();
     EXPECT_EQ(NewCalls(), (Strings{"rm -r :/lib", "ls /", "devs"}));
@@ -514,13 +510,10 @@ TEST_F(ScriptedDeviceWindow, ADirectoryOpenedWhileADeletionRunsIsListed)
     Open();
     const auto threads = CurrentHoldings().threads;
     DeleteRows({"boot.py", "main.py"});
+    ASSERT_TRUE(ToolIsCalled("rm -r :/main.py"));
     // The end of the first deletion is posted; the event loop does not get to it.
-    const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (runtime.IsIdle() || CurrentHoldings().threads > threads) {
-        ASSERT_LT(std::chrono::steady_clock::now(), patience);
-        if (runtime.IsIdle()) {
-            QCoreApplication::processEvents();
-        }
+    for (int i = 0; i < 2000 && CurrentHoldings().threads > threads; ++i) {
+        QThread::msleep(5);
     }
     DoubleClick("lib/");
     Settle();
@@ -546,23 +539,22 @@ TEST_F(ScriptedDeviceWindow, ARunIsNotStoppedAndLeavesNoRowsOfChangedFiles)
         const char* hanging;
         const char* call;
         std::function<void()> act;
-        bool changesFiles;
     };
     const Row rows[] = {
-        {"ls", "ls /", [&] { PressButton("refresh"); }, false},
-        {"devs", "devs", [&] { PressButton("refresh"); }, false},
+        {"ls", "ls /", [&] { PressButton("refresh"); }},
+        {"devs", "devs", [&] { PressButton("refresh"); }},
         {"rm", "rm -r :/main.py",
          [&] {
              DeleteRows({"boot.py", "main.py"});
-         },
-         true},
-        {"cp", "cp a :/", [&] { QuilpWindow::gInstance->Upload({"a"}, "/"); }, true},
+         }},
+        {"cp", "cp a :/", [&] { QuilpWindow::gInstance->Upload({"a"}, "/"); }},
     };
     ToolHangs("run");
     Open();
     for (const auto& row : rows) {
         SCOPED_TRACE(row.hanging);
         NewCalls();
+        ToolPrints("devs", "");
         ToolHangs(row.hanging);
         row.act();
         ASSERT_TRUE(ToolIsCalled(row.call));
@@ -571,10 +563,11 @@ TEST_F(ScriptedDeviceWindow, ARunIsNotStoppedAndLeavesNoRowsOfChangedFiles)
         ASSERT_TRUE(ToolIsCalled("run /tmp/a.py"));
         EXPECT_FALSE(runtime.IsIdle());
         EXPECT_TRUE(IsBusy()) << "no device line has arrived";
-        if (row.changesFiles) {
-            EXPECT_EQ(Rows(), Strings{});
+        if (&row >= &rows[2]) {
+            EXPECT_EQ(Rows(), Strings{}) << "a file may be gone";
         }
         ::Stop();
+        ToolPrints("devs", kBoardLine);
         PressButton("refresh");
         Settle();
         EXPECT_EQ(Rows().size(), 4U);

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <initializer_list>
+#include <iterator>
 
 namespace {
 
@@ -17,15 +18,18 @@ void Require(bool holds)
     }
 }
 
-// The parts stand in the line in this order, without overlapping; none is empty.
+// The parts stand in the line in this order, without overlapping, and the last one before the
+// line's ending. None is empty.
 void RequireInOrder(std::string_view line, std::initializer_list<std::string_view> parts)
 {
+    line.remove_suffix(line.ends_with('\n') ? 1 : 0);
+    line.remove_suffix(line.ends_with('\r') ? 1 : 0);
+    Require(line.ends_with(*std::prev(parts.end())));
     for (const auto part : parts) {
         const auto at = line.find(part);
         Require(!part.empty() && at != std::string_view::npos);
         line.remove_prefix(at + part.size());
     }
-    Require(line.find_first_not_of("\r\n") == std::string_view::npos);
 }
 
 void CheckPath(const std::string& path)

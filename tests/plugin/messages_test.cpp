@@ -24,15 +24,14 @@ TEST_F(Messages, LoadAndRegisterAnswerTheHost)
     EXPECT_EQ(host.loadReply[0], 19);
     EXPECT_EQ(host.loadReply[1], 5);
     EXPECT_EQ(PluginMain(2, &host), 1);
-    EXPECT_EQ(
-        host.log,
-        (Strings{"command QuilpRun: Run Python source on attached Micro Python device",
-                 "command QuilpStop: Stop Running on Micro Python Device",
-                 "command QuilpUpload: Upload Python source on attached Micro Python device",
-                 "command QuilpUploadAsMain: Upload Python source on attached Micro Python device "
-                 "as main.py",
-                 "command QuilpList: List the contents of Micro Python device",
-                 "key QuilpWindowFrame"}));
+    EXPECT_EQ(host.log,
+              "command QuilpRun: Run Python source on attached Micro Python device "
+              "command QuilpStop: Stop Running on Micro Python Device "
+              "command QuilpUpload: Upload Python source on attached Micro Python device "
+              "command QuilpUploadAsMain: Upload Python source on attached Micro Python device "
+              "as main.py "
+              "command QuilpList: List the contents of Micro Python device "
+              "key QuilpWindowFrame");
     EXPECT_STREQ(PluginHelp(), "Run on micropython capable devices.\nWIP.\n");
 }
 
@@ -55,7 +54,7 @@ TEST_F(Messages, UnknownMessagesAndNamesDoNothing)
         EXPECT_EQ(Command(name), 0) << name;
     }
     EXPECT_EQ(Command(nullptr), 0);
-    EXPECT_EQ(host.log, Strings{});
+    EXPECT_EQ(host.log, "");
     EXPECT_EQ(shells::TakeCalls(), Strings{});
 }
 
@@ -100,7 +99,7 @@ TEST_F(Messages, TheFrameIsReadFromTheSettingsAndWrittenBack)
 {
     EXPECT_EQ(PluginMain(104, &host), 1) << "no line";
     EXPECT_EQ(PluginMain(400, &host), 1);
-    EXPECT_EQ(host.log, Strings{}) << "no frame";
+    EXPECT_EQ(host.log, "") << "no frame";
     const auto read = [&](std::vector<const char*> words) {
         words.push_back(nullptr);
         host.settingsArgv = words.data();
@@ -113,7 +112,7 @@ TEST_F(Messages, TheFrameIsReadFromTheSettingsAndWrittenBack)
     read({"QuilpWindowFrame", "-frame", "1,2,3"});
     read({"QuilpWindowFrame", "frame", "-frame", "5,6,70,80"});
     EXPECT_EQ(PluginMain(400, &host), 1);
-    EXPECT_EQ(host.log, Strings{"settings QuilpWindowFrame -frame 1,2,30,40.5\n"});
+    EXPECT_EQ(host.log, "settings QuilpWindowFrame -frame 1,2,30,40.5\n");
     QuilpWindow::gWindowRect.reset();
 }
 
@@ -122,23 +121,19 @@ TEST_F(Messages, TheButtonIsOfferedForPythonOrATargetWithAsFewQuestionsAsNeeded)
     struct Row {
         bool current, project;
         std::uint32_t language;
-        Strings log;
+        const char* log;
     };
     const Row rows[] = {
-        {false, false, 0, {"HasCurrentTarget", "HasProjectTarget", "DocumentLanguage"}},
-        {false,
-         false,
-         19,
-         {"HasCurrentTarget", "HasProjectTarget", "DocumentLanguage", "button Run"}},
-        {false, true, 0, {"HasCurrentTarget", "HasProjectTarget", "button Run"}},
-        {true, true, 19, {"HasCurrentTarget", "button Run"}},
+        {false, false, 0, "HasCurrentTarget HasProjectTarget DocumentLanguage"},
+        {false, false, 19, "HasCurrentTarget HasProjectTarget DocumentLanguage button Run"},
+        {false, true, 0, "HasCurrentTarget HasProjectTarget button Run"},
+        {true, true, 19, "HasCurrentTarget button Run"},
     };
     for (const auto& row : rows) {
-        host.log.clear();
         host.currentTarget = row.current;
         host.projectTarget = row.project;
         host.language = row.language;
         EXPECT_EQ(PluginMain(307, &host), 0);
-        EXPECT_EQ(host.log, row.log);
+        EXPECT_EQ(host.TakeLog(), row.log);
     }
 }

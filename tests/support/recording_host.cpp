@@ -9,44 +9,14 @@
 #include <cstdio>
 #include <tuple>
 
-namespace {
-
-constexpr std::uint32_t kTarget = 42;
-
-}  // namespace
-
 void RecordingHost::AddButton(const std::string& name, void* pluginBundle)
 {
-    log.push_back("button " + name + (pluginBundle == bundle ? "" : " of another bundle"));
+    Note("button " + name + (pluginBundle == bundle ? "" : " of another bundle"));
 }
 
 void RecordingHost::RegisterCommand(const std::string& name, const std::string& description)
 {
-    log.push_back("command " + name + ": " + description);
-}
-
-EntryRef RecordingHost::DocumentRef()
-{
-    log.emplace_back("DocumentRef");
-    return EntryRef(document);
-}
-
-bool RecordingHost::HasCurrentTarget()
-{
-    log.emplace_back("HasCurrentTarget");
-    return currentTarget;
-}
-
-bool RecordingHost::HasProjectTarget()
-{
-    log.emplace_back("HasProjectTarget");
-    return projectTarget;
-}
-
-std::uint32_t RecordingHost::DocumentLanguage()
-{
-    log.emplace_back("DocumentLanguage");
-    return language;
+    Note("command " + name + ": " + description);
 }
 
 void RecordingHost::WriteSettings(const char* format, ...)
@@ -56,7 +26,7 @@ void RecordingHost::WriteSettings(const char* format, ...)
     va_start(arguments, format);
     std::vsnprintf(line.data(), line.size(), format, arguments);
     va_end(arguments);
-    log.push_back(std::string("settings ") + line.data());
+    Note(std::string("settings ") + line.data());
 }
 
 std::pair<std::uint32_t, std::uint32_t> RecordingHost::CommandShortcut(const std::string& name)
@@ -84,19 +54,11 @@ void RecordingHost::InsertInWorksheet(const std::string& text, const std::string
 std::uint32_t RecordingHost::TargetLanguage(std::uint32_t handle)
 {
     EXPECT_EQ(handle, kTarget);
-    log.emplace_back("TargetLanguage");
-    return targetLanguage;
+    return Note("TargetLanguage", targetLanguage);
 }
 
 EntryRef RecordingHost::TargetRef(std::uint32_t handle)
 {
     EXPECT_EQ(handle, kTarget);
-    log.emplace_back("TargetRef");
-    return EntryRef(target);
-}
-
-std::uint32_t RecordingHost::CurrentTarget()
-{
-    log.emplace_back("CurrentTarget");
-    return kTarget;
+    return Note("TargetRef", EntryRef(target));
 }
