@@ -50,15 +50,6 @@ TableWidget* DeviceTable()
     return nullptr;
 }
 
-bool DeviceTableHas(int rows)
-{
-    return WaitUntil([rows] {
-        const auto* const table = DeviceTable();
-        return table != nullptr && table->model()->rowCount() == rows &&
-               Runtime::Current().IsIdle();
-    });
-}
-
 void DropOn(QWidget& over, const QString& path)
 {
     QMimeData data;
@@ -96,7 +87,7 @@ QStringList Labels(const QWidget& menu)
 
 }  // namespace
 
-TEST_F(EditorWindow, RunsFollowsErrorsStopsUploadsListsDropsAndDeletes)
+TEST_F(EditorWindow, RunsFollowsErrorsStopsAndUploads)
 {
     Start({Write("fails.py", "def half(number):\n    return 1 / number\n\nhalf(0)\n")});
     AttachBoard();
@@ -116,16 +107,6 @@ TEST_F(EditorWindow, RunsFollowsErrorsStopsUploadsListsDropsAndDeletes)
     Press(Qt::Key_F6);
     ASSERT_TRUE(WaitForIdle());
     EXPECT_EQ(Read("board/loop.py"), kEndless);
-    Press(Qt::Key_F8);
-    ASSERT_TRUE(DeviceTableHas(1));
-    DropOn(*DeviceTable()->viewport(), Write("data.csv", "1,2\n"));
-    ASSERT_TRUE(DeviceTableHas(2));
-    EXPECT_EQ(Read("board/data.csv"), "1,2\n");
-    const auto deleted = DeviceTable()->model()->index(0, 0).data().toString().toStdString();
-    DeviceTable()->SelectRow(0, false);
-    QTest::keyClick(DeviceTable(), Qt::Key_Backspace, Qt::ControlModifier);
-    ASSERT_TRUE(DeviceTableHas(1));
-    EXPECT_FALSE(fs::exists(folder / "board/" + deleted));
 }
 
 TEST_F(EditorWindow, ShowsTheControlExactlyWhileThePluginOffersIt)
@@ -487,6 +468,12 @@ TEST_F(EditorWindow, ShowsTheBoardAndWhyThereIsNone)
     Action("Unplug Virtual Board")->trigger();
     EXPECT_NE(shown->text(), "Virtual board");
     EXPECT_TRUE(mayAttach());
+    const auto icon = [&](Appearance appearance) {
+        window().SetEditorAppearance(appearance);
+        return shown->icon().pixmap(16).toImage();
+    };
+    EXPECT_NE(icon(Appearance::Light), icon(Appearance::Dark));
+    window().SetEditorAppearance(Appearance::System);
     fs::remove_all(folder / "board");
     Write("board", "a file in the place of its folder");
     Action("Attach Virtual Board")->trigger();
@@ -609,11 +596,17 @@ TEST_F(EditorWindow, AsksBeforeItShowsALineThatIsSlowToEdit)
     EXPECT_TRUE(Close());
 }
 
-TEST_F(EditorWindow, FollowsTheBoardsOwnPathsToItsFiles)
+TEST_F(EditorWindow, FollowsLinksOfTheWorksheetAndRunsItsLines)
 {
-    Start({Write("a.py", "")});
     Write("board/lib/x.py", "1\n2\n3\n");
-    window().worksheet().Append("  File \"/lib/x.py\", line 3, in f\n  File \"no.py\", line 1\n");
+    Write("project/notes.txt", "");
+    Start({Write("a.py", ""), PathOf("project")});
+    auto& sheet = window().worksheet();
+    sheet.SetContent("pwd; echo \"two words\"");
+    sheet.setFocus();
+    Press(Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_TRUE(SheetShows("\"two words\"\n" + (folder / "project") + "\ntwo words\n")) << Sheet();
+    sheet.Append("  File \"/lib/x.py\", line 3, in f\n  File \"no.py\", line 1\n");
     Press(Qt::Key_F4);
     EXPECT_EQ(window().documents().Front()->path(), folder / "board/lib/x.py");
     EXPECT_EQ(editor().CaretLine(), 3);
@@ -639,26 +632,4 @@ TEST_F(EditorWindow, EditsWhatHasTheKeyboard)
     window().worksheet().setFocus();
     Action("Paste")->trigger();
     EXPECT_EQ(Sheet(), "other");
-}
-
-TEST_F(EditorWindow, RunsALineOfTheWorksheetInTheProjectsFolder)
-{
-    Write("project/notes.txt", "");
-    Start({Write("a.py", ""), PathOf("project")});
-    auto& sheet = window().worksheet();
-    sheet.SetContent("pwd; echo \"two words\"");
-    sheet.setFocus();
-    Press(Qt::Key_Return, Qt::ControlModifier);
-    EXPECT_TRUE(SheetShows("\"two words\"\n" + (folder / "project") + "\ntwo words\n")) << Sheet();
-}
-
-TEST_F(EditorWindow, IconsFollowTheAppearance)
-{
-    Start();
-    const auto draw = [this](Appearance appearance) {
-        window().SetEditorAppearance(appearance);
-        return window().findChild<QToolButton*>("board")->icon().pixmap(16).toImage();
-    };
-    EXPECT_NE(draw(Appearance::Light), draw(Appearance::Dark));
-    window().SetEditorAppearance(Appearance::System);
 }
