@@ -20,7 +20,7 @@ EditorWindow::EditorWindow()
 EditorWindow::~EditorWindow()
 {
     End();
-    EXPECT_EQ(unanswered_, 0) << "a question was expected";
+    EXPECT_TRUE(questions_.children().isEmpty()) << "a question was expected";
 }
 
 void EditorWindow::Start(const QStringList& documents, const std::string& plugin)
@@ -166,15 +166,14 @@ bool EditorWindow::WaitForIdle()
 
 void EditorWindow::WhenAsked(const std::function<void(QWidget&)>& act)
 {
-    ++unanswered_;
-    auto* const look = new QTimer(qApp);
-    QObject::connect(look, &QTimer::timeout, look, [this, look, act] {
+    auto* const look = new QTimer(&questions_);
+    QObject::connect(look, &QTimer::timeout, look, [look, act] {
         auto* dialog = QApplication::activeModalWidget();
         dialog = dialog != nullptr ? dialog : QApplication::activePopupWidget();
         if (dialog != nullptr && dialog->isVisible()) {
             look->stop();
+            look->setParent(nullptr);
             look->deleteLater();
-            --unanswered_;
             act(*dialog);
         }
     });

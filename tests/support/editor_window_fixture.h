@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QObject>
 #include <QString>
 
 #include <functional>
@@ -63,5 +64,5 @@ class EditorWindow : public testing::Test {
     std::optional<PluginModule> plugin_;
     std::unique_ptr<Runtime> runtime_;
     std::unique_ptr<MainWindow> window_;
-    int unanswered_ = 0;
+    QObject questions_;  // Has a child for each that was not asked yet.
 };

@@ -1,7 +1,6 @@
 #include "subprocess.h"
 
 #include "descriptors.h"
-#include "wait.h"
 
 #include <poll.h>
 #include <signal.h>
@@ -80,13 +79,6 @@ int BackgroundProgram::UnreadOutput() const
     int bytes = 0;
     ioctl(process_.outputFd(), FIONREAD, &bytes);
     return bytes;
-}
-
-long BackgroundProgram::ResidentMemory() const
-{
-    const std::string status = ReadFile("/proc/" + std::to_string(process_.pid()) + "/status");
-    const auto at = status.find("VmRSS:");
-    return at == std::string::npos ? 0 : std::stol(status.substr(at + 6));
 }
 
 bool BackgroundProgram::WaitForExit(std::chrono::milliseconds patience)

@@ -37,8 +37,6 @@ class BackgroundProgram {
     bool HasExited() const { return process_.HasExited(); }
     // How many bytes it has printed that nobody has read.
     int UnreadOutput() const;
-    // Its resident memory in KiB; 0 when it cannot be told.
-    long ResidentMemory() const;
 
   private:
     ChildProcess process_;

@@ -55,7 +55,7 @@ class Batch : public testing::Test {
 
 TEST_F(Batch, OutputArrivesWhileTheProgramRuns)
 {
-    // The program tells when it printed a line by making a file.
+    // The program reports by a file that it prints a line.
     BackgroundProgram editor(Editor(RunScript("import time\n"
                                               "for i in range(3):\n"
                                               "  open('/mark%d' % i, 'w').close()\n"

@@ -52,15 +52,6 @@ TableWidget* DeviceTable()
     return nullptr;
 }
 
-bool DeviceTableHas(int rows)
-{
-    return WaitUntil([rows] {
-        const auto* const table = DeviceTable();
-        return table != nullptr && table->model()->rowCount() == rows &&
-               Runtime::Current().IsIdle();
-    });
-}
-
 void DropOn(QWidget& over, const QString& path)
 {
     QMimeData data;
@@ -98,7 +89,7 @@ QStringList Labels(const QWidget& menu)
 
 }  // namespace
 
-TEST_F(EditorWindow, RunsFollowsErrorsStopsUploadsListsDropsAndDeletes)
+TEST_F(EditorWindow, RunsFollowsErrorsStopsAndUploads)
 {
     Start({Write("fails.py", "def half(number):\n    return 1 / number\n\nhalf(0)\n")});
     AttachBoard();
@@ -118,16 +109,6 @@ TEST_F(EditorWindow, RunsFollowsErrorsStopsUploadsListsDropsAndDeletes)
     Press(Qt::Key_F6);
     ASSERT_TRUE(WaitForIdle());
     EXPECT_EQ(Read("board/loop.py"), kEndless);
-    Press(Qt::Key_F8);
-    ASSERT_TRUE(DeviceTableHas(1));
-    DropOn(*DeviceTable()->viewport(), Write("data.csv", "1,2\n"));
-    ASSERT_TRUE(DeviceTableHas(2));
-    EXPECT_EQ(Read("board/data.csv"), "1,2\n");
-    const auto deleted = DeviceTable()->model()->index(0, 0).data().toString().toStdString();
-    DeviceTable()->SelectRow(0, false);
-    QTest::keyClick(DeviceTable(), Qt::Key_Backspace, Qt::ControlModifier);
-    ASSERT_TRUE(DeviceTableHas(1));
-    EXPECT_FALSE(fs::exists(folder / "board/" + deleted));
 }
 
 TEST_F(EditorWindow, ShowsTheControlExactlyWhileThePluginOffersIt)
@@ -326,7 +307,7 @@ TEST_F(EditorWindow, TwoAtOnceLeaveEachOtherAloneAndAKilledOnesTextIsRecovered)
 {
     Write("config/plugins.settings", "OtherPlugin -kept\n");
     const QString theirs = Write("theirs.py", "old\n");
-    const QString mine = Write("mine.py", "");
+    const QString mine = Write("mine.py", "old\n");
     BackgroundProgram other({"/proc/self/exe", "--gtest_also_run_disabled_tests",
                              "--gtest_filter=EditorWindow.DISABLED_IsTheSameUsersOtherEditor"},
                             {"QUILP_TEST_ROOT=" + folder.path()});
@@ -346,29 +327,32 @@ TEST_F(EditorWindow, TwoAtOnceLeaveEachOtherAloneAndAKilledOnesTextIsRecovered)
     EXPECT_TRUE(MessageShows("theirs.py") && MessageShows("mine.py"));
     window().OpenFiles({theirs});
     Type("typed ");  // Keeps its tab: the recovered text of the same file gets another.
-    const auto texts = [this] {
-        QStringList found;
-        for (int i = 0; i < window().documents().count(); ++i) {
-            window().documents().setCurrentIndex(i);
-            EXPECT_TRUE(window().documents().Front()->IsModified());
-            found.append(editor().Content());
+    const QStringList texts{"mine old\n", "typed changed meanwhile\n", "saved unsaved old\n"};
+    const auto expectTexts = [&] {  // The last one stays in front.
+        auto& documents = window().documents();
+        EXPECT_EQ(documents.count(), texts.size());
+        for (const auto& text : texts) {
+            documents.setCurrentIndex(0);
+            for (int i = 1; i < documents.count() && editor().Content() != text; ++i) {
+                documents.setCurrentIndex(i);
+            }
+            EXPECT_EQ(editor().Content().toStdString(), text.toStdString());
+            EXPECT_TRUE(documents.Front()->IsModified());
         }
-        found.sort();
-        return found;
     };
-    const QStringList all{"mine ", "saved unsaved old\n", "typed changed meanwhile\n"};
     Answer("Recover");
-    EXPECT_EQ(texts(), all);
+    expectTexts();
     EndBy([this] { window().QuitWithoutAsking(); });
     Start();
     Answer("Recover");
-    EXPECT_EQ(texts(), all) << "two texts of one file";
+    window().documents().setCurrentIndex(0);
     Action("Undo")->trigger();
-    EXPECT_FALSE(all.contains(editor().Content()));
+    EXPECT_EQ(editor().Content(), "old\n");
     Action("Redo")->trigger();
+    expectTexts();                      // Two of them are of one file.
     WhenAskedPress(QMessageBox::Save);  // Over the change.
     Press(Qt::Key_S, Qt::ControlModifier);
-    EXPECT_EQ(editor().Content().toStdString(), Read("theirs.py"));
+    EXPECT_EQ(Read("theirs.py"), "saved unsaved old\n");
     window().documents().CloseAll();
     ASSERT_TRUE(Close());
     Start();
@@ -489,6 +473,12 @@ TEST_F(EditorWindow, ShowsTheBoardAndWhyThereIsNone)
     Action("Unplug Virtual Board")->trigger();
     EXPECT_NE(shown->text(), "Virtual board");
     EXPECT_TRUE(mayAttach());
+    const auto icon = [&](Appearance appearance) {
+        SetAppearance(appearance);
+        return shown->icon().pixmap(16).toImage();
+    };
+    EXPECT_NE(icon(Appearance::Light), icon(Appearance::Dark));
+    SetAppearance(Appearance::System);
     fs::remove_all(folder / "board");
     Write("board", "a file in the place of its folder");
     Action("Attach Virtual Board")->trigger();
@@ -611,11 +601,17 @@ TEST_F(EditorWindow, AsksBeforeItShowsALineThatIsSlowToEdit)
     EXPECT_TRUE(Close());
 }
 
-TEST_F(EditorWindow, FollowsTheBoardsOwnPathsToItsFiles)
+TEST_F(EditorWindow, FollowsLinksOfTheWorksheetAndRunsItsLines)
 {
-    Start({Write("a.py", "")});
     Write("board/lib/x.py", "1\n2\n3\n");
-    window().worksheet().Append("  File \"/lib/x.py\", line 3, in f\n  File \"no.py\", line 1\n");
+    Write("project/notes.txt", "");
+    Start({Write("a.py", ""), PathOf("project")});
+    auto& sheet = window().worksheet();
+    sheet.SetContent("pwd; echo \"two words\"");
+    sheet.setFocus();
+    Press(Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_TRUE(SheetShows("\"two words\"\n" + (folder / "project") + "\ntwo words\n")) << Sheet();
+    sheet.Append("  File \"/lib/x.py\", line 3, in f\n  File \"no.py\", line 1\n");
     Press(Qt::Key_F4);
     EXPECT_EQ(window().documents().Front()->path(), folder / "board/lib/x.py");
     EXPECT_EQ(editor().CaretLine(), 3);
@@ -641,26 +637,4 @@ TEST_F(EditorWindow, EditsWhatHasTheKeyboard)
     window().worksheet().setFocus();
     Action("Paste")->trigger();
     EXPECT_EQ(Sheet(), "other");
-}
-
-TEST_F(EditorWindow, RunsALineOfTheWorksheetInTheProjectsFolder)
-{
-    Write("project/notes.txt", "");
-    Start({Write("a.py", ""), PathOf("project")});
-    auto& sheet = window().worksheet();
-    sheet.SetContent("pwd; echo \"two words\"");
-    sheet.setFocus();
-    Press(Qt::Key_Return, Qt::ControlModifier);
-    EXPECT_TRUE(SheetShows("\"two words\"\n" + (folder / "project") + "\ntwo words\n")) << Sheet();
-}
-
-TEST_F(EditorWindow, IconsFollowTheAppearance)
-{
-    Start();
-    const auto draw = [this](Appearance appearance) {
-        SetAppearance(appearance);
-        return window().findChild<QToolButton*>("board")->icon().pixmap(16).toImage();
-    };
-    EXPECT_NE(draw(Appearance::Light), draw(Appearance::Dark));
-    SetAppearance(Appearance::System);
 }
