@@ -4,7 +4,7 @@
 
 std::optional<std::pair<std::string, std::string>> ParseDirLine(const std::string& line)
 {
-    // In the brackets stand the control bytes themselves.
+    // The character classes contain the control characters themselves.
     static const boost::regex filePattern("\\s*(?<size>\\d+)\\s+(?<name>[^\r\n]+)\\r?\\n?");
     boost::smatch groups;
     if (!MatchesWholeLine(line, groups, filePattern)) {
@@ -20,7 +20,7 @@ bool IsPort(std::string_view line)
 
 bool IsBoard(std::string_view line)
 {
-    // A port of this fixed name counts as a board whatever the tool reports about it.
+    // A port of this name counts as a board, whatever the tool reports about it.
     return IsPort(line) && (line.find("MicroPython") != std::string_view::npos ||
                             line.find("usbmodem1101") != std::string_view::npos);
 }

@@ -4,20 +4,20 @@
 #include <string>
 #include <string_view>
 
-// Paths on the board: bytes with "/" as the only separator. Nothing is normalised.
+// Paths on the board: bytes with "/" as the only separator. They are never normalised. [any]
 
-// `dir` and `leaf` with one "/" between them; a "/" at the end of `dir` serves as that.
+// Joins `dir` and `leaf` with a "/", unless `dir` ends with one.
 std::string AppendPath(std::string_view dir, std::string_view leaf);
 
-// What stands before the last "/"; the whole path when there is none. So the parent of an entry at
-// the top is empty.
+// The part before the last "/"; the whole path when there is none. The parent of a top-level entry
+// is therefore empty.
 std::string ParentPath(std::string_view path);
 
-// What stands after the last "/"; the whole path when there is none.
+// The part after the last "/"; the whole path when there is none.
 std::string LeafItem(std::string_view path);
 
-// Walks over the components of a path, the root "/" first. Of several "/" at the beginning the last
-// is the root; a path without one begins with an empty component.
+// Iterates over the components of a path, beginning with the root "/". Of several leading "/" the
+// last one is the root; a path without a leading "/" begins with an empty component.
 //
 //     for (PathIter i(path); !i.AtEnd(); i.Advance()) { use(i.Component()); }
 struct PathIter {

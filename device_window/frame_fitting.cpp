@@ -13,7 +13,7 @@ void FitEdges(double& near, double& far, double low, double high)
     } else if (near < low) {
         shift = low - near;
     }
-    // Frames move by single precision, as the frames in saved settings have always done.
+    // The shift has single precision, so that saved frames are restored as they always were.
     shift = static_cast<double>(static_cast<float>(shift));
     near += shift;
     far += shift;

@@ -2,10 +2,10 @@
 
 #include "Geometry.h"
 
-// The frame, moved so that it lies within `area` less `inset` on each side; its size stays. Where
-// it is too large its right and bottom edges lie on the limit.
+// Returns the frame, moved into `area` minus `inset` on each side. The size does not change: the
+// right and bottom edges of a frame that is too large lie on the limit.
 BRect FitInto(BRect frame, BRect area, float inset);
 
-// The same within the usable area of the screen that holds the frame's left top corner, or of the
-// nearest one.
+// The same for the usable area of the screen that contains the frame's top left corner, or of the
+// nearest screen.
 BRect FitOnScreen(BRect frame, float inset);

@@ -1,5 +1,5 @@
 #pragma once
 
-// How the window asks for the system's icons.
+// The size and format of the system's icons in the window.
 inline constexpr unsigned kIconSize = 16;
 inline constexpr unsigned kColorsWithAlpha = 4;

@@ -5,11 +5,11 @@
 
 namespace {
 
-// Longer than any line of a listing, whose names have 255 bytes at most.
+// Longer than any line of a listing: names have at most 255 bytes.
 constexpr std::size_t kLongLine = 1000;
 
-// Where blanks may belong to either of two groups, the engine tries every way to part them, in
-// quadratic time: before a line break inside of the line, and at vertical tabs and form feeds.
+// Where white space can belong to either of two groups, the engine tries every way to divide it, in
+// quadratic time: before a line break inside the line, and at vertical tabs and form feeds.
 bool WouldTakeTooLong(std::string_view line)
 {
     if (line.size() <= kLongLine) {

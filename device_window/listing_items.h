@@ -6,14 +6,14 @@
 #include <string>
 #include <string_view>
 
-// The two cells of a row of the listing. Owned by the table.
+// The two cells of a row of the listing, owned by the table. [ui]
 
 // The icon and the name of an entry.
 class IconTableItem final : public FTableItem {
   public:
     IconTableItem(const std::string_view& name, const std::string_view& path, bool isDirectory);
 
-    // Draws as much of the name as fits, and leaves that as Text().
+    // Draws as much of the name as fits. Text() is the drawn text afterwards.
     void DrawItem(BOutlineTableView* view, BRect cell) override;
 
     const std::string name;  // without a directory's "/"
@@ -21,7 +21,7 @@ class IconTableItem final : public FTableItem {
     const bool isDirectory;
 };
 
-// The size of an entry, at the right edge.
+// The size of an entry, right-aligned.
 class SizeTableItem final : public FTableItem {
   public:
     // The number of bytes as the tool prints it, or "--".
@@ -32,7 +32,7 @@ class SizeTableItem final : public FTableItem {
     const std::string sizeText;
 
   private:
-    // Kept by SizeStringForBounds from one draw to the next.
+    // The cache of SizeStringForBounds.
     float fitWidth = 0;
     std::int32_t fitChoice = -1;
 };

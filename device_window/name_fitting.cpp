@@ -8,7 +8,7 @@
 
 namespace {
 
-// How much of the name each step of shortening keeps, in bytes: always one character at least.
+// The length in bytes that each step of shortening keeps: at least one character.
 std::vector<std::size_t> ShortenedLengths(const std::string& name)
 {
     std::vector<std::size_t> lengths;
@@ -31,7 +31,7 @@ std::string FitName(const std::string& name, double available, const MeasureFunc
     if (lengths.empty() || fits(name)) {
         return name;
     }
-    // The steps that do not fit come first, so few of them need be measured.
+    // The steps that do not fit come first, so a binary search measures only a few.
     const auto found = std::ranges::partition_point(
         lengths, [&](std::size_t length) { return !fits(shortened(length)); });
     return shortened(found == lengths.end() ? lengths.back() : *found);

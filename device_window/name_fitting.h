@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
-// The width of a text, in points; it grows with the text.
+// Returns the width of a text in points, which increases with the text.
 using MeasureFunction = std::function<float(std::string_view)>;
 
-// The name as it is shown in `available` points: whole, or as much of its beginning as fits with
-// "…" behind it, in whole characters. A single character stays where it does not fit.
+// The name as it is shown in `available` points: complete, or shortened by whole characters and
+// followed by "…". A single character is kept even if it does not fit. [any]
 std::string FitName(const std::string& name, double available, const MeasureFunction& measure);

@@ -15,7 +15,8 @@ std::vector<PathItem> PathItems(const std::string& currentPath, const std::strin
         const std::string component(i.Component());
         const bool isRoot = component == "/";
         if (!path.empty()) {
-            path += '/';  // Also behind the root, so that an item differs from the current path.
+            path +=
+                '/';  // Also after the root, so that an item always differs from the current path.
         }
         path += component;
         items.push_back({isRoot ? deviceName : component, path, isRoot});

@@ -3,15 +3,15 @@
 #include <string>
 #include <vector>
 
-// One directory that the path pop-up offers.
+// One directory in the path pop-up.
 struct PathItem {
     std::string label;
-    std::string path;  // what becomes the current path; below the root it begins with "//"
+    std::string path;  // The new current path; below the root it begins with "//".
     bool isRoot;
 
     bool operator==(const PathItem&) const = default;
 };
 
-// What the pop-up offers for a path: the directory itself first, the root, under the name of the
-// board, last. Nothing for an empty path.
+// The items for a path: the directory itself first, the root, labelled with the board's name, last.
+// Empty for an empty path. [any]
 std::vector<PathItem> PathItems(const std::string& currentPath, const std::string& deviceName);

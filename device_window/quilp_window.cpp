@@ -79,7 +79,7 @@ void QuilpWindow::SetUpListing()
             if (entry == nullptr) {
                 return;
             }
-            // A copy: opening it clears the table.
+            // A copy, because opening a directory clears the table.
             rebind([weak, copy = std::make_unique<IconTableItem>(
                               entry->name, entry->path, entry->isDirectory)](PluginInterface*) {
                 if (const auto window = weak.lock()) {
@@ -95,11 +95,11 @@ void QuilpWindow::SetUpListing()
     listView->SetMenu(menu.release());
 }
 
-// Functions of buttons are delivered to the living window only.
+// The functions are called only while the window exists.
 void QuilpWindow::SetUpButtons()
 {
     if (auto* close = FindViewByTag<BButton>(kCloseButton)) {
-        // Not by way of a close request: this button leaves the remembered frame as it is.
+        // Not through a close request, because this button does not change the remembered frame.
         close->SetInvokeTarget(BMessenger(this), [this] { Quit(); });
     }
     if (auto* refresh = FindViewByTag<BButton>(kRefreshButton)) {
@@ -141,7 +141,7 @@ void QuilpWindow::ReadSettings(PluginInterface* /*pi*/, const char* const* words
     if (words == nullptr || *words == nullptr) {
         return;
     }
-    const char* const* option = words + 1;  // Behind the key.
+    const char* const* option = words + 1;  // After the key.
     if (const auto frame = ParseAsRectFromArgv(option, "frame")) {
         gWindowRect = frame;
     }

@@ -17,45 +17,45 @@
 #include <utility>
 #include <vector>
 
-// The Device window: the files of the attached board. There is at most one. The framework owns it
-// while it is open; everything of it belongs to the user-interface thread. It never keeps a
-// PluginInterface: work that needs one goes through `rebinder` or `reloadHook`. What may outlive
-// the window holds a weak pointer to it.
+// The Device window, which shows the files of the attached board. There is at most one; the
+// framework owns it while it is open. It never keeps a PluginInterface: work that needs one goes
+// through `rebinder` or `reloadHook`. Callables that may outlive the window hold a weak pointer to
+// it. [ui]
 class QuilpWindow final : public BWindow {
   public:
     // Opens the window, or brings the open one to the front.
     static QuilpWindow* ShowInstance(PluginInterface* pi);
 
-    // By BLooper::MakeInstance only.
+    // Called by BLooper::MakeInstance only.
     QuilpWindow(std::vector<std::function<void()>>& initialisers, PluginInterface* pi,
                 const char* description, const char* name, void* bundle);
     ~QuilpWindow() override;
 
-    // Remembers the frame; a close is never refused.
+    // Remembers the frame. Closing is never refused.
     bool QuitRequested() override;
 
-    // Writes the settings line of the frame that was remembered last, if there is one.
+    // Writes the remembered frame, if any, as a settings line.
     static void SaveSettings(PluginInterface* pi);
-    // Remembers the frame of a settings line's words; null for none.
+    // Reads the frame from the words of a settings line; null when there is no line.
     static void ReadSettings(PluginInterface* pi, const char* const* words);
 
-    static QuilpWindow* gInstance;            // the open window; not owned
-    static std::optional<BRect> gWindowRect;  // the frame that the next window gets
+    static QuilpWindow* gInstance;            // The open window; not owned.
+    static std::optional<BRect> gWindowRect;  // The frame of the next window.
 
     // --- Navigation: quilp_window_navigation.cpp
 
-    // Lists the current directory again, asks which board is attached, and then calls `done`, which
-    // may be empty. Lines of an earlier listing are ignored from here on.
+    // Lists the current directory, queries the attached board, and then calls `done`, which may be
+    // empty. Lines of earlier listings are ignored from now on.
     void Reload(unique_function<void()>&& done);
     void Reload(PluginInterface* pi, unique_function<void()>&& done);
-    // Shows another directory and then selects an entry, by its name, or none. A path that begins
-    // with "/" or ".." is taken as it is, another is one below the current directory. Does nothing
-    // when that is the current path already.
+    // Shows another directory and then selects the entry of this name, if any. A path that begins
+    // with "/" or ".." is used unchanged, any other is relative to the current directory. Does
+    // nothing when that is already the current path.
     void ChangeDirectory(const std::string& path, const std::string& selectName);
     void PopulatePathPopup();
     // Selects the first row with this text.
     void Select(const std::string& name);
-    // Shows the directory that the item stands for; nothing for a file or null.
+    // Opens the item's directory. Does nothing for a file or null.
     void Open(const IconTableItem* item);
     void OpenParentDirectory();
     // Opens the first selected row.
@@ -63,8 +63,8 @@ class QuilpWindow final : public BWindow {
 
     // --- Changes to the board's files: quilp_window_files.cpp
 
-    // Deletes the selected entries, directories with their contents, without asking. Entries with a
-    // single quote in their path are refused.
+    // Deletes the selected entries, directories with their contents, without confirmation. Entries
+    // with a single quote in their path are refused.
     void DeleteSelection();
     // Copies the first of the local files, or a folder, into a directory of the board.
     void Upload(const std::vector<std::string>& paths, const std::string& targetDir);
@@ -72,17 +72,18 @@ class QuilpWindow final : public BWindow {
     bool ListViewKeyDownHandler(BOutlineTableView* view, const char* bytes, int numBytes);
 
   private:
-    // A reload, deletion or upload that this window has begun.
+    // A reload, deletion or upload that this window has started.
     struct Operation {
         std::weak_ptr<QuilpWindow> window;
         unsigned number = 0;
 
-        // The window, unless it is gone or has begun another operation since.
+        // The window, unless it no longer exists or has started another operation since.
         std::shared_ptr<QuilpWindow> WindowIfLast() const;
     };
 
-    // Part of the completion of a deletion or upload, which begins a reload. Destroyed without one,
-    // the completion was dropped: the table is cleared, so that it shows no file that is gone.
+    // Part of the completion of a deletion or upload, which starts a reload. If it is destroyed
+    // without a reload, the completion was dropped: then it clears the table, which must not show
+    // files that no longer exist.
     class ClearWhenDropped {
       public:
         explicit ClearWhenDropped(Operation operation) : operation_(std::move(operation)) {}
@@ -104,9 +105,9 @@ class QuilpWindow final : public BWindow {
     void QueryDevice(unique_function<void()>&& done);
     void ShowDevice(const std::string_view& line);
 
-    // The completion of a change to the board's files: lists the directory again.
+    // The completion of a change to the board's files, which reloads the directory.
     unique_function<void()> ReloadWhenDone();
-    // What a row stands for; null when there is no such row.
+    // The entry of a row; null when there is no such row.
     const IconTableItem* EntryOf(objc_object* row) const;
     int ValidateDrop(objc_object* info, objc_object* item);
     bool AcceptDrop(objc_object* info, objc_object* item);

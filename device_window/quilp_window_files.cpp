@@ -8,7 +8,7 @@
 
 namespace {
 
-// The bytes of the keys that act together with Command.
+// The bytes of the keys that are handled together with Command.
 constexpr char kBackspace = 8;
 constexpr char kUpArrow = 30;
 constexpr char kDownArrow = 31;
@@ -16,7 +16,8 @@ constexpr char kDownArrow = 31;
 constexpr long kOnWholeView = -1;
 
 constexpr const char* kRefusal =
-    "Not deleted: entries with a single quote in their path, which the command line cannot name.\n";
+    "Not deleted: entries whose path contains a single quote, which cannot be passed to "
+    "mpremote.\n";
 
 }  // namespace
 
@@ -44,7 +45,7 @@ void QuilpWindow::DeleteSelection()
             paths.push_back(entry->path);
         }
     }
-    // Between the single quotes of the command line such a path would be another one.
+    // Between the single quotes of the command line it would name another path.
     const auto refused = std::erase_if(
         paths, [](const std::string& path) { return path.find('\'') != std::string::npos; });
     if (refused > 0) {
@@ -65,7 +66,7 @@ void QuilpWindow::Upload(const std::vector<std::string>& paths, const std::strin
     });
 }
 
-// The validator and the acceptor live in the table, which does not outlive the window.
+// The table owns the callables, and does not outlive the window.
 void QuilpWindow::ConfigureDropHandling(PluginInterface* /*pi*/)
 {
     objc_object* const type = FileURLPasteboardType();

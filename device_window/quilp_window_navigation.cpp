@@ -1,4 +1,4 @@
-// The Device window's way through the board's directories.
+// The Device window's navigation through the board's directories.
 
 #include "Bitmap.h"
 #include "NodeInfo.h"
@@ -116,7 +116,7 @@ void QuilpWindow::ChangeDirectory(const std::string& path, const std::string& se
     currentPath = newPath;
     Reload([weak = ::weak_from_this(this), selectName] {
         const auto window = weak.lock();
-        // What the user has selected meanwhile stays: a deletion may be about to follow.
+        // The user's own selection is kept, because the next key may delete it.
         if (window && window->listView->SelectedItems().empty()) {
             window->Select(selectName);
         }

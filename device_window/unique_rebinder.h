@@ -5,9 +5,9 @@
 
 #include <functional>
 
-// Has the host call the work on the user-interface thread, with a valid host: at once when it is
-// called there, later from any other thread. May outlive its maker.
+// Makes the host call the work on the user-interface thread, with a valid host: at once when it is
+// called there, otherwise later. It may outlive the window. [any]
 using UniqueRebinder = std::function<void(unique_function<void(PluginInterface*)>)>;
 
-// The host's rebinder, which takes copyable work only, for work that has one owner.
+// Adapts the host's rebinder, which accepts only copyable work, to move-only work. [ui]
 UniqueRebinder MakeUniqueRebinder(PluginInterface* pi);

@@ -10,7 +10,7 @@
 
 namespace {
 
-// What the board calls a program that came over the line, in its tracebacks.
+// The name in tracebacks of a program that the board received over the serial line.
 constexpr std::string_view kAnonymousScript = "\"<stdin>\"";
 
 }  // namespace
@@ -32,9 +32,9 @@ bool Run(PluginInterface* pi)
 
 void Stop(PluginInterface* pi)
 {
-    // "disconnect" is started first and stopped second; the order is fixed. Starting it stops what
-    // ran before, and the end of that command is what frees the port. "disconnect" itself waits for
-    // that end, so it is stopped here, as a rule, before its program has started.
+    // The order is fixed: "disconnect" is started first and stopped in the next line. Starting it
+    // stops the command that ran before, and the end of that command frees the port. "disconnect"
+    // waits for this end, so it is usually stopped before its program has started.
     const std::string path = pi->DocumentRef().path();
     Execute(pi, MPRemoteExecutable(pi) + " disconnect " + path + "\n", {}, {});
     Stop();

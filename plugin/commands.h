@@ -4,13 +4,13 @@
 
 #include <string>
 
-// The commands that a user gives. Each starts one command line of the tool and returns at once;
-// what the tool prints, its errors included, goes to the worksheet.
+// The user's commands. Each starts one command line of the tool and returns at once; the tool's
+// output, including its errors, goes to the worksheet. [ui]
 
-// Runs the runnable file on the board. False, and nothing is done, when there is none.
+// Runs the runnable file on the board. Does nothing and returns false when there is none.
 bool Run(PluginInterface* pi);
 
-// Stops what runs.
+// Stops the running command.
 void Stop(PluginInterface* pi);
 
 // Copies the runnable file to the board, under this name or, when it is empty, under its own. Does
@@ -20,10 +20,10 @@ void Upload(PluginInterface* pi, std::string name);
 // Lists the board's current directory.
 void List(PluginInterface* pi);
 
-// Shows which boards are attached and how full the board is; ports without a board are left out.
+// Shows the attached boards and the board's disk usage. Ports without a board are omitted.
 void Status(PluginInterface* pi);
 
-// Puts a copy command that is ready to be edited into the worksheet, and runs nothing.
+// Inserts a copy command for editing into the worksheet. Runs nothing.
 void DumpUpload(PluginInterface* pi);
 
 // Opens the Device window, or brings it to the front.

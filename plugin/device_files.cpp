@@ -19,8 +19,8 @@ OutputHandler LineByLine(const LineCallback& onLine)
     };
 }
 
-// A chain of deletions, kept alive by the completion of the deletion that runs. `next` itself holds
-// it weakly, so that a chain that is broken off is freed.
+// A chain of deletions, kept alive by the completion of the running deletion. `next` holds only a
+// weak pointer, so that an interrupted chain is freed.
 struct DeleteState {
     std::function<void()> next;
     std::vector<std::string> paths;

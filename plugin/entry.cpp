@@ -41,7 +41,7 @@ constexpr const char* kSettingsKey = "QuilpWindowFrame";
 
 std::int32_t AnswerLoad(PluginInterface* pi)
 {
-    // The host's own: which kind of plug-in this is, and what it can do.
+    // Defined by the host: the kind of the plug-in and its capabilities.
     pi->loadReply[0] = 19;
     pi->loadReply[1] = 5;
     return 1;
@@ -56,7 +56,7 @@ std::int32_t Register(PluginInterface* pi)
     return 1;
 }
 
-// A known command is acknowledged with 2 also when there is nothing for it to act on.
+// A known command is acknowledged with 2 even if there is no file for it to act on.
 std::int32_t PerformCommand(PluginInterface* pi)
 {
     const std::string_view name = pi->commandName != nullptr ? pi->commandName : "";

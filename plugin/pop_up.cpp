@@ -12,7 +12,7 @@ namespace {
 constexpr double kFontSize = 10;
 constexpr double kBelowControl = 6;
 
-// Names the file that a command would act on, unless it is the front document.
+// The name of the file that a command would act on, unless that is the front document.
 std::string Suffix(PluginInterface* pi)
 {
     if (IsPythonSource(pi)) {
@@ -22,7 +22,7 @@ std::string Suffix(PluginInterface* pi)
     return name.empty() ? "" : " " + name;
 }
 
-// Blanks at the end belong to the labels.
+// Trailing spaces are part of the labels.
 void AddItems(PluginInterface* pi, BMenu* menu)
 {
     if (IsDocumentOrTargetRunnable(pi)) {

@@ -7,13 +7,13 @@
 
 class BMenu;
 
-// The menu of all commands. Used on the user-interface thread.
+// The menu of all commands. [ui]
 
-// Shows the menu under the control that it was asked for with. Returns when the menu has closed and
-// the command that was chosen was given.
+// Shows the menu below the control that requested it. Returns when the menu has closed and the
+// chosen command has been started.
 void RunPopUp(PluginInterface* pi);
 
-// Adds an item with the shortcut that the host has for the command; the host is asked also for an
-// empty command name.
+// Adds an item with the host's shortcut for the command. The host is queried for an empty name as
+// well.
 void AddOneMenuItem(PluginInterface* pi, BMenu* menu, std::string label,
                     const std::function<void()>& action, const std::string& commandName);

@@ -2,13 +2,13 @@
 
 #include "PluginInterface.h"
 
-// Which file the commands act on: the front document when it is Python source, else the host's
-// current target.
+// Which file the commands act on: the front document if it is Python source, otherwise the host's
+// current target. [ui]
 
 bool IsPythonSource(PluginInterface* pi);
 
-// Whether there is a file, and it is Python source.
+// Whether there is such a file and it is Python source.
 bool IsDocumentOrTargetRunnable(PluginInterface* pi);
 
-// The file; an empty reference when there is none. A target's language is not looked at.
+// The file; an empty reference when there is none. The language of a target is not checked.
 EntryRef RunnableDocumentOrTargeRef(PluginInterface* pi);

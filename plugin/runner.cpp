@@ -24,7 +24,7 @@ void Execute(PluginInterface* pi, const std::string& commandLine, const OutputHa
 {
     ResetShell();
     const OutputHandler handler = onOutput ? onOutput : OutputHandler(WriteToWorksheet);
-    // On the shell's thread nothing of the plug-in is touched: text and handler are copied over.
+    // The shell's thread must not touch the plug-in's state, so text and handler are copied.
     auto forward = [rebind = pi->MakeRebinder(0), handler](std::string&& text) {
         rebind([handler, text = std::move(text)](PluginInterface* p) { handler(p, text); });
     };
