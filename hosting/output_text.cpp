@@ -78,7 +78,7 @@ void OutputText::TakeText(QChar c)
         state_ = State::Escape;
         return;
     }
-    if (c != u'\n' && column_ >= kLongestLine && !c.isLowSurrogate()) {
+    if (c != u'\n' && column_ >= kMaxLineLength && !c.isLowSurrogate()) {
         change_.text += u'\n';
         column_ = 0;
     }

@@ -18,7 +18,7 @@ class OutputText {
   public:
     // Longer lines are broken: a line is laid out as a whole, and one of a megabyte would hold the
     // window up for seconds.
-    static constexpr qsizetype kLongestLine = 4096;  // UTF-16 units
+    static constexpr qsizetype kMaxLineLength = 4096;  // UTF-16 units
 
     // `column` is how many units the text's last line has.
     OutputChange Feed(std::string_view bytes, qsizetype column);

@@ -37,7 +37,7 @@ inline constexpr std::array<PluginCommand, 8> kPluginCommands{{
 // Null when there is no such row: the plug-in may have commands that hosts know nothing of.
 const PluginCommand* FindCommandByName(std::string_view name);
 const PluginCommand* FindCommandByLabel(std::string_view label);
-const PluginCommand* FindCommandByBatchWord(std::string_view word);
+const PluginCommand* FindCommandByBatchName(std::string_view word);
 
 // Whether the command has a file that must be saved before; false for an unknown one.
 inline bool NeedsFile(const PluginCommand* command)

@@ -94,7 +94,7 @@ std::optional<qsizetype> FirstTooLongLine(const QString& text)
     qsizetype start = 0;
     for (qsizetype at = 0; at <= text.size(); ++at) {
         if (at == text.size() || text[at] == u'\n' || text[at] == u'\r') {
-            if (at - start > kLongestSmoothLine) {
+            if (at - start > kMaxSmoothLineLength) {
                 return CountLineEndings(text.first(start)).all() + 1;
             }
             start = at + 1;

@@ -23,7 +23,7 @@ struct LoadedText {
     TextEncoding encoding = TextEncoding::Utf8;
 };
 
-// A regular file of at most kLargestDocument bytes. What is not valid UTF-8 is Latin-1. `Encode`
+// A regular file of at most kMaxDocumentSize bytes. What is not valid UTF-8 is Latin-1. `Encode`
 // gives the file's own bytes again.
 std::expected<LoadedText, std::string> LoadText(const std::string& path);
 
@@ -32,7 +32,7 @@ std::expected<QByteArray, std::string> Encode(const QString& text, TextEncoding 
 
 // The number, from 1, of the first line that is too long to be edited smoothly: each key that is
 // typed costs the time to lay out all of its line.
-inline constexpr qsizetype kLongestSmoothLine = 100'000;  // UTF-16 units
+inline constexpr qsizetype kMaxSmoothLineLength = 100'000;  // UTF-16 units
 std::optional<qsizetype> FirstTooLongLine(const QString& text);
 
 // The one that ends the most lines; Lf when no line ends.

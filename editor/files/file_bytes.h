@@ -7,12 +7,12 @@
 
 // Whole files, read and written at once. Errors are sentences for the user. Used on any thread.
 
-inline constexpr qint64 kLargestDocument = 64LL * 1024 * 1024;  // bytes
+inline constexpr qint64 kMaxDocumentSize = 64LL * 1024 * 1024;  // bytes
 
 // The bytes of a regular file. Opens nothing else, so that neither a FIFO can hold the caller up
 // nor a serial line be reset.
 std::expected<QByteArray, std::string> ReadFileBytes(const std::string& path,
-                                                     qint64 largest = kLargestDocument);
+                                                     qint64 largest = kMaxDocumentSize);
 
 // What changes when somebody writes a file; -1 when there is none.
 struct FileStamp {

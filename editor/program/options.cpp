@@ -52,7 +52,7 @@ std::optional<BatchCommand> ParseCommand(const std::string& word)
     if (word == kHelp) {
         return ShowHelp();
     }
-    const auto* const command = FindCommandByBatchWord(word);
+    const auto* const command = FindCommandByBatchName(word);
     return command != nullptr ? std::optional<BatchCommand>(command) : std::nullopt;
 }
 

@@ -35,7 +35,7 @@ int RunEditor(const Options& options, const Files& files, const PluginModule& pl
     window.OpenFiles(documents);
     window.show();
     // To quit would ask every window once more.
-    QObject::connect(&window, &MainWindow::Ended, [] { QCoreApplication::exit(); });
+    QObject::connect(&window, &MainWindow::Closed, [] { QCoreApplication::exit(); });
     signals.SetHandler([&window](int) { window.QuitWithoutAsking(); });
     if (options.virtualBoard) {
         // The window is to be seen first.

@@ -31,7 +31,7 @@ std::optional<Bracket> BracketFor(char c)
 
 char CharacterAt(const QsciScintilla& editor, long position)
 {
-    return static_cast<char>(Ask(editor, Sci::SCI_GETCHARAT, position));
+    return static_cast<char>(Send(editor, Sci::SCI_GETCHARAT, position));
 }
 
 bool IsBracketOfCode(const QsciScintilla& editor, long position)
@@ -40,12 +40,12 @@ bool IsBracketOfCode(const QsciScintilla& editor, long position)
         return false;
     }
     const auto* const lexer = editor.lexer();
-    return lexer == nullptr || Ask(editor, Sci::SCI_GETSTYLEAT, position) == lexer->braceStyle();
+    return lexer == nullptr || Send(editor, Sci::SCI_GETSTYLEAT, position) == lexer->braceStyle();
 }
 
 std::optional<long> BracketAtCaret(const QsciScintilla& editor)
 {
-    const long caret = Ask(editor, Sci::SCI_GETCURRENTPOS);
+    const long caret = Send(editor, Sci::SCI_GETCURRENTPOS);
     for (const long position : {caret - 1, caret}) {
         if (IsBracketOfCode(editor, position)) {
             return position;
@@ -60,7 +60,7 @@ class StyledText {
     StyledText(const QsciScintilla& editor, long start, long end)
         : start_(start),
           cells_(2 * (end - start) + 2, Qt::Uninitialized),  // Two NULs end it.
-          endOfStyles_(Ask(editor, Sci::SCI_GETENDSTYLED))
+          endOfStyles_(Send(editor, Sci::SCI_GETENDSTYLED))
     {
         editor.SendScintilla(Sci::SCI_GETSTYLEDTEXT, start, end, cells_.data());
     }
@@ -88,7 +88,7 @@ std::optional<BracketMatch> MatchBracketAtCaret(const QsciScintilla& editor)
         return std::nullopt;
     }
     const auto bracket = *BracketFor(CharacterAt(editor, *position));
-    const auto style = static_cast<char>(Ask(editor, Sci::SCI_GETSTYLEAT, *position));
+    const auto style = static_cast<char>(Send(editor, Sci::SCI_GETSTYLEAT, *position));
     const bool isBackwards = bracket.direction < 0;
     const long start = isBackwards ? std::max(0L, *position - kReach) : *position;
     const long end = isBackwards ? *position + 1 : std::min(Length(editor), *position + kReach);
@@ -111,10 +111,10 @@ void MarkBracketsAtCaret(QsciScintilla& editor)
 {
     const auto match = MatchBracketAtCaret(editor);
     if (match && !match->partner) {
-        Ask(editor, Sci::SCI_BRACEBADLIGHT, match->bracket);
+        Send(editor, Sci::SCI_BRACEBADLIGHT, match->bracket);
         return;
     }
     const long none = -1;
-    Ask(editor, Sci::SCI_BRACEHIGHLIGHT, match ? match->bracket : none,
-        match ? *match->partner : none);
+    Send(editor, Sci::SCI_BRACEHIGHLIGHT, match ? match->bracket : none,
+         match ? *match->partner : none);
 }

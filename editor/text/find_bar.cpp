@@ -226,10 +226,10 @@ FoundText FindBar::Selection() const
     if (!editor_) {
         return {};
     }
-    const long start = Ask(*editor_, QsciScintilla::SCI_GETSELECTIONSTART);
-    const long end = Ask(*editor_, QsciScintilla::SCI_GETSELECTIONEND);
-    return {Ask(*editor_, QsciScintilla::SCI_COUNTCODEUNITS, 0, start),
-            Ask(*editor_, QsciScintilla::SCI_COUNTCODEUNITS, start, end)};
+    const long start = Send(*editor_, QsciScintilla::SCI_GETSELECTIONSTART);
+    const long end = Send(*editor_, QsciScintilla::SCI_GETSELECTIONEND);
+    return {Send(*editor_, QsciScintilla::SCI_COUNTCODEUNITS, 0, start),
+            Send(*editor_, QsciScintilla::SCI_COUNTCODEUNITS, start, end)};
 }
 
 bool FindBar::CanReplace()
@@ -255,7 +255,7 @@ void FindBar::Replace()
         const auto bytes = replacement->toUtf8();
         ReplaceBetween(*editor_, start, PositionOf(text, selection.start + selection.length),
                        bytes);
-        Ask(*editor_, QsciScintilla::SCI_SETEMPTYSELECTION, start + bytes.size());
+        Send(*editor_, QsciScintilla::SCI_SETEMPTYSELECTION, start + bytes.size());
     }
     FindNext();
 }

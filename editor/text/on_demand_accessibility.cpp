@@ -59,5 +59,5 @@ void OnDemandAccessibility::accessibilityActiveChanged(bool isActive)
 void OnDemandAccessibility::AnnounceChanges(bool alsoDoneOnes)
 {
     const long mask = kBeforeChange | kFolding;
-    Ask(editor_, Sci::SCI_SETMODEVENTMASK, alsoDoneOnes ? long{Sci::SC_MODEVENTMASKALL} : mask);
+    Send(editor_, Sci::SCI_SETMODEVENTMASK, alsoDoneOnes ? long{Sci::SC_MODEVENTMASKALL} : mask);
 }

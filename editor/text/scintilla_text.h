@@ -9,7 +9,7 @@
 // own functions these take and give NUL characters as any other. Used on the user-interface thread.
 
 // Scintilla's message with two numbers, where a plain 0 would be ambiguous.
-inline long Ask(const QsciScintillaBase& editor, unsigned message, long first = 0, long second = 0)
+inline long Send(const QsciScintillaBase& editor, unsigned message, long first = 0, long second = 0)
 {
     return editor.SendScintilla(message, static_cast<unsigned long>(first), second);
 }

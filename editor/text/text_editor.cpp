@@ -73,7 +73,7 @@ TextEditor::TextEditor(QWidget* parent) : QsciScintilla(parent), lexer_(new Pyth
     SetUpKeys();
     SetUpMargins();
     setIndentationGuides(true);
-    Ask(*this, SCI_SETIDLESTYLING, SC_IDLESTYLING_TOVISIBLE);
+    Send(*this, SCI_SETIDLESTYLING, SC_IDLESTYLING_TOVISIBLE);
     connect(this, &QsciScintillaBase::SCN_CHARADDED, this, &TextEditor::IndentNewLine);
     connect(this, &QsciScintillaBase::SCN_MODIFIED, this, [this](int, int type) {
         if ((type & kBeforeChange) != 0) {
@@ -128,29 +128,29 @@ void TextEditor::SetLanguage(Language language)
 
 void TextEditor::SetContent(const QString& text)
 {
-    Ask(*this, SCI_SETUNDOCOLLECTION, 0);
+    Send(*this, SCI_SETUNDOCOLLECTION, 0);
     ReplaceBetween(*this, 0, Length(*this), text.toUtf8());
-    Ask(*this, SCI_SETUNDOCOLLECTION, 1);
-    Ask(*this, SCI_EMPTYUNDOBUFFER);
+    Send(*this, SCI_SETUNDOCOLLECTION, 1);
+    Send(*this, SCI_EMPTYUNDOBUFFER);
     FollowLineCount();
     setEolMode(ModeFor(text));
     setModified(false);
-    Ask(*this, SCI_GOTOPOS, 0);
+    Send(*this, SCI_GOTOPOS, 0);
 }
 
 void TextEditor::ReplaceContent(const QString& text)
 {
     const long line = CaretLine() - 1;
-    const long column = Ask(*this, SCI_GETCURRENTPOS) - LineStart(*this, line);
-    const long firstVisible = Ask(*this, SCI_GETFIRSTVISIBLELINE);
+    const long column = Send(*this, SCI_GETCURRENTPOS) - LineStart(*this, line);
+    const long firstVisible = Send(*this, SCI_GETFIRSTVISIBLELINE);
     ReplaceBetween(*this, 0, Length(*this), text.toUtf8());
     const long start = LineStart(*this, std::min<long>(line, lines() - 1));
     const long end = LineEnd(*this, LineAt(*this, start));
     // Not inside a character.
-    const long before = Ask(*this, SCI_POSITIONBEFORE, std::min(start + column, end) + 1);
-    Ask(*this, SCI_SETEMPTYSELECTION, std::max(start, before));
+    const long before = Send(*this, SCI_POSITIONBEFORE, std::min(start + column, end) + 1);
+    Send(*this, SCI_SETEMPTYSELECTION, std::max(start, before));
     FollowLineCount();
-    Ask(*this, SCI_SETFIRSTVISIBLELINE, firstVisible);
+    Send(*this, SCI_SETFIRSTVISIBLELINE, firstVisible);
     setEolMode(ModeFor(text));
     setModified(false);
 }
@@ -167,8 +167,8 @@ QString TextEditor::Content() const
 
 std::vector<long> TextEditor::SelectedLines() const
 {
-    const long start = Ask(*this, SCI_GETSELECTIONSTART);
-    const long end = Ask(*this, SCI_GETSELECTIONEND);
+    const long start = Send(*this, SCI_GETSELECTIONSTART);
+    const long end = Send(*this, SCI_GETSELECTIONEND);
     const long first = LineAt(*this, start);
     long last = LineAt(*this, end);
     if (last > first && end == LineStart(*this, last)) {
@@ -216,10 +216,10 @@ void TextEditor::ToggleComment()
 void TextEditor::Comment(long position)
 {
     const QByteArray mark = "# ";
-    const bool isCaretHere = !hasSelectedText() && Ask(*this, SCI_GETCURRENTPOS) == position;
+    const bool isCaretHere = !hasSelectedText() && Send(*this, SCI_GETCURRENTPOS) == position;
     ReplaceBetween(*this, position, position, mark);
     if (isCaretHere) {
-        Ask(*this, SCI_SETEMPTYSELECTION, position + mark.size());
+        Send(*this, SCI_SETEMPTYSELECTION, position + mark.size());
     }
 }
 
@@ -232,14 +232,14 @@ void TextEditor::GoToLine(int line)
 
 int TextEditor::CaretLine() const
 {
-    return static_cast<int>(LineAt(*this, Ask(*this, SCI_GETCURRENTPOS))) + 1;
+    return static_cast<int>(LineAt(*this, Send(*this, SCI_GETCURRENTPOS))) + 1;
 }
 
 int TextEditor::CaretColumn() const
 {
-    const long caret = Ask(*this, SCI_GETCURRENTPOS);
+    const long caret = Send(*this, SCI_GETCURRENTPOS);
     const long start = LineStart(*this, CaretLine() - 1);
-    return static_cast<int>(Ask(*this, SCI_COUNTCHARACTERS, start, caret)) + 1;
+    return static_cast<int>(Send(*this, SCI_COUNTCHARACTERS, start, caret)) + 1;
 }
 
 // QScintilla's own way counts a colon of a few lines before, and one in a comment.
@@ -254,9 +254,9 @@ void TextEditor::IndentNewLine(int character)
     if (OpensBlock(line - 1)) {
         indent.append(kIndent, ' ');
     }
-    const long caret = Ask(*this, SCI_GETCURRENTPOS);
+    const long caret = Send(*this, SCI_GETCURRENTPOS);
     ReplaceBetween(*this, caret, caret, indent);
-    Ask(*this, SCI_GOTOPOS, caret + indent.size());
+    Send(*this, SCI_GOTOPOS, caret + indent.size());
 }
 
 bool TextEditor::OpensBlock(long line) const
@@ -266,11 +266,11 @@ bool TextEditor::OpensBlock(long line) const
     }
     const long start = LineStart(*this, line);
     long at = LineEnd(*this, line);
-    Ask(*this, SCI_COLOURISE, Ask(*this, SCI_GETENDSTYLED), at);
+    Send(*this, SCI_COLOURISE, Send(*this, SCI_GETENDSTYLED), at);
     while (at > start) {
         --at;
-        const auto c = static_cast<char>(Ask(*this, SCI_GETCHARAT, at));
-        const long style = Ask(*this, SCI_GETSTYLEAT, at);
+        const auto c = static_cast<char>(Send(*this, SCI_GETCHARAT, at));
+        const long style = Send(*this, SCI_GETSTYLEAT, at);
         const bool isComment =
             style == QsciLexerPython::Comment || style == QsciLexerPython::CommentBlock;
         if (!isComment && !IsBlank(c)) {

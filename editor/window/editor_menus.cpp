@@ -263,7 +263,7 @@ void EditorMenus::MakeWorksheetMenu()
     Add(menu, tr("&Previous Traceback Line"), QKeySequence("Shift+F4"),
         [&actions] { actions.GoToPreviousPlace(); });
     menu->addSeparator();
-    Add(menu, tr("&Clear"), QKeySequence("Ctrl+Shift+K"), [this] { parts_.worksheet.MakeEmpty(); });
+    Add(menu, tr("&Clear"), QKeySequence("Ctrl+Shift+K"), [this] { parts_.worksheet.Clear(); });
 }
 
 void EditorMenus::MakeBoardMenu()

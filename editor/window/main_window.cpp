@@ -54,7 +54,7 @@ std::vector<NamedShortcut> DefaultShortcuts()
 
 }  // namespace
 
-MainWindow::MainWindow(const PluginModule& plugin, Runtime& runtime, const EditorPlaces& places)
+MainWindow::MainWindow(const PluginModule& plugin, Runtime& runtime, const EditorPaths& places)
     : plugin_(plugin),
       runtime_(runtime),
       folders_(places.folders),
@@ -291,7 +291,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
     }
     tabs_->CloseAll();
     event->accept();
-    Q_EMIT Ended();
+    Q_EMIT Closed();
 }
 
 void MainWindow::QuitWithoutAsking()
@@ -301,7 +301,7 @@ void MainWindow::QuitWithoutAsking()
     if (!problems.isEmpty()) {
         std::fprintf(stderr, "quilp-editor: %s\n", qPrintable(problems.join("; ")));
     }
-    Q_EMIT Ended();
+    Q_EMIT Closed();
 }
 
 void MainWindow::changeEvent(QEvent* event)

@@ -27,7 +27,7 @@ class TextActions;
 class WorksheetActions;
 
 // Where the programs and files are that the editor works with.
-struct EditorPlaces {
+struct EditorPaths {
     UserFolders folders;
     std::string boardProgram;
     std::string boardFolder;  // The virtual board's files.
@@ -41,7 +41,7 @@ class MainWindow final : public QMainWindow {
 
   public:
     // `plugin` and `runtime` must outlive the window.
-    MainWindow(const PluginModule& plugin, Runtime& runtime, const EditorPlaces& places);
+    MainWindow(const PluginModule& plugin, Runtime& runtime, const EditorPaths& places);
     ~MainWindow() override;
 
     // Starts the plug-in and restores the last session. The error is a sentence.
@@ -66,7 +66,7 @@ class MainWindow final : public QMainWindow {
 
   Q_SIGNALS:
     // Everything is saved, and the program may exit.
-    void Ended();
+    void Closed();
 
   protected:
     void closeEvent(QCloseEvent* event) override;

@@ -16,7 +16,7 @@ constexpr std::size_t kPart = 65'536;            // bytes a turn
 constexpr std::size_t kMostWaiting = 8'388'608;  // bytes
 // Dropping moves the whole text, so it is done rarely.
 constexpr int kLinesAfterDrop = 95'000;
-constexpr long kBytesAfterDrop = Worksheet::kMostBytes / 16 * 15;
+constexpr long kBytesAfterDrop = Worksheet::kMaxBytes / 16 * 15;
 constexpr std::string_view kTraceback = "Traceback (most recent call last):";
 constexpr int kLinkIndicator = 8;
 constexpr int kChosenMarker = 1;
@@ -29,19 +29,19 @@ class Unannounced {
     explicit Unannounced(QsciScintilla& editor)
         : editor_(editor),
           isReadOnly_(editor.isReadOnly()),
-          mask_(Ask(editor, QsciScintilla::SCI_GETMODEVENTMASK))
+          mask_(Send(editor, QsciScintilla::SCI_GETMODEVENTMASK))
     {
-        Ask(editor_, QsciScintilla::SCI_SETMODEVENTMASK, 0);
-        Ask(editor_, QsciScintilla::SCI_SETREADONLY, 0);
-        Ask(editor_, QsciScintilla::SCI_SETUNDOCOLLECTION, 0);
+        Send(editor_, QsciScintilla::SCI_SETMODEVENTMASK, 0);
+        Send(editor_, QsciScintilla::SCI_SETREADONLY, 0);
+        Send(editor_, QsciScintilla::SCI_SETUNDOCOLLECTION, 0);
     }
     Unannounced(const Unannounced&) = delete;
     Unannounced& operator=(const Unannounced&) = delete;
     ~Unannounced()
     {
-        Ask(editor_, QsciScintilla::SCI_SETUNDOCOLLECTION, 1);
-        Ask(editor_, QsciScintilla::SCI_SETREADONLY, isReadOnly_);
-        Ask(editor_, QsciScintilla::SCI_SETMODEVENTMASK, mask_);
+        Send(editor_, QsciScintilla::SCI_SETUNDOCOLLECTION, 1);
+        Send(editor_, QsciScintilla::SCI_SETREADONLY, isReadOnly_);
+        Send(editor_, QsciScintilla::SCI_SETMODEVENTMASK, mask_);
     }
 
   private:
@@ -52,9 +52,9 @@ class Unannounced {
 
 bool IsEndInSight(const QsciScintilla& editor)
 {
-    return Ask(editor, QsciScintilla::SCI_GETFIRSTVISIBLELINE) +
-               Ask(editor, QsciScintilla::SCI_LINESONSCREEN) >=
-           Ask(editor, QsciScintilla::SCI_GETLINECOUNT);
+    return Send(editor, QsciScintilla::SCI_GETFIRSTVISIBLELINE) +
+               Send(editor, QsciScintilla::SCI_LINESONSCREEN) >=
+           Send(editor, QsciScintilla::SCI_GETLINECOUNT);
 }
 
 bool IsRunChord(const QKeyEvent& event)
@@ -80,7 +80,7 @@ Worksheet::Worksheet(QWidget* parent) : QsciScintilla(parent)
 
 void Worksheet::SetUpLinks()
 {
-    Ask(*this, SCI_MARKERDEFINE, kChosenMarker, SC_MARK_EMPTY);
+    Send(*this, SCI_MARKERDEFINE, kChosenMarker, SC_MARK_EMPTY);
     indicatorDefine(PlainIndicator, kLinkIndicator);
     setIndicatorHoverStyle(TextColorIndicator, kLinkIndicator);  // Brings the hand, too.
     ApplyLinkStyle();
@@ -114,7 +114,7 @@ void Worksheet::AppendPart()
 {
     const auto part = std::string_view(waiting_).substr(taken_, kPart);
     const long lastLine = LineStart(*this, lines() - 1);
-    const long column = Ask(*this, SCI_COUNTCODEUNITS, lastLine, Length(*this));
+    const long column = Send(*this, SCI_COUNTCODEUNITS, lastLine, Length(*this));
     const auto change = parser_.Feed(part, column);
     taken_ += part.size();
     if (taken_ >= waiting_.size() / 2) {
@@ -142,35 +142,35 @@ void Worksheet::Change(const OutputChange& change)
     const long lastLine = LineStart(*this, lines() - 1);
     if (change.erasesLastLine) {
         ReplaceBetween(*this, lastLine, Length(*this), {});
-        Ask(*this, SCI_EMPTYUNDOBUFFER);  // Its positions are no longer right.
+        Send(*this, SCI_EMPTYUNDOBUFFER);  // Its positions are no longer right.
     }
     const long oldEnd = Length(*this);
     const auto bytes = change.text.toUtf8();
     SendScintilla(SCI_APPENDTEXT, static_cast<unsigned long>(bytes.size()), bytes.constData());
     MarkLinks(lastLine, Length(*this));
     if (FirstLinkFrom(oldEnd)) {
-        Ask(*this, SCI_MARKERDELETEHANDLE, std::exchange(chosen_, -1));  // That one is old news.
+        Send(*this, SCI_MARKERDELETEHANDLE, std::exchange(chosen_, -1));  // That one is old news.
     }
     DropOldLines();
     if (follows) {
-        Ask(*this, SCI_SETFIRSTVISIBLELINE, lines());
+        Send(*this, SCI_SETFIRSTVISIBLELINE, lines());
     }
 }
 
 void Worksheet::DropOldLines()
 {
     long dropped = 0;
-    if (lines() > kMostLines) {
+    if (lines() > kMaxLines) {
         dropped = lines() - kLinesAfterDrop;
     }
-    if (Length(*this) > kMostBytes) {
+    if (Length(*this) > kMaxBytes) {
         dropped = std::max(dropped, LineAt(*this, Length(*this) - kBytesAfterDrop));
     }
     if (dropped == 0) {
         return;
     }
-    Ask(*this, SCI_DELETERANGE, 0, LineStart(*this, dropped));
-    Ask(*this, SCI_EMPTYUNDOBUFFER);
+    Send(*this, SCI_DELETERANGE, 0, LineStart(*this, dropped));
+    Send(*this, SCI_EMPTYUNDOBUFFER);
 }
 
 QString Worksheet::Content()
@@ -181,15 +181,15 @@ QString Worksheet::Content()
 
 void Worksheet::SetContent(const QString& text)
 {
-    MakeEmpty();
+    Clear();
     const Unannounced whileChanging(*this);
     ReplaceBetween(*this, 0, 0, text.toUtf8());
     MarkLinks(0, Length(*this));
     DropOldLines();
-    Ask(*this, SCI_SETFIRSTVISIBLELINE, lines());
+    Send(*this, SCI_SETFIRSTVISIBLELINE, lines());
 }
 
-void Worksheet::MakeEmpty()
+void Worksheet::Clear()
 {
     waiting_.clear();
     taken_ = 0;
@@ -198,10 +198,10 @@ void Worksheet::MakeEmpty()
     parser_ = {};
     chosen_ = -1;
     const Unannounced whileChanging(*this);
-    Ask(*this, SCI_MARKERDELETEALL, kChosenMarker);
-    Ask(*this, SCI_CLEARALL);
-    Ask(*this, SCI_EMPTYUNDOBUFFER);
-    Ask(*this, SCI_SETSCROLLWIDTH, 1);
+    Send(*this, SCI_MARKERDELETEALL, kChosenMarker);
+    Send(*this, SCI_CLEARALL);
+    Send(*this, SCI_EMPTYUNDOBUFFER);
+    Send(*this, SCI_SETSCROLLWIDTH, 1);
 }
 
 // All of the lines that the range touches.
@@ -209,8 +209,8 @@ void Worksheet::MarkLinks(long start, long end)
 {
     start = LineStart(*this, LineAt(*this, start));
     end = LineEnd(*this, LineAt(*this, end));
-    Ask(*this, SCI_SETINDICATORCURRENT, kLinkIndicator);
-    Ask(*this, SCI_INDICATORCLEARRANGE, start, end - start);
+    Send(*this, SCI_SETINDICATORCURRENT, kLinkIndicator);
+    Send(*this, SCI_INDICATORCLEARRANGE, start, end - start);
     const auto bytes = BytesBetween(*this, start, end);
     for (qsizetype at = 0; (at = bytes.indexOf("File ", at)) >= 0;) {
         const long line = LineAt(*this, start + at);
@@ -219,7 +219,7 @@ void Worksheet::MarkLinks(long start, long end)
         if (const auto link = FindSourceLink(text)) {
             const auto before = QStringView(text).first(link->start).toUtf8().size();
             const auto all = QStringView(text).first(link->start + link->length).toUtf8().size();
-            Ask(*this, SCI_INDICATORFILLRANGE, lineStart + before, all - before);
+            Send(*this, SCI_INDICATORFILLRANGE, lineStart + before, all - before);
         }
         at = LineEnd(*this, line) - start;
     }
@@ -253,22 +253,22 @@ std::optional<long> Worksheet::FirstLinkFrom(long position) const
 {
     // At the text's end Scintilla gives the value before it.
     const auto isLink = [this](long at) {
-        return at < Length(*this) && Ask(*this, SCI_INDICATORVALUEAT, kLinkIndicator, at) != 0;
+        return at < Length(*this) && Send(*this, SCI_INDICATORVALUEAT, kLinkIndicator, at) != 0;
     };
     if (isLink(position)) {
         return position;
     }
-    const long next = Ask(*this, SCI_INDICATOREND, kLinkIndicator, position);
+    const long next = Send(*this, SCI_INDICATOREND, kLinkIndicator, position);
     return next > position && isLink(next) ? std::optional(next) : std::nullopt;
 }
 
 std::optional<long> Worksheet::LastLinkBefore(long position) const
 {
     const auto startBefore = [this](long at) {
-        return Ask(*this, SCI_INDICATORSTART, kLinkIndicator, at - 1);
+        return Send(*this, SCI_INDICATORSTART, kLinkIndicator, at - 1);
     };
     const auto isLinkBefore = [this](long at) {
-        return at > 0 && Ask(*this, SCI_INDICATORVALUEAT, kLinkIndicator, at - 1) != 0;
+        return at > 0 && Send(*this, SCI_INDICATORVALUEAT, kLinkIndicator, at - 1) != 0;
     };
     if (position > 0 && !isLinkBefore(position)) {
         position = startBefore(position);
@@ -279,8 +279,8 @@ std::optional<long> Worksheet::LastLinkBefore(long position) const
 // Where it begins; the text's start when there is none.
 long Worksheet::NewestTraceback() const
 {
-    Ask(*this, SCI_SETSEARCHFLAGS, SCFIND_MATCHCASE);
-    Ask(*this, SCI_SETTARGETRANGE, Length(*this), 0);
+    Send(*this, SCI_SETSEARCHFLAGS, SCFIND_MATCHCASE);
+    Send(*this, SCI_SETTARGETRANGE, Length(*this), 0);
     const long found = SendScintilla(SCI_SEARCHINTARGET, kTraceback.size(), kTraceback.data());
     return std::max(found, 0L);
 }
@@ -288,7 +288,7 @@ long Worksheet::NewestTraceback() const
 bool Worksheet::GoToNextLink()
 {
     AppendAllThatWaits();
-    const long line = Ask(*this, SCI_MARKERLINEFROMHANDLE, chosen_);
+    const long line = Send(*this, SCI_MARKERLINEFROMHANDLE, chosen_);
     auto link = FirstLinkFrom(line < 0 ? NewestTraceback() : LineEnd(*this, line));
     if (!link) {
         link = line < 0 ? LastLinkBefore(Length(*this)) : FirstLinkFrom(0);
@@ -299,7 +299,7 @@ bool Worksheet::GoToNextLink()
 bool Worksheet::GoToPreviousLink()
 {
     AppendAllThatWaits();
-    const long line = Ask(*this, SCI_MARKERLINEFROMHANDLE, chosen_);
+    const long line = Send(*this, SCI_MARKERLINEFROMHANDLE, chosen_);
     auto link = line < 0 ? std::nullopt : LastLinkBefore(LineStart(*this, line));
     link = link ? link : LastLinkBefore(Length(*this));
     return link && ChooseLinkAt(*link);
@@ -309,13 +309,13 @@ bool Worksheet::ChooseLinkAt(long position)
 {
     const long line = LineAt(*this, position);
     const long start = LineStart(*this, line);
-    const auto column = Ask(*this, SCI_COUNTCODEUNITS, start, position);
+    const auto column = Send(*this, SCI_COUNTCODEUNITS, start, position);
     const auto link = FindSourceLink(TextBetween(*this, start, LineEnd(*this, line)), column);
     if (!link) {
         return false;
     }
-    Ask(*this, SCI_MARKERDELETEHANDLE, chosen_);
-    chosen_ = Ask(*this, SCI_MARKERADD, line, kChosenMarker);
+    Send(*this, SCI_MARKERDELETEHANDLE, chosen_);
+    chosen_ = Send(*this, SCI_MARKERADD, line, kChosenMarker);
     SelectBetween(*this, LineEnd(*this, line), start);  // A long line's start is to be seen.
     Q_EMIT LinkChosen(link->path, link->line);
     return true;
@@ -331,8 +331,8 @@ void Worksheet::Click(int position)
 
 void Worksheet::RequestRun()
 {
-    const long start = Ask(*this, SCI_GETSELECTIONSTART);
-    const long end = Ask(*this, SCI_GETSELECTIONEND);
+    const long start = Send(*this, SCI_GETSELECTIONSTART);
+    const long end = Send(*this, SCI_GETSELECTIONEND);
     const long line = LineAt(*this, start);
     const QString text = start < end
                              ? TextBetween(*this, start, end)

@@ -16,8 +16,8 @@ class Worksheet final : public QsciScintilla {
     Q_OBJECT
 
   public:
-    static constexpr int kMostLines = 100'000;
-    static constexpr long kMostBytes = 16'777'216;
+    static constexpr int kMaxLines = 100'000;
+    static constexpr long kMaxBytes = 16'777'216;
 
     explicit Worksheet(QWidget* parent = nullptr);
 
@@ -31,7 +31,7 @@ class Worksheet final : public QsciScintilla {
     // Everything, also what waits to be added.
     QString Content();
     void SetContent(const QString& text);
-    void MakeEmpty();
+    void Clear();
 
     // As Control-Return.
     void RequestRun();

@@ -83,9 +83,9 @@ TEST(DocumentFile, WhatCannotBeReadIsRefusedWithASentence)
     const TemporaryFolder folder;
     ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
     fs::create_symlink("fifo", folder / "link");
-    fs::resize_file(folder.Write("largest", ""), kLargestDocument);
-    fs::resize_file(folder.Write("larger", ""), kLargestDocument + 1);
-    EXPECT_EQ(ReadFileBytes(folder / "largest")->size(), kLargestDocument);
+    fs::resize_file(folder.Write("largest", ""), kMaxDocumentSize);
+    fs::resize_file(folder.Write("larger", ""), kMaxDocumentSize + 1);
+    EXPECT_EQ(ReadFileBytes(folder / "largest")->size(), kMaxDocumentSize);
     for (const auto& [path, reason] :
          {std::pair(folder / "missing", "cannot be read: No such file"),
           {folder.path(), "is a folder"},
@@ -186,7 +186,7 @@ TEST(DocumentFile, AFullOrReadOnlyDiskLeavesTheOldFileAndNothingElse)
 
 TEST(DocumentFile, TheFirstLineThatIsTooLongIsFound)
 {
-    const QString line(kLongestSmoothLine, 'x');
+    const QString line(kMaxSmoothLineLength, 'x');
     EXPECT_FALSE(FirstTooLongLine(line + "\r\n" + line));
     EXPECT_EQ(FirstTooLongLine("\r\n" + line + "\n" + line + "x\r"), 3);
     EXPECT_EQ(FirstTooLongLine(line + "x"), 1);

@@ -56,8 +56,8 @@ class FindBarTest : public testing::Test {
     // What is selected, as "START-END" in bytes.
     std::string selection() const
     {
-        return std::to_string(Ask(*editor, QsciScintilla::SCI_GETSELECTIONSTART)) + "-" +
-               std::to_string(Ask(*editor, QsciScintilla::SCI_GETSELECTIONEND));
+        return std::to_string(Send(*editor, QsciScintilla::SCI_GETSELECTIONSTART)) + "-" +
+               std::to_string(Send(*editor, QsciScintilla::SCI_GETSELECTIONEND));
     }
 
     // One search after another in a text, each by typed words ("=words"), a key or a button.
@@ -163,7 +163,7 @@ TEST_F(FindBarTest, AnExpressionThatFailsIsReportedAndChangesNothing)
     bar->OpenForReplace();
     for (const auto& row : rows) {
         editor->setText(row.text);
-        Ask(*editor, QsciScintilla::SCI_GOTOPOS, row.caret);
+        Send(*editor, QsciScintilla::SCI_GOTOPOS, row.caret);
         words()->setText(row.words);
         Press(row.button);
         EXPECT_TRUE(message().starts_with(row.message)) << message();

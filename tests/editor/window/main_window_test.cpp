@@ -259,7 +259,7 @@ TEST_F(EditorWindow, ANewTextGetsANameBeforeItRuns)
     ASSERT_TRUE(WaitForIdle());
     window().project().SetTarget(PathOf("answer.py"));
     window().documents().New();
-    window().worksheet().MakeEmpty();
+    window().worksheet().Clear();
     Press(Qt::Key_F5);
     EXPECT_TRUE(SheetShows("42\n")) << "the target runs while there is nothing to save";
 }
@@ -595,7 +595,7 @@ TEST_F(EditorWindow, EndsWithinASecondWhileTheBoardPrints)
 
 TEST_F(EditorWindow, AsksBeforeItShowsALineThatIsSlowToEdit)
 {
-    const std::string slow(kLongestSmoothLine + 1, '1');
+    const std::string slow(kMaxSmoothLineLength + 1, '1');
     const QString path = Write("data.py", "x = 1\n" + slow);
     Start({path});
     EXPECT_EQ(window().documents().Paths(), QStringList());
