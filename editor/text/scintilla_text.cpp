@@ -24,7 +24,7 @@ long LineEnd(const QsciScintillaBase& editor, long line)
 
 QByteArray BytesBetween(const QsciScintillaBase& editor, long start, long end)
 {
-    QByteArray bytes(end - start + 1, Qt::Uninitialized);  // A NUL ends it.
+    QByteArray bytes(end - start + 1, Qt::Uninitialized);  // Terminated by a NUL.
     editor.SendScintilla(Sci::SCI_GETTEXTRANGE, start, end, bytes.data());
     bytes.chop(1);
     return bytes;
