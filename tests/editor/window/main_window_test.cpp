@@ -391,7 +391,7 @@ TEST_F(EditorWindow, FollowsAFileThatAnotherProgramChanges)
         Press(Qt::Key_F5);
         EXPECT_EQ(Read("a.py"), "theirs, which is longer\n") << key;
     }
-    Answer("Keep Mine");
+    Answer("Keep My Changes");
     Press(Qt::Key_S, Qt::ControlModifier);
     EXPECT_EQ(Read("a.py"), "mine one and two\n");
     EXPECT_EQ(Message(), "");
@@ -399,7 +399,7 @@ TEST_F(EditorWindow, FollowsAFileThatAnotherProgramChanges)
     Type("again ");
     Write("a.py", "theirs once more\n");
     ASSERT_TRUE(MessageShows("changed"));
-    Answer("Load the File");
+    Answer("Reload");
     EXPECT_EQ(editor().Content(), "theirs once more\n");
 
     fs::remove(folder / "a.py");
@@ -477,7 +477,7 @@ TEST_F(EditorWindow, ShowsTheBoardAndWhyThereIsNone)
     const auto mayAttach = [&] {
         Q_EMIT Action("Board")->menu()->aboutToShow();
         const bool attach = Action("Attach Virtual Board")->isEnabled();
-        EXPECT_NE(attach, Action("Unplug Virtual Board")->isEnabled());
+        EXPECT_NE(attach, Action("Detach Virtual Board")->isEnabled());
         return attach;
     };
     const auto* const shown = window().findChild<QToolButton*>("board");
@@ -486,7 +486,7 @@ TEST_F(EditorWindow, ShowsTheBoardAndWhyThereIsNone)
     EXPECT_FALSE(mayAttach()) << "while it starts";
     EXPECT_TRUE(WaitUntil([&] { return shown->text() == "Virtual board"; }));
     EXPECT_FALSE(mayAttach());
-    Action("Unplug Virtual Board")->trigger();
+    Action("Detach Virtual Board")->trigger();
     EXPECT_NE(shown->text(), "Virtual board");
     EXPECT_TRUE(mayAttach());
     fs::remove_all(folder / "board");
@@ -507,7 +507,7 @@ TEST_F(EditorWindow, ReportsWhatCannotBeOpenedOrSavedAndKeepsTheText)
     Type("new ");
     fs::remove_all(folder / "gone");
     EXPECT_FALSE(window().documents().SaveFront());
-    EXPECT_TRUE(MessageShows("gone"));
+    EXPECT_TRUE(MessageShows("cannot create a file"));
     EXPECT_EQ(editor().Content(), "new old\n");
     WhenAskedPress(QMessageBox::Cancel);
     EXPECT_FALSE(Close());
