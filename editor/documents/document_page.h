@@ -34,5 +34,5 @@ class DocumentPage final : public QWidget {
     TextEditor* editor_;
     Document document_;
     std::string recoveryId_;
-    bool questionPending_ = false;  // As long as the message is shown.
+    bool questionPending_ = false;  // Valid only while the message is shown.
 };

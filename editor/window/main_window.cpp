@@ -251,7 +251,7 @@ void MainWindow::ShowPluginHelp()
     ::ShowPluginHelp(this, text);
 }
 
-// Does nothing while a dialog or menu is open.
+// Does nothing while the window is inactive or a dialog or menu is open.
 void MainWindow::CheckDisk()
 {
     if (isActiveWindow() && QApplication::activeModalWidget() == nullptr &&
