@@ -94,7 +94,7 @@ int Measure(const PluginModule& plugin, Runtime& runtime, const char* file, int 
     const StallMeter stalls;
     const Typist typist(editor);
     QApplication::exec();
-    if (floods && window.worksheet().lines() < Worksheet::kMostLines / 2) {
+    if (floods && window.worksheet().lines() < Worksheet::kMaxLines / 2) {
         std::fputs("the worksheet was not flooded\n", stderr);
         return 1;
     }

@@ -2,7 +2,7 @@
 
 #include <QIcon>
 
-// The icons of a host's actions, in the colours of the palette at the time they are painted.
+// Icons for actions. They use the colours of the palette at the time they are painted. [ui]
 enum class Action { New, Open, Save, Run, Board, Close };
 
 QIcon ActionIcon(Action action);

@@ -10,10 +10,10 @@
 
 namespace {
 
-constexpr std::chrono::seconds kLookEvery{1};
-constexpr std::chrono::milliseconds kLookAtStartEvery{10};
+constexpr std::chrono::seconds kPollInterval{1};
+constexpr std::chrono::milliseconds kStartPollInterval{10};
 
-// Linux's names for a board's own USB port and for a USB serial adapter, then macOS's.
+// The names of a board's own USB port and of a USB serial adapter on Linux and on macOS.
 constexpr std::array<std::string_view, 4> kNodes{"ttyACM", "ttyUSB", "cu.usbmodem", "cu.usbserial"};
 
 }  // namespace
@@ -21,11 +21,11 @@ constexpr std::array<std::string_view, 4> kNodes{"ttyACM", "ttyUSB", "cu.usbmode
 BoardMonitor::BoardMonitor(std::string program, std::string boardFolder, QObject* parent)
     : QObject(parent), program_(std::move(program)), boardFolder_(std::move(boardFolder))
 {
-    connect(&timer_, &QTimer::timeout, this, &BoardMonitor::Look);
-    timer_.start(kLookEvery);
-    startTimer_.setInterval(kLookAtStartEvery);
-    connect(&startTimer_, &QTimer::timeout, this, &BoardMonitor::LookAtStart);
-    Look();
+    connect(&timer_, &QTimer::timeout, this, &BoardMonitor::Poll);
+    timer_.start(kPollInterval);
+    startTimer_.setInterval(kStartPollInterval);
+    connect(&startTimer_, &QTimer::timeout, this, &BoardMonitor::PollStart);
+    Poll();
 }
 
 std::string BoardMonitor::FindRealBoard()
@@ -41,7 +41,7 @@ std::string BoardMonitor::FindRealBoard()
     return found.empty() ? std::string() : *std::ranges::min_element(found);
 }
 
-void BoardMonitor::Look()
+void BoardMonitor::Poll()
 {
     if (virtualBoard_ && !IsStarting() && !virtualBoard_->IsRunning()) {
         virtualBoard_.reset();
@@ -70,24 +70,24 @@ void BoardMonitor::AttachVirtualBoard()
     startTimer_.start();
 }
 
-void BoardMonitor::LookAtStart()
+void BoardMonitor::PollStart()
 {
     const auto isReady = virtualBoard_->CheckReady();
     if (!isReady) {
-        UnplugVirtualBoard();
+        DetachVirtualBoard();
         return Fail(isReady.error());
     }
     if (*isReady) {
         startTimer_.stop();
-        Look();
+        Poll();
     }
 }
 
-void BoardMonitor::UnplugVirtualBoard()
+void BoardMonitor::DetachVirtualBoard()
 {
     startTimer_.stop();
     virtualBoard_.reset();
-    Look();
+    Poll();
 }
 
 void BoardMonitor::Fail(const std::string& error)

@@ -9,8 +9,8 @@
 #include <optional>
 #include <string>
 
-// Which board the tool would choose: the virtual one when it is attached, else a real one. Used on
-// the user-interface thread.
+// Monitors which board the tool would use: the virtual board if it is attached, otherwise a real
+// one. [ui]
 class BoardMonitor final : public QObject {
     Q_OBJECT
 
@@ -19,35 +19,36 @@ class BoardMonitor final : public QObject {
 
     struct Board {
         Kind kind = Kind::None;
-        std::string node;  // A real board's.
+        std::string node;  // The device node of a real board.
         bool operator==(const Board&) const = default;
     };
 
-    // `program` is the virtual board's, `boardFolder` where it keeps its files.
+    // `program` is the virtual board's program, `boardFolder` contains its files.
     BoardMonitor(std::string program, std::string boardFolder, QObject* parent);
 
     const Board& board() const { return board_; }
     const std::string& boardFolder() const { return boardFolder_; }
 
-    // Becomes the board as soon as it is ready, or Failed is emitted.
+    // The virtual board becomes the board when it is ready. If it cannot be started, Failed is
+    // emitted.
     void AttachVirtualBoard();
-    // Also while it starts.
+    // True also while the virtual board is starting.
     bool HasVirtualBoard() const { return virtualBoard_.has_value(); }
-    // As if its plug was pulled.
-    void UnplugVirtualBoard();
+    // Simulates unplugging the board.
+    void DetachVirtualBoard();
 
-    // The first node of a board on USB, as far as its name tells; empty when there is none.
+    // The first device node with the name of a USB serial device; empty if there is none.
     static std::string FindRealBoard();
 
   Q_SIGNALS:
     void Changed();
-    // A sentence for the user.
+    // A message for the user.
     void Failed(const QString& error);
 
   private:
     bool IsStarting() const { return startTimer_.isActive(); }
-    void Look();
-    void LookAtStart();
+    void Poll();
+    void PollStart();
     void Fail(const std::string& error);
 
     std::string program_;

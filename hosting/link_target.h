@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-// The file that a traceback means. A board knows its own files only, by paths of its own: those are
-// looked for in the folder that holds the virtual board's files, and like all relative ones in the
-// folders where the user's own stand, in this order. Empty when there is none.
+// Finds the file that a traceback refers to. Tracebacks of a board contain paths on the board, so
+// if a path does not exist on this computer, it is searched for in the folders, in order. Returns
+// an empty path if no file is found. [any]
 std::string FindLinkedFile(const std::string& path, const std::vector<std::string>& folders);

@@ -8,12 +8,12 @@ namespace {
 
 constexpr QChar kEscape = u'\x1b';
 
-bool EndsSequence(QChar c)
+bool IsFinalByte(QChar c)
 {
     return c >= u'@' && c <= u'~';
 }
 
-bool IsInSequence(QChar c)
+bool IsParameterByte(QChar c)
 {
     return c >= u' ' && c <= u'?';
 }
@@ -22,53 +22,53 @@ bool IsInSequence(QChar c)
 
 OutputChange OutputText::Feed(std::string_view bytes, qsizetype column)
 {
-    begun_ += bytes;
-    const auto whole = WholeCharacters(begun_);
-    const auto text = QString::fromUtf8(begun_.data(), static_cast<qsizetype>(whole));
-    begun_.erase(0, whole);
+    incomplete_ += bytes;
+    const auto complete = WholeCharacters(incomplete_);
+    const auto text = QString::fromUtf8(incomplete_.data(), static_cast<qsizetype>(complete));
+    incomplete_.erase(0, complete);
     column_ = column;
     change_ = {};
     change_.text.reserve(text.size());
     for (const QChar c : text) {
-        Take(c);
+        Process(c);
     }
     return std::move(change_);
 }
 
-void OutputText::Take(QChar c)
+void OutputText::Process(QChar c)
 {
     switch (std::exchange(state_, State::Text)) {
-        case State::Text: TakeText(c); return;
+        case State::Text: AppendCharacter(c); return;
         case State::CarriageReturn:
             if (c == u'\r') {
                 state_ = State::CarriageReturn;
                 return;
             }
             if (c != u'\n') {
-                StartLineAnew();
+                RestartLine();
             }
-            TakeText(c);
+            AppendCharacter(c);
             return;
         case State::Escape:
             if (c == u'[') {
-                state_ = State::Sequence;
+                state_ = State::ControlSequence;
                 return;
             }
             change_.text += kEscape;
             ++column_;
-            TakeText(c);
+            AppendCharacter(c);
             return;
-        case State::Sequence:
-            if (IsInSequence(c)) {
-                state_ = State::Sequence;
-            } else if (!EndsSequence(c)) {
-                TakeText(c);  // It was broken off.
+        case State::ControlSequence:
+            if (IsParameterByte(c)) {
+                state_ = State::ControlSequence;
+            } else if (!IsFinalByte(c)) {
+                AppendCharacter(c);  // The sequence was aborted.
             }
             return;
     }
 }
 
-void OutputText::TakeText(QChar c)
+void OutputText::AppendCharacter(QChar c)
 {
     if (c == u'\r') {
         state_ = State::CarriageReturn;
@@ -78,7 +78,7 @@ void OutputText::TakeText(QChar c)
         state_ = State::Escape;
         return;
     }
-    if (c != u'\n' && column_ >= kLongestLine && !c.isLowSurrogate()) {
+    if (c != u'\n' && column_ >= kMaxLineLength && !c.isLowSurrogate()) {
         change_.text += u'\n';
         column_ = 0;
     }
@@ -86,7 +86,7 @@ void OutputText::TakeText(QChar c)
     column_ = c == u'\n' ? 0 : column_ + 1;
 }
 
-void OutputText::StartLineAnew()
+void OutputText::RestartLine()
 {
     const auto line = change_.text.lastIndexOf(u'\n') + 1;
     change_.erasesLastLine = change_.erasesLastLine || line == 0;

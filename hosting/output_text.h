@@ -5,32 +5,32 @@
 #include <string>
 #include <string_view>
 
-// What a piece of output does to the end of a text.
+// The effect of a chunk of output on the end of a text.
 struct OutputChange {
-    bool erasesLastLine = false;  // First.
-    QString text;                 // Then this is added.
+    bool erasesLastLine = false;  // Applied before `text` is appended.
+    QString text;
 };
 
-// Output of programs as plain text: UTF-8 and control sequences, which pieces may cut anywhere.
-// Invalid bytes become U+FFFD, "\r\n" becomes "\n", sequences for colours and the like are left
-// out, and a lone "\r" has what follows take the last line's place. Used on one thread.
+// Converts the output of programs to plain text. Chunks may split UTF-8 characters and control
+// sequences anywhere. Invalid bytes become U+FFFD, "\r\n" becomes "\n", control sequences are
+// removed, and after a single "\r" the text replaces the last line. Not thread-safe.
 class OutputText {
   public:
-    // Longer lines are broken: a line is laid out as a whole, and one of a megabyte would hold the
-    // window up for seconds.
-    static constexpr qsizetype kLongestLine = 4096;  // UTF-16 units
+    // Longer lines are split: a line is laid out as a whole, and one of a megabyte would block the
+    // window for seconds.
+    static constexpr qsizetype kMaxLineLength = 4096;  // UTF-16 units
 
-    // `column` is how many units the text's last line has.
+    // `column` is the length of the text's last line in UTF-16 units.
     OutputChange Feed(std::string_view bytes, qsizetype column);
 
   private:
-    enum class State { Text, CarriageReturn, Escape, Sequence };
+    enum class State { Text, CarriageReturn, Escape, ControlSequence };
 
-    void Take(QChar c);
-    void TakeText(QChar c);
-    void StartLineAnew();
+    void Process(QChar c);
+    void AppendCharacter(QChar c);
+    void RestartLine();
 
-    std::string begun_;  // The beginning of a character.
+    std::string incomplete_;  // The first bytes of a character.
     State state_ = State::Text;
     OutputChange change_;
     qsizetype column_ = 0;

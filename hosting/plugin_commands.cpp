@@ -25,9 +25,9 @@ const PluginCommand* FindCommandByLabel(std::string_view label)
     return FindIf([=](const auto& row) { return label.starts_with(row.menuLabel); });
 }
 
-const PluginCommand* FindCommandByBatchWord(std::string_view word)
+const PluginCommand* FindCommandByBatchName(std::string_view name)
 {
-    return FindIf([=](const auto& row) { return !word.empty() && row.batchWord == word; });
+    return FindIf([=](const auto& row) { return !name.empty() && row.batchName == name; });
 }
 
 QString CommandLabel(const RegisteredCommand& command)

@@ -6,18 +6,18 @@
 #include <string>
 #include <string_view>
 
-// The plug-in's commands as hosts present them: a new command needs one row here.
+// A command of the plug-in as hosts present it. [any]
 
 struct PluginCommand {
-    // The name under which the plug-in registers the command; empty when it exists in the plug-in's
-    // menu only.
+    // The name under which the plug-in registers the command; empty if the command exists only in
+    // the plug-in's menu.
     std::string_view name;
-    // What its label in that menu begins with; the whole label when the command has no name.
+    // The beginning of its label in that menu; the whole label if the command has no name.
     std::string_view menuLabel;
-    // The command in batch mode; empty when it needs windows.
-    std::string_view batchWord;
+    // The name in batch mode; empty if the command needs windows.
+    std::string_view batchName;
     const char* defaultShortcut;
-    // Whether it acts on the front document or the target, which must be saved before.
+    // Whether it acts on the front document or the target, which must be saved first.
     bool needsFile;
 };
 
@@ -34,12 +34,12 @@ inline constexpr std::array<PluginCommand, 8> kPluginCommands{{
     {"", kOpenDeviceWindow, "", "", false},
 }};
 
-// Null when there is no such row: the plug-in may have commands that hosts know nothing of.
+// Return null if there is no such row: the plug-in may have commands that are unknown to hosts.
 const PluginCommand* FindCommandByName(std::string_view name);
 const PluginCommand* FindCommandByLabel(std::string_view label);
-const PluginCommand* FindCommandByBatchWord(std::string_view word);
+const PluginCommand* FindCommandByBatchName(std::string_view name);
 
-// Whether the command has a file that must be saved before; false for an unknown one.
+// Whether the command acts on a file that must be saved first; false for an unknown command.
 inline bool NeedsFile(const PluginCommand* command)
 {
     return command != nullptr && command->needsFile;
@@ -51,6 +51,5 @@ struct RegisteredCommand {
     std::string description;
 };
 
-// How a menu shows a registered command: its name as words, without the prefix that all names
-// share.
+// The label of a registered command in menus: its name split into words, without the common prefix.
 QString CommandLabel(const RegisteredCommand& command);

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::uint32_t kPlainText = 0;
 
-// The plug-in can only ask for the target that would run now, so the handle is always the same.
+// The plug-in can request only the target that would run now, so one handle is sufficient.
 constexpr std::uint32_t kOnlyTarget = 1;
 
 std::uint32_t LanguageOf(const EntryRef& ref)
@@ -35,7 +35,7 @@ PluginHost::PluginHost(const PluginModule& plugin, Runtime& runtime, Worksheet w
     bundle = plugin.bundle();
 }
 
-// 0, as for an unknown message, when the plug-in throws an exception.
+// Returns 0, as for an unknown message, if the plug-in throws an exception.
 std::int32_t PluginHost::Send(int message)
 {
     std::int32_t reply = 0;
@@ -46,7 +46,7 @@ std::int32_t PluginHost::Send(int message)
 std::expected<void, std::string> PluginHost::Start()
 {
     if (const auto reply = Send(kLoad); reply != 1) {
-        return std::unexpected("the plug-in rejected this host: it answered " +
+        return std::unexpected("the plug-in rejected this host: it returned " +
                                std::to_string(reply));
     }
     Send(kRegister);
@@ -116,7 +116,7 @@ bool PluginHost::PerformFromMenu(const std::string& label)
         known = found != items.end();
         return known ? found->get() : nullptr;
     };
-    bool performed = false;  // Without an exception.
+    bool performed = false;  // Set only if no exception is thrown.
     Runtime::Protect([&] {
         plugin_.Main(kPopUpRequested, this);
         performed = known;

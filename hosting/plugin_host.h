@@ -13,57 +13,58 @@
 
 class SettingsStore;
 
-// The host editor as the plug-in sees it: it answers the plug-in's questions and sends it messages.
-// Exceptions that the plug-in throws meanwhile go to the Runtime's error handler. Used on the
-// user-interface thread; must outlive the Runtime's last task.
+// The host editor's side of the plug-in interface: answers the plug-in's requests and sends it
+// messages. Exceptions that the plug-in throws are passed to the Runtime's error handler. Must
+// outlive the Runtime's last task. [ui]
 class PluginHost final : public PluginInterface {
   public:
     using Worksheet = std::function<void(const std::string& text)>;
-    // Key and modifiers of a command, see ShortcutCode.
+    // Returns the key and the modifiers of a command (see ShortcutCode).
     using FindShortcut = std::function<std::pair<std::uint32_t, std::uint32_t>(const std::string&)>;
 
     // `plugin` and `runtime` must outlive this object. `widget` is the editor's window, not owned;
-    // null when there is none.
+    // null if there is none.
     PluginHost(const PluginModule& plugin, Runtime& runtime, Worksheet worksheet,
                QWidget* widget = nullptr);
 
-    // Where the plug-in's settings lines are kept; null for nowhere. Not owned. Before Start.
+    // Stores the plug-in's settings; null to discard them. Not owned. Call it before Start.
     void SetSettings(SettingsStore* settings) { settings_ = settings; }
-    // Without it the commands have no shortcuts.
+    // Sets the source of the commands' shortcuts. Without it, commands have none.
     void SetShortcuts(FindShortcut find) { findShortcut_ = std::move(find); }
 
-    // Full paths; empty for none. The user's target has priority over the project's.
+    // Full paths; empty if there is none. The user's target takes precedence over the project's.
     void SetDocument(std::string path) { document_ = EntryRef(std::move(path)); }
     void SetTarget(std::string path) { target_ = EntryRef(std::move(path)); }
     void SetProjectTarget(std::string path) { projectTarget_ = EntryRef(std::move(path)); }
 
-    // Starts the plug-in: it must accept the host, registers its commands and reads its settings.
-    // The error is a sentence.
+    // Starts the plug-in, which must accept the host, registers its commands and reads its
+    // settings. The error is a message for the user.
     std::expected<void, std::string> Start();
 
     const std::vector<RegisteredCommand>& commands() const { return commands_; }
 
-    // Makes the plug-in perform a registered command. False when it does not know it.
+    // Makes the plug-in perform a registered command. Returns false if the command is unknown.
     bool Perform(const std::string& command);
-    // The same for any command of the table.
+    // Does the same for any command in kPluginCommands.
     bool Perform(const PluginCommand& command);
 
-    // The names of the controls that the plug-in offers for the front document as it is now.
+    // The names of the controls that the plug-in offers for the current front document.
     std::vector<std::string> OfferedControls();
-    // As a click on such a control.
+    // Reports a click on such a control to the plug-in.
     void PressControl();
-    // As a click on its arrow; returns when the menu has closed. The control's frame is in the
-    // window's coordinates. `mayPerform` is called with the label of the item that the user chose.
+    // Opens the plug-in's menu below a control, and returns when the menu has closed. The control's
+    // frame is in the window's coordinates. `mayPerform` is called with the label of the item that
+    // the user chose, and can prevent the action.
     void OpenPopUp(BRect control, std::function<bool(const std::string& label)> mayPerform);
 
-    // Chooses from the plug-in's menu without showing it. False when no item has this label, or its
-    // action threw an exception.
+    // Performs an item of the plug-in's menu without showing it. Returns false if no item has this
+    // label, or if its action threw an exception.
     bool PerformFromMenu(const std::string& label);
 
-    // Makes the plug-in write its settings lines, and saves them. The error is a sentence.
+    // Makes the plug-in write its settings, and saves them. The error is a message for the user.
     std::expected<void, std::string> SaveSettings();
 
-    // Whether a command that acts on a file would find one.
+    // Whether there is a Python document or target that a command can act on.
     bool HasRunnable() const;
 
     void AddButton(const std::string& name, void* pluginBundle) override;

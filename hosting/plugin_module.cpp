@@ -14,7 +14,7 @@ std::expected<PluginModule, std::string> PluginModule::Load(const std::string& f
     std::error_code error;
     const auto path = std::filesystem::canonical(file, error);
     if (error) {
-        return std::unexpected("there is no plug-in " + file);
+        return std::unexpected("the plug-in " + file + " does not exist");
     }
     PluginModule module;
     module.handle_.reset(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL));

@@ -8,15 +8,14 @@
 #include <memory>
 #include <string>
 
-// A loaded plug-in: its two entry points and its bundle. Owned by the host, used on the
-// user-interface thread, destroyed after the Runtime, so that nothing of the plug-in's is still
-// under way.
+// A loaded plug-in: its entry points and its bundle. Owned by the host, which must destroy it after
+// the Runtime, so that no code of the plug-in is still running. [ui]
 class PluginModule {
   public:
-    // `file` is the module; its folder is the bundle. The error is a sentence.
+    // `file` is the module; its folder is the bundle. The error is a message for the user.
     static std::expected<PluginModule, std::string> Load(const std::string& file);
 
-    // The plug-in's answer to a message.
+    // Sends a message to the plug-in and returns its reply.
     std::int32_t Main(int message, PluginInterface* pi) const { return main_(message, pi); }
     std::string Help() const { return help_(); }
 

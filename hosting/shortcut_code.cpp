@@ -5,7 +5,7 @@
 
 namespace {
 
-// 0 when the key has no code.
+// Returns 0 if the key has no code.
 std::uint32_t KeyCode(Qt::Key key)
 {
     if (key >= Qt::Key_F1 && key <= Qt::Key_F31) {

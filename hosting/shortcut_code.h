@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <utility>
 
-// A shortcut as PluginInterface::CommandShortcut returns it: key and modifiers. The key is a
-// Latin-1 character, a letter as its capital, or for the function key Fn kFunctionKeyBase + n
-// (host/Menu.h); the modifiers are those of modifiers(). Key 0 when there is no shortcut, or none
-// that a menu item can show: one of several chords, or a key without a code.
+// Encodes a shortcut for PluginInterface::CommandShortcut as key and modifiers. The key is an
+// upper-case Latin-1 character, or kFunctionKeyBase + n (host/Menu.h) for the function key Fn; the
+// modifiers are those of modifiers(). The key is 0 if there is no shortcut or it cannot be encoded:
+// a sequence of several keys, or any other key. [any]
 std::pair<std::uint32_t, std::uint32_t> ShortcutCode(const QKeySequence& keys);

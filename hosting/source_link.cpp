@@ -4,9 +4,9 @@
 
 namespace {
 
-constexpr qsizetype kWordAndBlank = 5;  // "File "
+constexpr qsizetype kPrefixLength = 5;  // "File "
 
-// A quoted path goes on up to a quote before the comma.
+// A quoted path must be followed by its closing quote.
 bool IsWhole(QStringView path)
 {
     return !path.startsWith(u'"') || (path.size() > 1 && path.endsWith(u'"'));
@@ -31,8 +31,8 @@ bool Contains(const SourceLink& link, qsizetype column)
 
 std::optional<SourceLink> FindSourceLink(const QString& line, qsizetype column)
 {
-    // The two ends of a link, each by itself: one pattern from end to end would take a time that
-    // grows with the square of a board's line.
+    // Matches the start and the end of a link separately: with one pattern for the whole link, the
+    // time would grow quadratically with the length of the line.
     static const QRegularExpression ends(R"(\bFile (?=["/])|, line (\d+)(?=[,;:)\s]|\.?$|\.\s))");
     qsizetype start = -1;
     for (auto it = ends.globalMatch(line); it.hasNext();) {
@@ -45,13 +45,13 @@ std::optional<SourceLink> FindSourceLink(const QString& line, qsizetype column)
             continue;
         }
         const auto path =
-            QStringView(line).first(match.capturedStart()).sliced(start + kWordAndBlank);
+            QStringView(line).first(match.capturedStart()).sliced(start + kPrefixLength);
         if (!IsWhole(path)) {
             continue;
         }
         SourceLink link{WithoutQuotes(path).toString(), match.captured(1).toInt(), start,
                         match.capturedEnd(1) - start};
-        // A number that is too large counts as 0.
+        // toInt returns 0 if the number is too large.
         if (IsFile(link.path) && link.line > 0 && (column < 0 || Contains(link, column))) {
             return link;
         }

@@ -4,7 +4,7 @@
 
 UserFolders UserFolders::OfUser()
 {
-    const std::string own = "/quilp";
-    return {g_get_user_config_dir() + own, g_get_user_data_dir() + own,
-            g_get_user_state_dir() + own};
+    const std::string subfolder = "/quilp";
+    return {g_get_user_config_dir() + subfolder, g_get_user_data_dir() + subfolder,
+            g_get_user_state_dir() + subfolder};
 }

@@ -2,12 +2,11 @@
 
 #include <string>
 
-// Where a host keeps what belongs to this user, in the XDG base directories. None of the folders
-// need exist.
+// The folders for this user's files, in the XDG base directories. They need not exist. [any]
 struct UserFolders {
     std::string config;  // Settings.
     std::string data;
-    std::string state;  // What the editor looked like last, and copies of unsaved text.
+    std::string state;  // The worksheet, and copies of unsaved text.
 
     static UserFolders OfUser();
 

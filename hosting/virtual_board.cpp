@@ -12,12 +12,12 @@
 
 namespace {
 
-// The tool's launcher looks for a virtual board at this path.
+// The variable with the path at which the tool's launcher searches for a virtual board.
 constexpr const char* kLinkVariable = "QUILP_VIRTUAL_BOARD";
 
-constexpr std::chrono::seconds kStartPatience{10};
-constexpr std::chrono::milliseconds kEndPatience{500};
-constexpr std::chrono::duration<int, std::milli> kLookEvery{100};
+constexpr std::chrono::seconds kStartTimeout{10};
+constexpr std::chrono::milliseconds kStopTimeout{500};
+constexpr std::chrono::duration<int, std::milli> kPollInterval{100};
 
 std::string MakePrivateFolder()
 {
@@ -37,7 +37,7 @@ std::string LinkIn(const std::string& folder)
 VirtualBoard::VirtualBoard(ChildProcess process, std::string linkFolder)
     : process_(std::move(process)),
       linkFolder_(std::move(linkFolder)),
-      latest_(std::chrono::steady_clock::now() + kStartPatience)
+      deadline_(std::chrono::steady_clock::now() + kStartTimeout)
 {
 }
 
@@ -46,31 +46,32 @@ std::expected<VirtualBoard, std::string> VirtualBoard::Start(const std::string& 
 {
     const std::string linkFolder = MakePrivateFolder();
     if (linkFolder.empty()) {
-        return std::unexpected("no temporary folder can be made for the virtual board");
+        return std::unexpected(
+            "The virtual board cannot be started: cannot create a temporary folder");
     }
     auto process = ChildProcess::Start(
         {program, "--parent", std::to_string(getpid()), "--link", LinkIn(linkFolder), "--", folder},
         CurrentEnvironment());
     if (!process) {
         std::filesystem::remove(linkFolder);
-        return std::unexpected("the virtual board cannot be started: " + process.error());
+        return std::unexpected("The virtual board cannot be started: " + process.error());
     }
     return VirtualBoard(std::move(*process), linkFolder);
 }
 
 std::expected<bool, std::string> VirtualBoard::CheckReady()
 {
-    // Asked first, so that nothing is said after it.
-    const bool isOver = process_.HasExited() || std::chrono::steady_clock::now() >= latest_;
-    said_ += ReadAvailable(process_.outputFd());
-    const auto end = said_.find('\n');
+    // Checked before reading, so that all output of a finished process is read.
+    const bool isOver = process_.HasExited() || std::chrono::steady_clock::now() >= deadline_;
+    output_ += ReadAvailable(process_.outputFd());
+    const auto end = output_.find('\n');
     if (end == std::string::npos && !isOver) {
         return false;
     }
-    const std::string line = said_.substr(0, end);
+    const std::string line = output_.substr(0, end);
     if (!line.starts_with("/dev/")) {
-        return std::unexpected("the virtual board did not start: " +
-                               (line.empty() ? "it says nothing" : line));
+        return std::unexpected("The virtual board did not start: " +
+                               (line.empty() ? "it printed nothing" : line));
     }
     setenv(kLinkVariable, LinkIn(linkFolder_).c_str(), 1);
     return true;
@@ -85,16 +86,16 @@ std::expected<void, std::string> VirtualBoard::WaitUntilReady()
             return {};
         }
         pollfd output{process_.outputFd(), POLLIN, 0};
-        poll(&output, 1, kLookEvery.count());
+        poll(&output, 1, kPollInterval.count());
     }
 }
 
 VirtualBoard::~VirtualBoard()
 {
     if (linkFolder_.empty()) {
-        return;  // Moved away.
+        return;  // Moved from.
     }
-    process_.Terminate(kEndPatience);
+    process_.Terminate(kStopTimeout);
     unsetenv(kLinkVariable);
     std::error_code ignored;
     std::filesystem::remove_all(linkFolder_, ignored);

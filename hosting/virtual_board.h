@@ -6,24 +6,27 @@
 #include <expected>
 #include <string>
 
-// The virtual board that the editor has started. While it lives, the tools that the editor starts
-// see the board among the serial ports. It ends with this object, and with the editor's process.
+// The process of a virtual board. While it is running, tools that the editor starts find the board
+// among the serial devices. It is stopped when this object is destroyed, and exits when the
+// editor's process does. [ui]
 class VirtualBoard {
   public:
-    // Does not wait until the board is ready. Errors are sentences.
+    // Starts the process without waiting until the board is ready. Errors are messages for the
+    // user.
     static std::expected<VirtualBoard, std::string> Start(const std::string& program,
                                                           const std::string& folder);
     VirtualBoard(VirtualBoard&&) = default;
     VirtualBoard& operator=(VirtualBoard&&) = delete;
     ~VirtualBoard();
 
-    // Whether the board is ready, from which on the tools see it. An error when it never will be,
-    // as after a few seconds. Not to be asked any more after either answer.
+    // Whether the board is ready, so that tools find it. An error if the process has exited or is
+    // not ready after a few seconds. Must not be called again after it has returned true or an
+    // error.
     std::expected<bool, std::string> CheckReady();
-    // Waits for that answer.
+    // Waits until the board is ready.
     std::expected<void, std::string> WaitUntilReady();
 
-    // False once its program has ended by itself.
+    // False if the process has exited by itself.
     bool IsRunning() const { return !process_.HasExited(); }
 
   private:
@@ -31,6 +34,6 @@ class VirtualBoard {
 
     ChildProcess process_;
     std::string linkFolder_;
-    std::string said_;
-    std::chrono::steady_clock::time_point latest_;  // That it may become ready.
+    std::string output_;
+    std::chrono::steady_clock::time_point deadline_;  // For becoming ready.
 };

@@ -47,18 +47,18 @@ std::expected<Document::File, std::string> Document::Read(const std::string& pat
     return File{path, std::move(*content), before};
 }
 
-// All but the text.
-void Document::TakeOver(const File& file)
+// Adopts everything but the text.
+void Document::Adopt(const File& file)
 {
     stamp_ = file.stamp;
     encoding_ = file.content.encoding;
     unsaved_ = false;
 }
 
-void Document::Show(const File& file)
+void Document::Load(const File& file)
 {
     SetPath(file.path);
-    TakeOver(file);
+    Adopt(file);
     editor_.SetContent(file.content.text);
 }
 
@@ -68,11 +68,11 @@ std::expected<void, std::string> Document::Reload()
     if (!file) {
         return std::unexpected(file.error());
     }
-    // One that is there already was asked for.
+    // Accepted if the user has already opened the document with such a line.
     if (FirstTooLongLine(file->content.text) && !FirstTooLongLine(editor_.Content())) {
-        return std::unexpected(path_ + " has a line now that is too long to be edited smoothly");
+        return std::unexpected(path_ + " now has a line that is too long to edit smoothly");
     }
-    TakeOver(*file);
+    Adopt(*file);
     editor_.ReplaceContent(file->content.text);
     return {};
 }
@@ -106,16 +106,16 @@ std::expected<void, std::string> Document::SaveAs(const std::string& path)
     return {};
 }
 
-Document::Disk Document::CheckDisk() const
+Document::DiskState Document::CheckDisk() const
 {
     if (path_.empty()) {
-        return Disk::Same;
+        return DiskState::Unchanged;
     }
     const auto now = FileStamp::Of(path_);
     if (now == stamp_) {
-        return Disk::Same;
+        return DiskState::Unchanged;
     }
-    return now == FileStamp() ? Disk::Gone : Disk::Changed;
+    return now == FileStamp() ? DiskState::Deleted : DiskState::Changed;
 }
 
 void Document::AcceptDisk()

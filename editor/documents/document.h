@@ -10,56 +10,56 @@
 
 class TextEditor;
 
-// One document: the file that an editor's text comes from and goes to, and what the file held then.
-// Errors are sentences for the user. Used on the user-interface thread.
+// A document: the file of an editor's text, and the state of that file when it was last read or
+// saved. Errors are messages for the user. [ui]
 class Document {
   public:
-    enum class Disk { Same, Changed, Gone };
+    enum class DiskState { Unchanged, Changed, Deleted };
 
-    // A new text, which has no file yet. `editor` is not owned and must outlive this object.
+    // Creates a document without a file. `editor` is not owned and must outlive this object.
     Document(TextEditor& editor, QString name);
 
-    // Full; empty for none yet.
+    // The full path of the file; empty if there is none yet.
     const std::string& path() const { return path_; }
-    // The file's, or the one given.
+    // The name of the file, or the one passed to the constructor.
     QString Name() const;
-    // As its name tells.
+    // Decided by the extension of the name.
     bool IsPython() const;
     TextEncoding encoding() const { return encoding_; }
     void SetEncoding(TextEncoding encoding) { encoding_ = encoding; }
-    // Whether the editor holds what the disk does not.
+    // Whether there are unsaved changes.
     bool IsModified() const;
-    // For a text that has lost its file.
+    // Marks the document as modified although the text was not edited: its file no longer exists.
     void MarkUnsaved() { unsaved_ = true; }
-    // New, empty and never touched: another may take its place.
+    // Whether the document has no file, no text and no changes, so that another may replace it.
     bool IsPristine() const;
 
-    // A file as it was read.
+    // The content of a file, and its stamp from before it was read.
     struct File {
         std::string path;
         LoadedText content;
         FileStamp stamp;
     };
     static std::expected<File, std::string> Read(const std::string& path);
-    // Only of a pristine one.
-    void Show(const File& file);
-    // The file's text in place of the editor's, which can be undone.
+    // Shows a file in a pristine document.
+    void Load(const File& file);
+    // Replaces the text with the content of the file. This can be undone.
     std::expected<void, std::string> Reload();
-    // Takes over a copy that a crash has left, which can be undone. It counts as modified, and what
-    // other programs have done to the file since then as a change.
+    // Replaces the text with a copy that a crashed editor left. This can be undone. The document is
+    // then modified, and changes that other programs made to the file since the copy are detected.
     void Recover(const RecoveryCopy& copy);
 
     std::expected<void, std::string> SaveAs(const std::string& path);
 
-    // Whether the file is still as it was read or saved last.
-    Disk CheckDisk() const;
-    // Takes the file for known as it is now: the next save writes over it.
+    // Compares the file with its state when it was last read or saved.
+    DiskState CheckDisk() const;
+    // Accepts the current state of the file, so that the next save overwrites it.
     void AcceptDisk();
 
     RecoveryCopy Copy() const;
 
   private:
-    void TakeOver(const File& file);
+    void Adopt(const File& file);
     void SetPath(const std::string& path);
 
     TextEditor& editor_;
@@ -67,5 +67,5 @@ class Document {
     std::string path_;
     TextEncoding encoding_ = TextEncoding::Utf8;
     FileStamp stamp_;
-    bool unsaved_ = false;  // Whatever the editor says.
+    bool unsaved_ = false;  // Modified regardless of the editor's state.
 };

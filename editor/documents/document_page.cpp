@@ -19,10 +19,10 @@ DocumentPage::DocumentPage(const QString& name, std::string recoveryId)
     column->addWidget(messages_);
     column->addWidget(editor_, 1);
     setFocusProxy(editor_);
-    editor_->SetLanguage(TextEditor::Language::Python);  // Which most new texts become.
+    editor_->SetLanguage(TextEditor::Language::Python);  // The language of most new documents.
 }
 
-void DocumentPage::DropMessage()
+void DocumentPage::HideMessage()
 {
     messages_->hide();
 }
@@ -30,15 +30,16 @@ void DocumentPage::DropMessage()
 void DocumentPage::CheckDisk(const std::function<void()>& onChange)
 {
     const auto disk = document_.CheckDisk();
-    if (disk == Document::Disk::Same || (asks_ && messages_->IsAsking())) {
+    if (disk == Document::DiskState::Unchanged || (questionPending_ && messages_->IsShowing())) {
         return;
     }
-    asks_ = false;
-    if (disk == Document::Disk::Gone) {
+    questionPending_ = false;
+    if (disk == Document::DiskState::Deleted) {
         document_.AcceptDisk();
         document_.MarkUnsaved();
-        messages_->Ask(tr("The file is gone from the disk. Saving writes it again."),
-                       {{tr("OK"), [] {}}});
+        messages_->ShowMessage(
+            tr("The file no longer exists on disk. Saving will create it again."),
+            {{tr("OK"), [] {}}});
     } else if (document_.IsModified()) {
         AskAboutChange(onChange);
     } else {
@@ -52,19 +53,20 @@ void DocumentPage::Reload()
     if (const auto reloaded = document_.Reload(); !reloaded) {
         document_.AcceptDisk();
         document_.MarkUnsaved();
-        messages_->Ask(QString::fromStdString(reloaded.error()), {{tr("OK"), [] {}}});
+        messages_->ShowMessage(QString::fromStdString(reloaded.error()), {{tr("OK"), [] {}}});
     }
 }
 
-// Until there is an answer the file counts as changed, and saving asks as well.
+// Until the user answers, the file remains marked as changed, and saving asks as well.
 void DocumentPage::AskAboutChange(const std::function<void()>& onChange)
 {
-    asks_ = true;
-    messages_->Ask(tr("Another program has changed the file, and there are unsaved changes here."),
-                   {{tr("Load the File"),
-                     [this, onChange] {
-                         Reload();
-                         onChange();
-                     }},
-                    {tr("Keep Mine"), [this] { document_.AcceptDisk(); }}});
+    questionPending_ = true;
+    messages_->ShowMessage(
+        tr("Another program has changed the file, but the document has unsaved changes."),
+        {{tr("Reload"),
+          [this, onChange] {
+              Reload();
+              onChange();
+          }},
+         {tr("Keep My Changes"), [this] { document_.AcceptDisk(); }}});
 }

@@ -8,22 +8,22 @@
 
 class MessageBar;
 
-// One tab: a document, its editor, and what there is to say about it. Used on the user-interface
-// thread.
+// The content of a tab: a document, its editor, and messages about its file. [ui]
 class DocumentPage final : public QWidget {
   public:
-    // `name` is shown until the document has a file, `recoveryId` stands for its recovery copy.
+    // `name` is shown until the document has a file, `recoveryId` identifies its recovery copy.
     DocumentPage(const QString& name, std::string recoveryId);
 
     TextEditor& editor() { return *editor_; }
     Document& document() { return document_; }
-    // When what was said or asked about the file holds no more.
-    void DropMessage();
+    // Hides the message about the file when it no longer applies.
+    void HideMessage();
     const std::string& recoveryId() const { return recoveryId_; }
     void SetRecoveryId(std::string id) { recoveryId_ = std::move(id); }
 
-    // Looks whether somebody else has written the file. A document without changes of its own
-    // follows the file; else the user is asked. `onChange` is called when something came of it.
+    // Checks whether another program has changed the file. If so, an unmodified document is
+    // reloaded, and for a modified one the user is asked. `onChange` is called when the document's
+    // state has changed.
     void CheckDisk(const std::function<void()>& onChange);
 
   private:
@@ -34,5 +34,5 @@ class DocumentPage final : public QWidget {
     TextEditor* editor_;
     Document document_;
     std::string recoveryId_;
-    bool asks_ = false;  // What became of the file, unless the answer has come.
+    bool questionPending_ = false;  // Valid only while the message is shown.
 };

@@ -14,9 +14,9 @@
 
 namespace {
 
-constexpr std::chrono::seconds kCopyAfter{2};
+constexpr std::chrono::seconds kCopyDelay{2};
 
-// Two names of one file are one document.
+// Identifies a file by its canonical path, so that it is not opened twice under two names.
 QString Identity(const QString& path)
 {
     const QString canonical = QFileInfo(path).canonicalFilePath();
@@ -35,7 +35,7 @@ DocumentTabs::DocumentTabs(const std::string& recoveryRoot, QWidget* parent)
     setMovable(true);
     setAccessibleName(tr("Documents"));
     recoveryTimer_.setSingleShot(true);
-    recoveryTimer_.setInterval(kCopyAfter);
+    recoveryTimer_.setInterval(kCopyDelay);
     connect(&recoveryTimer_, &QTimer::timeout, this, &DocumentTabs::KeepCopies);
     connect(this, &QTabWidget::currentChanged, this, [this] {
         if (auto* const page = FrontPage()) {
@@ -47,7 +47,7 @@ DocumentTabs::DocumentTabs(const std::string& recoveryRoot, QWidget* parent)
 
 DocumentTabs::~DocumentTabs()
 {
-    // The editors say farewell with changes of their state, which are nobody's business any more.
+    // The editors emit signals while they are destroyed.
     blockSignals(true);
     while (count() > 0) {
         delete widget(0);
@@ -56,7 +56,7 @@ DocumentTabs::~DocumentTabs()
 
 DocumentPage* DocumentTabs::PageAt(int index) const
 {
-    return static_cast<DocumentPage*>(widget(index));  // There are no others.
+    return static_cast<DocumentPage*>(widget(index));  // All pages are of this type.
 }
 
 Document* DocumentTabs::Front() const
@@ -88,8 +88,8 @@ int DocumentTabs::IndexOf(const QString& path) const
     return -1;
 }
 
-// Without a blank, which the tool could not be given.
-QString DocumentTabs::FreeName() const
+// Without a space, because paths with spaces cannot be passed to the tool.
+QString DocumentTabs::UnusedName() const
 {
     const auto isTaken = [this](const QString& name) {
         for (int i = 0; i < count(); ++i) {
@@ -109,8 +109,8 @@ QString DocumentTabs::FreeName() const
 
 DocumentPage& DocumentTabs::AddPage()
 {
-    const QString name = FreeName();
-    auto* const page = new DocumentPage(name, std::to_string(++made_));
+    const QString name = UnusedName();
+    auto* const page = new DocumentPage(name, std::to_string(++lastRecoveryId_));
     connect(&page->editor(), &TextEditor::Changing, page, [this, page] { TextChanged(*page); });
     connect(&page->editor(), &QsciScintilla::modificationChanged, page,
             [this, page] { ShowState(*page); });
@@ -120,7 +120,7 @@ DocumentPage& DocumentTabs::AddPage()
     close->setIcon(ActionIcon(Action::Close));
     close->setIconSize(QSize(12, 12));
     close->setAutoRaise(true);
-    close->setFocusPolicy(Qt::NoFocus);  // The keyboard has Control-W.
+    close->setFocusPolicy(Qt::NoFocus);  // Keyboard users press Ctrl+W.
     tabBar()->setTabButton(index, QTabBar::RightSide, close);
     connect(close, &QToolButton::clicked, page, [this, page] { Close(indexOf(page)); });
     return *page;
@@ -129,13 +129,13 @@ DocumentPage& DocumentTabs::AddPage()
 void DocumentTabs::RemovePage(int index)
 {
     auto* const page = PageAt(index);
-    uncopied_.erase(page);
+    modifiedPages_.erase(page);
     recovery_.Discard(page->recoveryId());
     removeTab(index);
-    page->deleteLater();  // It may be handling the very event that closes it.
+    page->deleteLater();  // It may be handling the event that closes it.
 }
 
-// The tab's title: a star stands for what is not saved.
+// The asterisk in a tab's title marks unsaved changes.
 void DocumentTabs::ShowState(DocumentPage& page)
 {
     const auto& document = page.document();
@@ -171,13 +171,13 @@ bool DocumentTabs::Open(const QString& path, LongLines longLines)
     }
     const auto slow = FirstTooLongLine(file->content.text);
     if (slow && longLines == LongLines::Refuse) {
-        Q_EMIT TooSlow(full, *slow);
+        Q_EMIT LineTooLong(full, *slow);
         return false;
     }
     auto* const front = FrontPage();
     auto& page = front != nullptr && front->document().IsPristine() ? *front : AddPage();
-    page.document().Show(*file);
-    uncopied_.erase(&page);  // This changed the text, which the disk has.
+    page.document().Load(*file);
+    modifiedPages_.erase(&page);  // Loading the file is not a change.
     setCurrentWidget(&page);
     ShowState(page);
     page.editor().setFocus();
@@ -214,13 +214,12 @@ bool DocumentTabs::Save(DocumentPage& page)
     if (path.empty()) {
         return SaveAs(page);
     }
-    // What another program wrote meanwhile is not to be lost unasked.
-    if (page.document().CheckDisk() == Document::Disk::Changed) {
-        const auto answer =
-            QMessageBox::question(this, tr("Save"),
-                                  tr("Another program has changed %1 meanwhile. Save over it?")
-                                      .arg(page.document().Name()),
-                                  QMessageBox::Save | QMessageBox::Cancel, QMessageBox::Cancel);
+    // Do not overwrite another program's changes without asking.
+    if (page.document().CheckDisk() == Document::DiskState::Changed) {
+        const auto answer = QMessageBox::question(
+            this, tr("Save"),
+            tr("Another program has changed %1. Overwrite the file?").arg(page.document().Name()),
+            QMessageBox::Save | QMessageBox::Cancel, QMessageBox::Cancel);
         if (answer != QMessageBox::Save) {
             return false;
         }
@@ -244,7 +243,7 @@ bool DocumentTabs::SaveAs(DocumentPage& page)
     }
     const QString path = dialog.selectedFiles().constFirst();
     if (const int other = IndexOf(path); other >= 0 && PageAt(other) != &page) {
-        Q_EMIT Failed(tr("%1 is open in another tab; close it there first.").arg(path));
+        Q_EMIT Failed(tr("%1 is open in another tab. Close that tab first.").arg(path));
         return false;
     }
     return Write(page, path);
@@ -261,20 +260,20 @@ bool DocumentTabs::Write(DocumentPage& page, const QString& path)
         Q_EMIT Failed(problem);
         return false;
     }
-    uncopied_.erase(&page);
+    modifiedPages_.erase(&page);
     recovery_.Discard(page.recoveryId());
-    page.DropMessage();
+    page.HideMessage();
     ShowState(page);
     Q_EMIT Opened(path);
     return true;
 }
 
-// A file that was no UTF-8 may lack a character that was typed into it.
+// The text may contain characters that the file's encoding cannot represent.
 bool DocumentTabs::SaveAsUtf8(DocumentPage& page, const QString& path, const QString& problem)
 {
-    const auto answer =
-        QMessageBox::question(this, tr("Save"), problem + tr("\n\nSave the file as UTF-8 instead?"),
-                              QMessageBox::Save | QMessageBox::Cancel, QMessageBox::Cancel);
+    const auto answer = QMessageBox::question(
+        this, tr("Save"), problem + tr(".\n\nSave the file as UTF-8 instead?"),
+        QMessageBox::Save | QMessageBox::Cancel, QMessageBox::Cancel);
     if (answer != QMessageBox::Save) {
         return false;
     }
@@ -282,14 +281,14 @@ bool DocumentTabs::SaveAsUtf8(DocumentPage& page, const QString& path, const QSt
     return Write(page, path);
 }
 
-bool DocumentTabs::MayClose(DocumentPage& page)
+bool DocumentTabs::ConfirmClose(DocumentPage& page)
 {
     if (!page.document().IsModified()) {
         return true;
     }
     setCurrentWidget(&page);
     const auto answer = QMessageBox::warning(
-        this, tr("Close"), tr("%1 has changes that are not saved.").arg(page.document().Name()),
+        this, tr("Close"), tr("%1 has unsaved changes.").arg(page.document().Name()),
         QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
     return answer == QMessageBox::Discard || (answer == QMessageBox::Save && Save(page));
 }
@@ -297,17 +296,17 @@ bool DocumentTabs::MayClose(DocumentPage& page)
 bool DocumentTabs::Close(int index)
 {
     auto* const page = PageAt(index);
-    if (page == nullptr || !MayClose(*page)) {
+    if (page == nullptr || !ConfirmClose(*page)) {
         return false;
     }
     RemovePage(indexOf(page));
     return true;
 }
 
-bool DocumentTabs::MayCloseAll()
+bool DocumentTabs::ConfirmCloseAll()
 {
     for (int i = 0; i < count(); ++i) {
-        if (!MayClose(*PageAt(i))) {
+        if (!ConfirmClose(*PageAt(i))) {
             return false;
         }
     }
@@ -328,7 +327,7 @@ void DocumentTabs::CheckDisk()
         auto& page = *PageAt(i);
         page.CheckDisk([this, &page] {
             if (page.document().IsModified()) {
-                TextChanged(page);  // A text without its file needs a copy.
+                TextChanged(page);  // The text of a deleted file needs a recovery copy.
             }
             ShowState(page);
         });
@@ -337,7 +336,7 @@ void DocumentTabs::CheckDisk()
 
 void DocumentTabs::TextChanged(DocumentPage& page)
 {
-    uncopied_.insert(&page);
+    modifiedPages_.insert(&page);
     if (!recoveryTimer_.isActive()) {
         recoveryTimer_.start();
     }
@@ -345,16 +344,16 @@ void DocumentTabs::TextChanged(DocumentPage& page)
 
 void DocumentTabs::KeepCopies()
 {
-    for (auto* const page : std::exchange(uncopied_, {})) {
+    for (auto* const page : std::exchange(modifiedPages_, {})) {
         if (page->document().IsModified()) {
             recovery_.Keep(page->recoveryId(), page->document().Copy());
         } else {
-            recovery_.Discard(page->recoveryId());  // Undone again.
+            recovery_.Discard(page->recoveryId());  // The changes were undone.
         }
     }
 }
 
-// It is tried again; the user is told once.
+// The copy is retried, but each error is reported only once.
 void DocumentTabs::CopyFailed(const std::string& id, const QString& error)
 {
     for (int i = 0; i < count(); ++i) {
@@ -363,17 +362,17 @@ void DocumentTabs::CopyFailed(const std::string& id, const QString& error)
         }
     }
     if (std::exchange(copyError_, error) != error) {
-        Q_EMIT Failed(tr("Unsaved text is not safe from a crash: %1").arg(error));
+        Q_EMIT Failed(tr("Unsaved changes cannot be backed up: %1").arg(error));
     }
 }
 
-QStringList DocumentTabs::FindRecovered()
+QStringList DocumentTabs::FindRecoverable()
 {
     orphans_ = recovery_.Orphans();
     QStringList names;
     for (const auto& orphan : orphans_) {
         const auto& path = orphan.copy.path;
-        names.append(path.empty() ? tr("a new document")
+        names.append(path.empty() ? tr("an untitled document")
                                   : QFileInfo(QString::fromStdString(path)).fileName());
     }
     return names;
@@ -384,9 +383,9 @@ void DocumentTabs::Recover()
     for (const auto& orphan : std::exchange(orphans_, {})) {
         const int open =
             orphan.copy.path.empty() ? -1 : IndexOf(QString::fromStdString(orphan.copy.path));
-        // A text that is itself not saved keeps its tab.
-        const bool takesPlace = open >= 0 && !PageAt(open)->document().IsModified();
-        auto& page = takesPlace ? *PageAt(open) : AddPage();
+        // Do not overwrite other unsaved changes.
+        const bool replaces = open >= 0 && !PageAt(open)->document().IsModified();
+        auto& page = replaces ? *PageAt(open) : AddPage();
         recovery_.Discard(page.recoveryId());
         page.SetRecoveryId(orphan.id);
         page.document().Recover(orphan.copy);

@@ -11,7 +11,7 @@ MessageBar::MessageBar(QWidget* parent) : QFrame(parent)
     hide();
 }
 
-void MessageBar::Ask(const QString& text, const std::vector<Choice>& choices)
+void MessageBar::ShowMessage(const QString& text, const std::vector<Choice>& choices)
 {
     delete layout();
     qDeleteAll(findChildren<QWidget*>(Qt::FindDirectChildrenOnly));
@@ -24,7 +24,7 @@ void MessageBar::Ask(const QString& text, const std::vector<Choice>& choices)
     for (const auto& choice : choices) {
         auto* const button = new QPushButton(choice.label, this);
         row->addWidget(button);
-        // Queued: the action may well ask the next thing, which replaces the button.
+        // Queued: the action may show another message, which destroys the button.
         connect(
             button, &QPushButton::clicked, this,
             [this, action = choice.action] {
@@ -37,7 +37,7 @@ void MessageBar::Ask(const QString& text, const std::vector<Choice>& choices)
     show();
 }
 
-// As in a dialog, Return presses the button that has the keyboard.
+// As in a dialog, Return presses the button that has the focus.
 void MessageBar::keyPressEvent(QKeyEvent* event)
 {
     auto* const button = qobject_cast<QPushButton*>(focusWidget());

@@ -5,8 +5,8 @@
 #include <functional>
 #include <vector>
 
-// A message above what it is about, with buttons for what can be done. Goes when one is pressed.
-// Does not take the keyboard, so that nobody answers it by typing on.
+// A message with buttons, shown above the text that it concerns. Pressing a button closes it. It
+// does not take the focus, so that the user does not press a button by typing. [ui]
 class MessageBar final : public QFrame {
     Q_OBJECT
 
@@ -18,9 +18,9 @@ class MessageBar final : public QFrame {
 
     explicit MessageBar(QWidget* parent);
 
-    // In place of the message before.
-    void Ask(const QString& text, const std::vector<Choice>& choices);
-    bool IsAsking() const { return !isHidden(); }
+    // Replaces the previous message.
+    void ShowMessage(const QString& text, const std::vector<Choice>& choices);
+    bool IsShowing() const { return !isHidden(); }
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;

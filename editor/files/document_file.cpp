@@ -42,12 +42,12 @@ char32_t CodePointAt(const QString& text, qsizetype at)
                : first.unicode();
 }
 
-bool HasCharacter(TextEncoding encoding, char32_t character)
+bool CanEncode(TextEncoding encoding, char32_t character)
 {
     return encoding == TextEncoding::Latin1 ? character <= 0xFF : !QChar::isSurrogate(character);
 }
 
-std::string NameOf(TextEncoding encoding)
+std::string EncodingName(TextEncoding encoding)
 {
     return encoding == TextEncoding::Latin1 ? "Latin-1" : "UTF-8";
 }
@@ -73,11 +73,11 @@ std::expected<QByteArray, std::string> Encode(const QString& text, TextEncoding 
 {
     for (qsizetype at = 0; at < text.size(); ++at) {
         const char32_t character = CodePointAt(text, at);
-        if (!HasCharacter(encoding, character)) {
+        if (!CanEncode(encoding, character)) {
             const auto line = CountLineEndings(text.first(at)).all() + 1;
-            return std::unexpected("line " + std::to_string(line) + " has the character " +
-                                   Describe(character) + ", which " + NameOf(encoding) +
-                                   " does not have");
+            return std::unexpected("The character " + Describe(character) + " on line " +
+                                   std::to_string(line) + " cannot be encoded in " +
+                                   EncodingName(encoding));
         }
         at += QChar::requiresSurrogates(character) ? 1 : 0;
     }
@@ -94,7 +94,7 @@ std::optional<qsizetype> FirstTooLongLine(const QString& text)
     qsizetype start = 0;
     for (qsizetype at = 0; at <= text.size(); ++at) {
         if (at == text.size() || text[at] == u'\n' || text[at] == u'\r') {
-            if (at - start > kLongestSmoothLine) {
+            if (at - start > kMaxSmoothLineLength) {
                 return CountLineEndings(text.first(start)).all() + 1;
             }
             start = at + 1;

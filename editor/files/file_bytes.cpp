@@ -24,8 +24,9 @@ namespace {
 using Path = std::filesystem::path;
 using FileStatus = struct stat;
 
-constexpr qint64 kPiece = 1024LL * 1024;
-constexpr int kMostLinks = 40;  // As the system's own limit.
+constexpr qint64 kMebibyte = 1024LL * 1024;
+constexpr qint64 kChunkSize = kMebibyte;
+constexpr int kMaxLinks = 40;  // Linux has the same limit.
 constexpr mode_t kPermissions = 0777;
 constexpr mode_t kAllModeBits = 07777;
 
@@ -50,80 +51,81 @@ std::expected<void, std::string> RequireRegular(const std::string& path, const F
     return {};
 }
 
-// In pieces: the files of /proc do not tell their size.
-QByteArray ReadPieces(QFile& file, qint64 largest)
+// In chunks, because the size of files in /proc is unknown.
+QByteArray ReadChunks(QFile& file, qint64 maxSize)
 {
     QByteArray bytes;
-    QByteArray piece;
+    QByteArray chunk;
     do {
-        piece = file.read(kPiece);
-        bytes += piece;
-    } while (!piece.isEmpty() && bytes.size() <= largest);
+        chunk = file.read(kChunkSize);
+        bytes += chunk;
+    } while (!chunk.isEmpty() && bytes.size() <= maxSize);
     return bytes;
 }
 
-// A new file beside the one to be saved. Removed unless it takes that one's place.
-class Temporary {
+// A new file in the folder of the file to be saved. The destructor removes it unless it was
+// renamed.
+class TemporaryFile {
   public:
-    Temporary(const Path& folder, mode_t mode)
+    TemporaryFile(const Path& folder, mode_t mode)
         : path_(folder /
                 (kTemporaryPrefix + QUuid::createUuid().toString(QUuid::Id128).toStdString())),
           fd_(open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode))
     {
     }
-    Temporary(const Temporary&) = delete;
-    Temporary& operator=(const Temporary&) = delete;
-    ~Temporary()
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    ~TemporaryFile()
     {
         CloseDescriptor(fd_);
-        if (isThere() && !tookPlace_) {
+        if (isOpen() && !renamed_) {
             unlink(path_.c_str());
         }
     }
 
-    bool isThere() const { return fd_ >= 0; }
+    bool isOpen() const { return fd_ >= 0; }
 
-    // False, with errno set, when the bytes cannot be brought to the disk.
-    bool Fill(const QByteArray& bytes, const std::optional<FileStatus>& old) const
+    // Writes the bytes to disk. On failure returns false and sets errno.
+    bool Write(const QByteArray& bytes, const std::optional<FileStatus>& old) const
     {
         if (!WriteFully(fd_, {bytes.data(), static_cast<std::size_t>(bytes.size())})) {
             return false;
         }
         if (old) {
-            MakeLike(*old);  // Not before: writing takes mode bits away.
+            CopyAttributes(*old);  // After writing, which clears some mode bits.
         }
         return fsync(fd_) == 0;
     }
 
-    // False, with errno set, when it cannot.
-    bool TakePlaceOf(const Path& target)
+    // On failure returns false and sets errno.
+    bool RenameTo(const Path& target)
     {
-        tookPlace_ = std::rename(path_.c_str(), target.c_str()) == 0;
-        return tookPlace_;
+        renamed_ = std::rename(path_.c_str(), target.c_str()) == 0;
+        return renamed_;
     }
 
   private:
-    // A file system without owners or modes refuses, which harms nobody.
-    void MakeLike(const FileStatus& old) const
+    // Errors are ignored: some file systems have no owners or modes.
+    void CopyAttributes(const FileStatus& old) const
     {
         const bool sameOwner = fchown(fd_, old.st_uid, old.st_gid) == 0;
         if (!sameOwner) {
             std::ignore = fchown(fd_, static_cast<uid_t>(-1), old.st_gid);
         }
-        // A program that runs with its owner's rights must not do so with another's.
+        // Set-user-ID bits must not be copied to a file with another owner.
         fchmod(fd_, old.st_mode & (sameOwner ? kAllModeBits : kPermissions));
     }
 
     Path path_;
     int fd_;
-    bool tookPlace_ = false;
+    bool renamed_ = false;
 };
 
-// The file that links lead to, which need not exist. Empty when they lead in a circle.
+// Resolves symbolic links; the target need not exist. Empty if there are too many links.
 Path FollowLinks(Path path)
 {
     std::error_code error;
-    for (int links = 0; links < kMostLinks; ++links) {
+    for (int links = 0; links < kMaxLinks; ++links) {
         const Path next = std::filesystem::read_symlink(path, error);
         if (error) {
             return path;
@@ -133,8 +135,8 @@ Path FollowLinks(Path path)
     return {};
 }
 
-// The status of a file that may be replaced; none when there is no file yet.
-std::expected<std::optional<FileStatus>, std::string> OldStatus(const Path& target)
+// The status of the file to replace; none if it does not exist yet.
+std::expected<std::optional<FileStatus>, std::string> StatusToReplace(const Path& target)
 {
     FileStatus status{};
     if (stat(target.c_str(), &status) != 0) {
@@ -150,7 +152,7 @@ std::expected<std::optional<FileStatus>, std::string> OldStatus(const Path& targ
     return status;
 }
 
-// So that the new name outlives a power failure, where the file system can promise that.
+// Makes the renaming durable, if the file system supports that.
 void SyncFolder(const Path& folder)
 {
     const int fd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -162,7 +164,7 @@ void SyncFolder(const Path& folder)
 
 }  // namespace
 
-std::expected<QByteArray, std::string> ReadFileBytes(const std::string& path, qint64 largest)
+std::expected<QByteArray, std::string> ReadFileBytes(const std::string& path, qint64 maxSize)
 {
     FileStatus status{};
     if (stat(path.c_str(), &status) != 0) {
@@ -171,19 +173,19 @@ std::expected<QByteArray, std::string> ReadFileBytes(const std::string& path, qi
     if (const auto regular = RequireRegular(path, status); !regular) {
         return std::unexpected(regular.error());
     }
-    // Without waiting, should a FIFO have taken the file's place meanwhile.
+    // O_NONBLOCK, because a FIFO may have replaced the file since the check.
     const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
     if (fd < 0) {
         return CannotRead(path);
     }
     QFile file;
     file.open(fd, QIODevice::ReadOnly | QIODevice::Unbuffered, QFileDevice::AutoCloseHandle);
-    QByteArray bytes = status.st_size <= largest ? ReadPieces(file, largest) : QByteArray();
+    QByteArray bytes = status.st_size <= maxSize ? ReadChunks(file, maxSize) : QByteArray();
     if (file.error() != QFileDevice::NoError) {
         return std::unexpected(path + " cannot be read: " + file.errorString().toStdString());
     }
-    if (std::max<qint64>(status.st_size, bytes.size()) > largest) {
-        return std::unexpected(path + " is larger than " + std::to_string(largest / kPiece) +
+    if (std::max<qint64>(status.st_size, bytes.size()) > maxSize) {
+        return std::unexpected(path + " is larger than " + std::to_string(maxSize / kMebibyte) +
                                " MiB");
     }
     return bytes;
@@ -196,18 +198,18 @@ std::expected<void, std::string> SaveAtomically(const std::string& path, const Q
         errno = ELOOP;
         return CannotSave(path);
     }
-    const auto old = OldStatus(target);
+    const auto old = StatusToReplace(target);
     if (!old) {
         return std::unexpected(old.error());
     }
     const Path folder = target.has_parent_path() ? target.parent_path() : ".";
-    // What takes the place of a private file is private from the beginning.
-    Temporary temporary(folder, *old ? S_IRUSR | S_IWUSR : 0666);
-    if (!temporary.isThere()) {
-        return std::unexpected(target.string() + " cannot be saved: no file can be made in " +
+    // The replacement of a private file must be private from the beginning.
+    TemporaryFile temporary(folder, *old ? S_IRUSR | S_IWUSR : 0666);
+    if (!temporary.isOpen()) {
+        return std::unexpected(target.string() + " cannot be saved: cannot create a file in " +
                                folder.string() + ": " + std::strerror(errno));
     }
-    if (!temporary.Fill(bytes, *old) || !temporary.TakePlaceOf(target)) {
+    if (!temporary.Write(bytes, *old) || !temporary.RenameTo(target)) {
         return CannotSave(target);
     }
     SyncFolder(folder);
@@ -223,7 +225,7 @@ std::expected<std::string, std::string> SetAside(const std::string& path)
         name = path + ".unreadable." + std::to_string(number);
     }
     if (std::rename(path.c_str(), name.c_str()) != 0) {
-        return std::unexpected(path + " cannot be set aside: " + std::strerror(errno));
+        return std::unexpected(path + " cannot be renamed: " + std::strerror(errno));
     }
     return name;
 }
@@ -231,7 +233,7 @@ std::expected<std::string, std::string> SetAside(const std::string& path)
 std::string SetAsideWithReport(const std::string& problem, const std::string& path)
 {
     const auto aside = SetAside(path);
-    return problem + "; " + (aside ? "the file was set aside as " + *aside : aside.error()) + ".";
+    return problem + ". " + (aside ? "The file was renamed to " + *aside : aside.error()) + ".";
 }
 
 FileStamp FileStamp::Of(const std::string& path)

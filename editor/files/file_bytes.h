@@ -5,16 +5,16 @@
 #include <expected>
 #include <string>
 
-// Whole files, read and written at once. Errors are sentences for the user. Used on any thread.
+// Reads and writes whole files. Errors are messages for the user. [any]
 
-inline constexpr qint64 kLargestDocument = 64LL * 1024 * 1024;  // bytes
+inline constexpr qint64 kMaxDocumentSize = 64LL * 1024 * 1024;  // bytes
 
-// The bytes of a regular file. Opens nothing else, so that neither a FIFO can hold the caller up
-// nor a serial line be reset.
+// The bytes of a regular file. Other kinds of files are not opened, because a FIFO could block the
+// caller, and opening a serial device could reset it.
 std::expected<QByteArray, std::string> ReadFileBytes(const std::string& path,
-                                                     qint64 largest = kLargestDocument);
+                                                     qint64 maxSize = kMaxDocumentSize);
 
-// What changes when somebody writes a file; -1 when there is none.
+// Used to detect changes of a file. The values are -1 if the file does not exist.
 struct FileStamp {
     qint64 modified = -1;  // Milliseconds since 1970.
     qint64 size = -1;      // Bytes.
@@ -23,23 +23,22 @@ struct FileStamp {
     bool operator==(const FileStamp&) const = default;
 };
 
-// What the names of SaveAtomically's temporary files begin with: a process that is killed while it
-// saves leaves one behind.
+// The prefix of the names of SaveAtomically's temporary files. A process that is killed while it
+// saves leaves such a file.
 inline constexpr const char* kTemporaryPrefix = ".quilp-";
 
-// Writes a file so that at any time, also after a crash or a power failure, either all of the old
-// bytes or all of the new are there. On an error the file is as it was.
+// Writes a file so that at any time, even after a crash or a power failure, it contains either all
+// of the old bytes or all of the new ones. If an error occurs, the file is unchanged.
 //
-// A symbolic link stays, and what it leads to is written. An existing file keeps its mode, and its
-// owner and group where this user may set them; other hard links to it keep the old bytes, and
-// access-control lists are not kept. A new file gets the mode that the umask leaves. A file that
-// this user may not write is not replaced, nor is one in a folder where no temporary file can be
-// made.
+// Symbolic links are followed. An existing file keeps its mode, and its owner and group if this
+// user may set them; other hard links to it keep the old bytes, and access-control lists are lost.
+// The mode of a new file is determined by the umask. A file is not replaced if this user may not
+// write it, or if no temporary file can be created in its folder.
 std::expected<void, std::string> SaveAtomically(const std::string& path, const QByteArray& bytes);
 
-// Renames a file that cannot be used, so that it is not lost: to NAME.unreadable, or
-// NAME.unreadable.2 and so on, which is the answer.
+// Renames an unusable file to NAME.unreadable, NAME.unreadable.2 and so on, so that it is not
+// overwritten. Returns the new name.
 std::expected<std::string, std::string> SetAside(const std::string& path);
 
-// The same with a sentence for the user that consists of the problem and what became of the file.
+// Does the same, and returns a message for the user: the problem, and the new name or the error.
 std::string SetAsideWithReport(const std::string& problem, const std::string& path);

@@ -13,9 +13,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr qint64 kLargestFile = 1024LL * 1024;  // bytes
+constexpr qint64 kMaxFileSize = 1024LL * 1024;  // bytes
 
-std::vector<std::string> CutLines(const std::string& text)
+std::vector<std::string> SplitLines(const std::string& text)
 {
     std::vector<std::string> lines;
     std::istringstream stream(text);
@@ -25,7 +25,7 @@ std::vector<std::string> CutLines(const std::string& text)
     return lines;
 }
 
-std::vector<std::string> CutWords(const std::string& line)
+std::vector<std::string> SplitWords(const std::string& line)
 {
     std::vector<std::string> words;
     std::istringstream stream(line);
@@ -47,8 +47,8 @@ bool IsText(const std::string& text)
     return text.find('\0') == std::string::npos;
 }
 
-// In place of the key's first line, or at the end.
-void Put(std::vector<std::string>& lines, const std::string& key, const std::string& line)
+// Replaces the key's first line and removes its other lines, or appends the line.
+void SetLine(std::vector<std::string>& lines, const std::string& key, const std::string& line)
 {
     const auto hasKey = [&](const std::string& other) { return KeyOf(other) == key; };
     const auto first = std::find_if(lines.begin(), lines.end(), hasKey);
@@ -68,15 +68,15 @@ std::expected<PluginSettings::Lines, std::string> PluginSettings::ReadLines() co
     if (fs::status(path_, ignored).type() == fs::file_type::not_found) {
         return Lines();
     }
-    const auto bytes = ReadFileBytes(path_, kLargestFile);
+    const auto bytes = ReadFileBytes(path_, kMaxFileSize);
     if (!bytes) {
         return std::unexpected(bytes.error());
     }
     const std::string text = bytes->toStdString();
     if (!IsText(text)) {
-        return std::unexpected(path_ + " is not a file of settings");
+        return std::unexpected(path_ + " is not a settings file");
     }
-    return CutLines(text);
+    return SplitLines(text);
 }
 
 std::optional<std::string> PluginSettings::Load()
@@ -87,7 +87,7 @@ std::optional<std::string> PluginSettings::Load()
         return SetAsideWithReport(lines.error(), path_);
     }
     for (const auto& line : *lines) {
-        words_[KeyOf(line)] = CutWords(line);
+        words_[KeyOf(line)] = SplitWords(line);
     }
     words_.erase("");
     return std::nullopt;
@@ -101,10 +101,10 @@ const std::vector<std::string>* PluginSettings::Words(const std::string& key) co
 
 void PluginSettings::Replace(const std::string& text)
 {
-    for (const auto& line : CutLines(text)) {
+    for (const auto& line : SplitLines(text)) {
         const std::string key = KeyOf(line);
         if (keys_.contains(key) && IsText(line)) {
-            words_[key] = CutWords(line);
+            words_[key] = SplitWords(line);
             unsaved_[key] = line;
         }
     }
@@ -124,7 +124,7 @@ std::expected<void, std::string> PluginSettings::Save()
     }
     QByteArray bytes;
     for (const auto& [key, line] : unsaved_) {
-        Put(*lines, key, line);
+        SetLine(*lines, key, line);
     }
     for (const auto& line : *lines) {
         bytes += line + '\n';

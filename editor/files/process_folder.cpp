@@ -24,8 +24,8 @@ std::string LockPath(const std::string& folder)
     return folder + "/" + std::string(kLock);
 }
 
-// Whether the open file still has its name: its owner may have removed the folder meanwhile.
-bool IsStillThere(int fd, const std::string& path)
+// Whether the path still leads to the open file: its owner may have removed the folder.
+bool IsStillLinked(int fd, const std::string& path)
 {
     struct stat open {};
     struct stat named {};
@@ -33,9 +33,9 @@ bool IsStillThere(int fd, const std::string& path)
            open.st_dev == named.st_dev && open.st_ino == named.st_ino;
 }
 
-// The descriptor that holds the lock; -1, with errno set, when another process has it. Not a record
-// lock of fcntl's: this process would lose that by closing any other descriptor of the file.
-int TakeLock(const std::string& folder)
+// Returns the descriptor that holds the lock; -1 with errno set if another process holds it. Not an
+// fcntl lock: this process would release that by closing any other descriptor of the file.
+int AcquireLock(const std::string& folder)
 {
     const std::string path = LockPath(folder);
     const int fd = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
@@ -43,7 +43,7 @@ int TakeLock(const std::string& folder)
         return -1;
     }
     if (flock(fd, LOCK_EX | LOCK_NB) == 0) {
-        if (IsStillThere(fd, path)) {
+        if (IsStillLinked(fd, path)) {
             return fd;
         }
         errno = ENOENT;
@@ -54,7 +54,7 @@ int TakeLock(const std::string& folder)
     return -1;
 }
 
-bool HoldsOnlyLock(const std::string& folder)
+bool ContainsOnlyLock(const std::string& folder)
 {
     std::error_code error;
     for (std::filesystem::directory_iterator it(folder, error), end; !error && it != end;
@@ -72,26 +72,25 @@ std::expected<ProcessFolder, std::string> ProcessFolder::Make(const std::string&
 {
     std::error_code error;
     std::filesystem::create_directories(root, error);
-    // Another process may take a folder that has no lock yet for one left behind; the next one will
-    // do.
+    // Retry: before the folder is locked, another process may adopt it as abandoned.
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         std::string path = root + "/" + std::string(kName) + "XXXXXX";
         if (mkdtemp(path.data()) == nullptr) {
             break;
         }
-        if (const int lock = TakeLock(path); lock >= 0) {
+        if (const int lock = AcquireLock(path); lock >= 0) {
             return ProcessFolder(std::move(path), lock);
         }
         const int reason = errno;
         rmdir(path.c_str());
         errno = reason;
     }
-    return std::unexpected("no folder can be made in " + root + ": " + std::strerror(errno));
+    return std::unexpected("cannot create a folder in " + root + ": " + std::strerror(errno));
 }
 
 std::optional<ProcessFolder> ProcessFolder::Adopt(const std::string& path)
 {
-    const int lock = TakeLock(path);
+    const int lock = AcquireLock(path);
     return lock >= 0 ? std::optional(ProcessFolder(path, lock)) : std::nullopt;
 }
 
@@ -102,7 +101,7 @@ ProcessFolder::ProcessFolder(ProcessFolder&& other) noexcept
 
 ProcessFolder::~ProcessFolder()
 {
-    if (lock_ >= 0 && HoldsOnlyLock(path_)) {
+    if (lock_ >= 0 && ContainsOnlyLock(path_)) {
         unlink(LockPath(path_).c_str());
         rmdir(path_.c_str());
     }
@@ -114,7 +113,7 @@ bool ProcessFolder::IsLock(const std::string& name)
     return name == kLock;
 }
 
-bool ProcessFolder::IsOne(const std::string& name)
+bool ProcessFolder::IsProcessFolder(const std::string& name)
 {
     return name.starts_with(kName);
 }

@@ -5,28 +5,29 @@
 #include <string>
 #include <utility>
 
-// A folder that belongs to this process for as long as the object lives, marked by a lock on a file
-// in it. The system itself gives the lock back when the process ends, however it does, so it can be
-// told at once whether a folder's process lives. A number in a file could not tell that: another
-// process may have got it meanwhile. Only this user may look into the folder.
+// A folder that belongs to this process as long as the object exists, marked by a lock on a file in
+// it. The system releases the lock when the process exits for any reason, so the lock shows
+// reliably whether the owner is still running; a process number in a file might have been reused.
+// Only this user can access the folder. [any]
 class ProcessFolder {
   public:
-    // Makes one in `root`, and `root` itself where it is missing. The error is a sentence.
+    // Creates a folder in `root`, and `root` itself if necessary. The error is a message for the
+    // user.
     static std::expected<ProcessFolder, std::string> Make(const std::string& root);
-    // Takes a folder over that was made by a process that has ended. None when another owns it.
+    // Adopts the folder of a process that has exited. None if a running process owns it.
     static std::optional<ProcessFolder> Adopt(const std::string& path);
 
     ProcessFolder(ProcessFolder&& other) noexcept;
     ProcessFolder& operator=(ProcessFolder&&) = delete;
-    // Removes the folder when nothing is left in it.
+    // Removes the folder if it is empty.
     ~ProcessFolder();
 
     const std::string& path() const { return path_; }
 
-    // Whether a folder's entry is the lock.
+    // Whether an entry of the folder is the lock file.
     static bool IsLock(const std::string& name);
-    // Whether an entry of `root` is such a folder, by its name.
-    static bool IsOne(const std::string& name);
+    // Whether the name is that of a process folder in `root`.
+    static bool IsProcessFolder(const std::string& name);
 
   private:
     ProcessFolder(std::string path, int lock) : path_(std::move(path)), lock_(lock) {}

@@ -13,20 +13,20 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A file is this line, the hash of the rest, and the rest.
-const QByteArray kMark = "quilp recovery copy 3\n";
+// A file consists of this line, the hash of the payload, and the payload.
+const QByteArray kHeader = "quilp recovery copy 3\n";
 constexpr auto kHash = QCryptographicHash::Sha256;
 constexpr auto kStreamVersion = QDataStream::Qt_6_0;
 constexpr auto kAnySize = std::numeric_limits<qint64>::max();
 
-QByteArray ToBytes(const RecoveryCopy& copy)
+QByteArray Serialize(const RecoveryCopy& copy)
 {
-    QByteArray rest;
-    QDataStream stream(&rest, QIODevice::WriteOnly);
+    QByteArray payload;
+    QDataStream stream(&payload, QIODevice::WriteOnly);
     stream.setVersion(kStreamVersion);
     stream << QByteArray::fromStdString(copy.path) << static_cast<quint8>(copy.encoding)
            << copy.text << copy.stamp.modified << copy.stamp.size;
-    return kMark + QCryptographicHash::hash(rest, kHash) + rest;
+    return kHeader + QCryptographicHash::hash(payload, kHash) + payload;
 }
 
 bool IsEncoding(quint8 number)
@@ -34,16 +34,16 @@ bool IsEncoding(quint8 number)
     return number <= static_cast<quint8>(TextEncoding::Latin1);
 }
 
-// None when the bytes are not what ToBytes made.
-std::optional<RecoveryCopy> FromBytes(const QByteArray& bytes)
+// None if the bytes are corrupted.
+std::optional<RecoveryCopy> Deserialize(const QByteArray& bytes)
 {
     const auto hashSize = QCryptographicHash::hashLength(kHash);
-    const QByteArray rest = bytes.mid(kMark.size() + hashSize);
-    if (!bytes.startsWith(kMark) ||
-        QCryptographicHash::hash(rest, kHash) != bytes.mid(kMark.size(), hashSize)) {
+    const QByteArray payload = bytes.mid(kHeader.size() + hashSize);
+    if (!bytes.startsWith(kHeader) ||
+        QCryptographicHash::hash(payload, kHash) != bytes.mid(kHeader.size(), hashSize)) {
         return std::nullopt;
     }
-    QDataStream stream(rest);
+    QDataStream stream(payload);
     stream.setVersion(kStreamVersion);
     QByteArray path;
     quint8 encoding = 0;
@@ -56,7 +56,7 @@ std::optional<RecoveryCopy> FromBytes(const QByteArray& bytes)
     return RecoveryCopy{path.toStdString(), TextEncoding(encoding), std::move(text), stamp};
 }
 
-// In order; empty when there is no such folder.
+// Sorted by name; empty if the folder does not exist.
 std::vector<fs::path> Entries(const std::string& folder)
 {
     std::vector<fs::path> entries;
@@ -79,7 +79,7 @@ std::expected<std::string, std::string> RecoveryStore::NewFile()
         }
         own_.emplace(std::move(*made));
     }
-    return own_->path() + "/" + std::to_string(++made_);
+    return own_->path() + "/" + std::to_string(++fileCount_);
 }
 
 std::expected<void, std::string> RecoveryStore::Keep(const std::string& id,
@@ -92,7 +92,7 @@ std::expected<void, std::string> RecoveryStore::Keep(const std::string& id,
         }
         files_.emplace(id, std::move(*file));
     }
-    return SaveAtomically(files_.at(id), ToBytes(copy));
+    return SaveAtomically(files_.at(id), Serialize(copy));
 }
 
 void RecoveryStore::Discard(const std::string& id)
@@ -110,14 +110,14 @@ std::vector<OrphanedCopy> RecoveryStore::Orphans()
 {
     std::vector<OrphanedCopy> orphans;
     for (const auto& path : Entries(root_)) {
-        if (!ProcessFolder::IsOne(path.filename())) {
+        if (!ProcessFolder::IsProcessFolder(path.filename())) {
             continue;
         }
         auto folder = ProcessFolder::Adopt(path);
         if (!folder) {
             continue;
         }
-        auto copies = TakeCopies(path);
+        auto copies = ReadCopies(path);
         if (!copies.empty()) {
             adopted_.push_back(std::move(*folder));
             std::move(copies.begin(), copies.end(), std::back_inserter(orphans));
@@ -126,17 +126,17 @@ std::vector<OrphanedCopy> RecoveryStore::Orphans()
     return orphans;
 }
 
-std::vector<OrphanedCopy> RecoveryStore::TakeCopies(const std::string& folder)
+std::vector<OrphanedCopy> RecoveryStore::ReadCopies(const std::string& folder)
 {
     std::vector<OrphanedCopy> copies;
     for (const auto& file : Entries(folder)) {
         const std::string name = file.filename();
         if (name.starts_with(kTemporaryPrefix)) {
             std::error_code ignored;
-            fs::remove(file, ignored);  // The copy before it is whole.
+            fs::remove(file, ignored);  // An incomplete version of a copy that exists as well.
         } else if (!ProcessFolder::IsLock(name)) {
             const auto bytes = ReadFileBytes(file, kAnySize);
-            if (auto copy = bytes ? FromBytes(*bytes) : std::nullopt) {
+            if (auto copy = bytes ? Deserialize(*bytes) : std::nullopt) {
                 files_.emplace(file, file);
                 copies.push_back({file, std::move(*copy)});
             }

@@ -14,28 +14,28 @@ RecoveryKeeper::~RecoveryKeeper()
     Finish();
 }
 
-void RecoveryKeeper::Do(Work work)
+void RecoveryKeeper::Enqueue(Task task)
 {
     if (!thread_.joinable()) {
-        thread_ = std::thread([this] { DoAll(); });
+        thread_ = std::thread([this] { RunTasks(); });
     }
     const std::lock_guard lock(mutex_);
-    work_.push_back(std::move(work));
+    tasks_.push_back(std::move(task));
     changed_.notify_one();
 }
 
-void RecoveryKeeper::DoAll()
+void RecoveryKeeper::RunTasks()
 {
     std::unique_lock lock(mutex_);
     for (;;) {
-        changed_.wait(lock, [this] { return ends_ || !work_.empty(); });
-        if (work_.empty()) {
+        changed_.wait(lock, [this] { return stopping_ || !tasks_.empty(); });
+        if (tasks_.empty()) {
             return;
         }
-        const Work work = std::move(work_.front());
-        work_.pop_front();
+        const Task task = std::move(tasks_.front());
+        tasks_.pop_front();
         lock.unlock();
-        work();
+        task();
         lock.lock();
     }
 }
@@ -47,26 +47,26 @@ void RecoveryKeeper::Finish()
     }
     {
         const std::lock_guard lock(mutex_);
-        ends_ = true;
+        stopping_ = true;
         changed_.notify_one();
     }
     thread_.join();
-    ends_ = false;
+    stopping_ = false;
 }
 
 void RecoveryKeeper::Keep(std::string id, RecoveryCopy copy)
 {
-    Do([this, id = std::move(id), copy = std::move(copy)] {
-        if (const auto kept = store_.Keep(id, copy); !kept) {
+    Enqueue([this, id = std::move(id), copy = std::move(copy)] {
+        if (const auto saved = store_.Keep(id, copy); !saved) {
             Runtime::Current().queue().Post(
-                [this, id, error = kept.error()] { onError_(id, error); });
+                [this, id, error = saved.error()] { onError_(id, error); });
         }
     });
 }
 
 void RecoveryKeeper::Discard(std::string id)
 {
-    Do([this, id = std::move(id)] { store_.Discard(id); });
+    Enqueue([this, id = std::move(id)] { store_.Discard(id); });
 }
 
 std::vector<OrphanedCopy> RecoveryKeeper::Orphans()

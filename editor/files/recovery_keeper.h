@@ -10,38 +10,37 @@
 #include <thread>
 #include <vector>
 
-// A RecoveryStore on a thread of its own, so that nobody who types waits for the disk. What is
-// asked of it is done in the order of the calls. Used on the user-interface thread, while there is
-// a Runtime.
+// A RecoveryStore with its own thread, so that typing does not wait for the disk. Operations are
+// performed in the order of the calls. A Runtime must exist. [ui]
 class RecoveryKeeper {
   public:
-    // Gets the id of a copy that could not be kept, and a sentence.
+    // Receives the id of a copy that could not be stored, and a message for the user.
     using ErrorHandler = std::function<void(const std::string& id, const std::string& error)>;
 
-    // `root` as for RecoveryStore. Errors are told until the Runtime is shut down.
+    // `root` as for RecoveryStore. Errors are reported until the Runtime is shut down.
     RecoveryKeeper(std::string root, ErrorHandler onError);
-    // Waits until everything is done.
+    // Waits until all operations are finished.
     ~RecoveryKeeper();
     RecoveryKeeper(const RecoveryKeeper&) = delete;
     RecoveryKeeper& operator=(const RecoveryKeeper&) = delete;
 
     void Keep(std::string id, RecoveryCopy copy);
     void Discard(std::string id);
-    // Waits until everything before is done.
+    // Waits until all previous operations are finished.
     std::vector<OrphanedCopy> Orphans();
 
   private:
-    using Work = std::function<void()>;
+    using Task = std::function<void()>;
 
-    void Do(Work work);
-    void DoAll();
+    void Enqueue(Task task);
+    void RunTasks();
     void Finish();
 
-    RecoveryStore store_;  // The thread's while it runs.
+    RecoveryStore store_;  // Used by the thread only, while it is running.
     ErrorHandler onError_;
     std::mutex mutex_;
     std::condition_variable changed_;
-    std::deque<Work> work_;
-    bool ends_ = false;
-    std::thread thread_;  // From the first work on.
+    std::deque<Task> tasks_;
+    bool stopping_ = false;
+    std::thread thread_;  // Started by the first task.
 };

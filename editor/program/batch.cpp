@@ -7,41 +7,41 @@
 #include <utility>
 
 Batch::Batch(PluginHost& host, Runtime& runtime, const PluginModule& plugin,
-             std::vector<BatchCommand> commands, std::function<void(int)> onEnd)
+             std::vector<BatchCommand> commands, std::function<void(int)> onFinished)
     : host_(host),
       runtime_(runtime),
       plugin_(plugin),
       commands_(std::move(commands)),
-      onEnd_(std::move(onEnd))
+      onFinished_(std::move(onFinished))
 {
     runtime_.handlers.idle = [this] {
-        if (std::exchange(awaitsIdle_, false)) {
-            Next();
+        if (std::exchange(waitingForIdle_, false)) {
+            RunNext();
         }
     };
 }
 
-// By way of the queue, so that everything posted before has arrived.
-void Batch::GoOnWhenIdle()
+// Through the queue, so that everything posted before is processed first.
+void Batch::ContinueWhenIdle()
 {
     runtime_.queue().Post([this] {
         if (runtime_.IsIdle()) {
-            Next();
+            RunNext();
         } else {
-            awaitsIdle_ = true;
+            waitingForIdle_ = true;
         }
     });
 }
 
-void Batch::Next()
+void Batch::RunNext()
 {
     if (next_ == commands_.size()) {
-        return onEnd_(status_);
+        return onFinished_(status_);
     }
     const BatchCommand& command = commands_[next_++];
     if (const auto* wait = std::get_if<Wait>(&command)) {
         const auto time = std::chrono::ceil<std::chrono::milliseconds>(*wait);
-        QTimer::singleShot(time, Qt::PreciseTimer, &timerContext_, [this] { Next(); });
+        QTimer::singleShot(time, Qt::PreciseTimer, &timerContext_, [this] { RunNext(); });
         return;
     }
     if (const auto* row = std::get_if<const PluginCommand*>(&command)) {
@@ -50,19 +50,19 @@ void Batch::Next()
         host_.InsertInWorksheet(plugin_.Help(), "", 1, 1, -1);
     }
     if (next_ < commands_.size() && std::holds_alternative<Wait>(commands_[next_])) {
-        Next();
+        RunNext();
     } else {
-        GoOnWhenIdle();
+        ContinueWhenIdle();
     }
 }
 
 void Batch::Perform(const PluginCommand& command)
 {
     if (command.needsFile && !host_.HasRunnable()) {
-        Fail("there is no Python document or target to act on");
+        Fail("no Python document or target to act on");
     }
     if (!host_.Perform(command)) {
-        Fail("the plug-in does not know this command");
+        Fail("the plug-in does not support this command");
     }
 }
 
@@ -77,5 +77,5 @@ void Batch::Interrupt(int status)
     next_ = commands_.size();
     Perform(*FindCommandByName("QuilpStop"));
     status_ = status;
-    GoOnWhenIdle();
+    ContinueWhenIdle();
 }

@@ -10,24 +10,24 @@
 #include <functional>
 #include <vector>
 
-// Sends commands to the plug-in one after another, each when the tool's line of the one before has
-// ended; a wait goes on after its time instead. Used on the user-interface thread.
+// Sends commands to the plug-in one after another, each when the command line that the previous one
+// started has finished. A wait continues after its time instead. [ui]
 class Batch {
   public:
-    // What it refers to must outlive it. `onEnd` is called with the exit status: 0, or 1 when a
-    // command could not be performed.
+    // The referenced objects must outlive this one. `onFinished` is called with the exit status: 0,
+    // or 1 if a command could not be performed.
     Batch(PluginHost& host, Runtime& runtime, const PluginModule& plugin,
-          std::vector<BatchCommand> commands, std::function<void(int)> onEnd);
+          std::vector<BatchCommand> commands, std::function<void(int)> onFinished);
 
-    // Returns at once; the commands follow.
-    void Start() { GoOnWhenIdle(); }
+    // Returns at once; the event loop performs the commands.
+    void Start() { ContinueWhenIdle(); }
 
-    // Stops what runs and ends with this status.
+    // Stops the running command, skips the others and finishes with this status.
     void Interrupt(int status);
 
   private:
-    void GoOnWhenIdle();
-    void Next();
+    void ContinueWhenIdle();
+    void RunNext();
     void Perform(const PluginCommand& command);
     void Fail(const char* message);
 
@@ -35,9 +35,9 @@ class Batch {
     Runtime& runtime_;
     const PluginModule& plugin_;
     std::vector<BatchCommand> commands_;
-    std::function<void(int)> onEnd_;
+    std::function<void(int)> onFinished_;
     std::size_t next_ = 0;
     int status_ = 0;
-    bool awaitsIdle_ = false;
-    QObject timerContext_;  // Ends a wait with this object.
+    bool waitingForIdle_ = false;
+    QObject timerContext_;  // Cancels a wait when this object is destroyed.
 };

@@ -30,14 +30,14 @@ std::string ProgramFolder()
     return QCoreApplication::applicationDirPath().toStdString();
 }
 
-// The full path of a file that can be read. The error is a sentence.
+// The full path of a readable file. The error is a message for the user.
 std::expected<std::string, std::string> ReadableFile(const std::string& name)
 {
     std::error_code error;
-    // "link/.." is not what it looks like, so such a path stays as it is.
+    // A path with ".." is not normalized: in "link/.." the link may lead to another folder.
     const auto full = std::filesystem::absolute(name, error);
-    const bool climbs = std::find(full.begin(), full.end(), "..") != full.end();
-    const auto path = climbs ? full : full.lexically_normal();
+    const bool hasParent = std::find(full.begin(), full.end(), "..") != full.end();
+    const auto path = hasParent ? full : full.lexically_normal();
     if (std::filesystem::is_directory(path, error)) {
         return std::unexpected(path.string() + " is a folder");
     }
@@ -64,7 +64,7 @@ std::expected<Files, std::string> FindFiles(const Options& options)
     return files;
 }
 
-// None when the options ask for none. The error is a sentence.
+// None if the options request no board. The error is a message for the user.
 std::expected<std::optional<VirtualBoard>, std::string> StartBoard(const Options& options)
 {
     if (!options.virtualBoard) {
@@ -80,8 +80,8 @@ std::expected<std::optional<VirtualBoard>, std::string> StartBoard(const Options
     return std::move(*board);
 }
 
-// Qt itself would abort without one.
-bool HasScreen()
+// Checked in advance, because Qt aborts the program without a display.
+bool HasDisplay()
 {
 #ifdef __linux__
     constexpr std::array kVariables{"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"};
@@ -94,10 +94,10 @@ bool HasScreen()
 #endif
 }
 
-// Windows need more of the application than batches do.
+// A batch needs no windows, and therefore no display.
 std::unique_ptr<QCoreApplication> MakeApplication(const Options& options, char** argv)
 {
-    static int argc = 1;  // Qt has options of its own, of which one has our "--plugin" name.
+    static int argc = 1;  // Hides the options from Qt, whose own ones include "-plugin".
     if (options.batch) {
         return std::make_unique<QCoreApplication>(argc, argv);
     }
@@ -113,14 +113,14 @@ int Run(const Options& options, const Files& files)
     const std::string ownPlugin = ProgramFolder() + "/../lib/quilp/Quilp.bundle/quilp.so";
     const auto plugin = PluginModule::Load(options.plugin.empty() ? ownPlugin : options.plugin);
     if (!plugin) {
-        return Complain(plugin.error(), kNoPlugin);
+        return ReportError(plugin.error(), kNoPlugin);
     }
     if (!options.batch && !options.openDeviceWindow) {
-        return RunEditor(options, files, *plugin);  // Which starts the board itself.
+        return RunEditor(options, files, *plugin);  // It starts the board itself.
     }
     const auto board = StartBoard(options);
     if (!board) {
-        return Complain(board.error(), kFailure);
+        return ReportError(board.error(), kFailure);
     }
     return options.openDeviceWindow ? RunDeviceWindow(options, *plugin)
                                     : RunBatch(options, files, *plugin);
@@ -128,7 +128,7 @@ int Run(const Options& options, const Files& files)
 
 }  // namespace
 
-int Complain(const std::string& message, int status)
+int ReportError(const std::string& message, int status)
 {
     std::fprintf(stderr, "quilp-editor: %s\n", message.c_str());
     return status;
@@ -149,7 +149,7 @@ int main(int argc, char** argv)
     signal(SIGPIPE, SIG_IGN);
     const auto options = ParseOptions({argv + 1, argv + argc});
     if (!options) {
-        return Complain(options.error() + "\n" + Usage(), kUsageError);
+        return ReportError(options.error() + "\n" + Usage(), kUsageError);
     }
     if (options->help) {
         std::fputs(Usage().c_str(), stdout);
@@ -161,11 +161,11 @@ int main(int argc, char** argv)
     }
     const auto files = FindFiles(*options);
     if (!files) {
-        return Complain(files.error(), kUsageError);
+        return ReportError(files.error(), kUsageError);
     }
-    if (!options->batch && !HasScreen()) {
-        return Complain(
-            "there is no screen to show a window on: DISPLAY is not set; --batch needs none",
+    if (!options->batch && !HasDisplay()) {
+        return ReportError(
+            "cannot open a window because DISPLAY is not set; use --batch to run without windows",
             kFailure);
     }
     const auto application = MakeApplication(*options, argv);

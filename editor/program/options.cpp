@@ -16,15 +16,16 @@ constexpr const char* kUsage =
     "usage: quilp-editor [OPTION]... [FILE]...\n"
     "       quilp-editor [OPTION]... --batch COMMAND...\n"
     "       quilp-editor [OPTION]... --open-device-window\n"
-    "Opens the files in the editor; without files, those that were open last.\n"
-    "  --document FILE        the front document\n"
-    "  --target FILE          the current target, which runs when the document is not Python\n"
-    "  --virtual-board[=DIR]  attach a virtual board, with its files in DIR\n"
-    "  --plugin FILE          load this plug-in instead of the bundled one\n"
-    "  --open-device-window   show only the window of the board's files\n"
-    "  --appearance NAME      light, dark, or system to follow the desktop\n"
-    "  --version              show the version\n"
-    "  --help                 show this text\n"
+    "Open FILEs in the editor. Without FILE, reopen the documents of the last session.\n"
+    "  --document FILE        use FILE as the front document\n"
+    "  --target FILE          use FILE as the target, which runs if the document is not Python\n"
+    "  --virtual-board[=DIR]  attach a virtual board, and keep its files in DIR\n"
+    "  --plugin FILE          load the plug-in FILE instead of the bundled one\n"
+    "  --open-device-window   open only the Device window\n"
+    "  --batch                perform the commands without opening windows\n"
+    "  --appearance NAME      use the light or dark theme, or system to follow the desktop\n"
+    "  --version              print the version and exit\n"
+    "  --help                 print this help and exit\n"
     "Commands:";
 
 constexpr std::string_view kHelp = "help";
@@ -36,28 +37,28 @@ std::optional<Wait> ParseWait(const std::string& seconds)
     char* end = nullptr;
     errno = 0;
     const double value = std::strtod(seconds.c_str(), &end);
-    const bool whole = !seconds.empty() && *end == '\0' && errno == 0;
-    if (!whole || !std::isfinite(value) || value < 0 || value > kMaxWait) {
+    const bool isNumber = !seconds.empty() && *end == '\0' && errno == 0;
+    if (!isNumber || !std::isfinite(value) || value < 0 || value > kMaxWait) {
         return std::nullopt;
     }
     return Wait(value);
 }
 
-std::optional<BatchCommand> ParseCommand(const std::string& word)
+std::optional<BatchCommand> ParseCommand(const std::string& argument)
 {
-    if (word.starts_with(kWait)) {
-        const auto wait = ParseWait(word.substr(kWait.size()));
+    if (argument.starts_with(kWait)) {
+        const auto wait = ParseWait(argument.substr(kWait.size()));
         return wait ? std::optional<BatchCommand>(*wait) : std::nullopt;
     }
-    if (word == kHelp) {
+    if (argument == kHelp) {
         return ShowHelp();
     }
-    const auto* const command = FindCommandByBatchWord(word);
+    const auto* const command = FindCommandByBatchName(argument);
     return command != nullptr ? std::optional<BatchCommand>(command) : std::nullopt;
 }
 
-// What getopt returns for a word that is no option when it is to keep the order ("-").
-constexpr int kWord = 1;
+// With "-" in its short options, getopt returns this value for arguments that are not options.
+constexpr int kPositional = 1;
 
 const std::array<option, 10> kLongOptions{{
     {"document", required_argument, nullptr, 'd'},
@@ -72,8 +73,8 @@ const std::array<option, 10> kLongOptions{{
     {},
 }};
 
-// False for what is neither an option nor a command, or lacks its value.
-bool Take(Options& options, int option, const char* argument)
+// Returns false for an unknown option or a missing or invalid value.
+bool ApplyOption(Options& options, int option, const char* argument)
 {
     switch (option) {
         case 'd': options.document = argument; return true;
@@ -84,41 +85,41 @@ bool Take(Options& options, int option, const char* argument)
         case 'V': options.version = true; return true;
         case 'h': options.help = true; return true;
         case 'a':
-            options.appearance = AppearanceNamed(argument);
+            options.appearance = ParseAppearance(argument);
             return options.appearance.has_value();
         case 'v':
             options.virtualBoard = true;
             options.boardFolder = argument != nullptr ? argument : "";
             return true;
-        case kWord: options.files.emplace_back(argument); return true;
+        case kPositional: options.files.emplace_back(argument); return true;
         default: return false;
     }
 }
 
-// What stands without an option in front of it: commands of a batch, files otherwise. The error is
-// a sentence.
-std::expected<void, std::string> SortWords(Options& options)
+// Arguments that are not options are commands in batch mode, and files otherwise. The error is a
+// message for the user.
+std::expected<void, std::string> ParsePositional(Options& options)
 {
     if (!options.batch) {
         return {};
     }
-    for (const auto& word : std::exchange(options.files, {})) {
-        const auto command = ParseCommand(word);
+    for (const auto& argument : std::exchange(options.files, {})) {
+        const auto command = ParseCommand(argument);
         if (!command) {
-            return std::unexpected(word + " is not a command");
+            return std::unexpected("unknown command: " + argument);
         }
         options.commands.push_back(*command);
     }
     return {};
 }
 
-std::expected<void, std::string> Check(const Options& options)
+std::expected<void, std::string> Validate(const Options& options)
 {
     if (options.openDeviceWindow && (options.batch || !options.files.empty())) {
-        return std::unexpected("--open-device-window goes without files and commands");
+        return std::unexpected("--open-device-window cannot be combined with files or commands");
     }
     if (options.batch && options.commands.empty() && !options.help && !options.version) {
-        return std::unexpected("--batch needs at least one command");
+        return std::unexpected("--batch requires at least one command");
     }
     return {};
 }
@@ -129,13 +130,13 @@ std::string Usage()
 {
     std::string usage = kUsage;
     for (const auto& command : kPluginCommands) {
-        if (!command.batchWord.empty()) {
-            usage.append(" ").append(command.batchWord).append(",");
+        if (!command.batchName.empty()) {
+            usage.append(" ").append(command.batchName).append(",");
         }
     }
     return usage +
            " help, and\n"
-           "wait=SECONDS, which continues after that time although a command still runs.\n";
+           "wait=SECONDS, which continues after that time even if a command is still running.\n";
 }
 
 std::expected<Options, std::string> ParseOptions(const std::vector<std::string>& arguments)
@@ -148,7 +149,7 @@ std::expected<Options, std::string> ParseOptions(const std::vector<std::string>&
     const int count = static_cast<int>(words.size()) - 1;
 
     Options options;
-    optind = 0;  // Begins anew, also in glibc's sense.
+    optind = 0;  // Restarts the scan; 0 also resets glibc's internal state.
     opterr = 0;
     for (;;) {
         const auto at = static_cast<std::size_t>(std::max(optind, 1));
@@ -156,16 +157,17 @@ std::expected<Options, std::string> ParseOptions(const std::vector<std::string>&
         if (c == -1) {
             break;
         }
-        if (!Take(options, c, optarg)) {
-            return std::unexpected(std::string(words[at]) +
-                                   " is not an option, or lacks its value");
+        if (!ApplyOption(options, c, optarg)) {
+            return std::unexpected(std::string("unknown option, or missing or invalid value: ") +
+                                   words[at]);
         }
     }
-    options.files.insert(options.files.end(), words.begin() + optind, words.end() - 1);  // "--".
-    if (const auto sorted = SortWords(options); !sorted) {
+    // The arguments after "--".
+    options.files.insert(options.files.end(), words.begin() + optind, words.end() - 1);
+    if (const auto sorted = ParsePositional(options); !sorted) {
         return std::unexpected(sorted.error());
     }
-    if (const auto checked = Check(options); !checked) {
+    if (const auto checked = Validate(options); !checked) {
         return std::unexpected(checked.error());
     }
     return options;

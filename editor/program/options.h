@@ -10,24 +10,24 @@
 #include <variant>
 #include <vector>
 
-// Prints the plug-in's help.
+// The batch command that prints the plug-in's help.
 struct ShowHelp {
     bool operator==(const ShowHelp&) const = default;
 };
 using Wait = std::chrono::duration<double>;
 using BatchCommand = std::variant<const PluginCommand*, ShowHelp, Wait>;
 
-// What the command line asks for.
+// The options of the command line.
 struct Options {
-    std::string plugin;  // Empty: the one that is bundled with the editor.
+    std::string plugin;  // Empty for the plug-in that is bundled with the editor.
     bool virtualBoard = false;
-    std::string boardFolder;  // Empty: the user's own.
+    std::string boardFolder;  // Empty for the default folder.
     std::string target;
     std::string document;
     bool batch = false;
     std::vector<BatchCommand> commands;
-    std::vector<std::string> files;  // To open in the editor.
-    bool openDeviceWindow = false;   // And nothing else.
+    std::vector<std::string> files;  // To be opened in the editor.
+    bool openDeviceWindow = false;   // Open only the Device window.
     std::optional<Appearance> appearance;
     bool version = false;
     bool help = false;
@@ -36,5 +36,5 @@ struct Options {
 // The text that --help prints.
 std::string Usage();
 
-// The error is a sentence for the user. Accesses no file.
+// Parses the arguments without accessing files. The error is a message for the user.
 std::expected<Options, std::string> ParseOptions(const std::vector<std::string>& arguments);

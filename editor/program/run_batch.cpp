@@ -11,13 +11,13 @@ int RunBatch(const Options& options, const Files& files, const PluginModule& plu
 {
     Signals signals;
     Runtime runtime;
-    runtime.handlers.error = [](const std::string& error) { Complain(error, kFailure); };
+    runtime.handlers.error = [](const std::string& error) { ReportError(error, kFailure); };
     Batch* running = nullptr;
     StandardOutput output(signals.fd());
     PluginHost host(plugin, runtime, [&](const std::string& text) {
         if (!output.Write(text) && running != nullptr) {
             if (!output.error().empty()) {
-                Complain(output.error(), kFailure);
+                ReportError(output.error(), kFailure);
             }
             std::exchange(running, nullptr)->Interrupt(kFailure);
         }
@@ -25,7 +25,7 @@ int RunBatch(const Options& options, const Files& files, const PluginModule& plu
     host.SetDocument(files.document);
     host.SetTarget(files.target);
     if (const auto started = host.Start(); !started) {
-        return Complain(started.error(), kNoPlugin);
+        return ReportError(started.error(), kNoPlugin);
     }
     Batch batch(host, runtime, plugin, options.commands, QCoreApplication::exit);
     running = &batch;

@@ -5,12 +5,12 @@
 
 #include <string>
 
-// What the program does, in its several ways. Each has its application object already, runs until
-// it ends, and returns the exit status.
+// The modes of the program. Each function requires the application object, runs until the program
+// is to exit, and returns the exit status. [ui]
 
 enum ExitStatus : int { kSuccess = 0, kFailure = 1, kUsageError = 2, kNoPlugin = 3 };
 
-// Full paths; empty for none.
+// Full paths; empty if there is none.
 struct Files {
     std::string document;
     std::string target;
@@ -18,15 +18,15 @@ struct Files {
 
 int RunBatch(const Options& options, const Files& files, const PluginModule& plugin);
 
-// The editor with its windows.
+// Runs the editor with its windows.
 int RunEditor(const Options& options, const Files& files, const PluginModule& plugin);
 
-// The Device window alone. What belongs into the worksheet goes to standard output.
+// Runs only the Device window. Output for the worksheet is written to standard output.
 int RunDeviceWindow(const Options& options, const PluginModule& plugin);
 
-// Tells the user on standard error; returns the status.
-int Complain(const std::string& message, int status);
+// Prints the message to standard error and returns the status.
+int ReportError(const std::string& message, int status);
 
-// The virtual board's program, and the folder for its files.
+// The paths of the virtual board's program and of the folder for its files.
 std::string BoardProgram();
 std::string BoardFolder(const Options& options);

@@ -17,7 +17,7 @@ int RunEditor(const Options& options, const Files& files, const PluginModule& pl
         window.ReportPluginError(error);
     };
     if (const auto started = window.Start(); !started) {
-        return Complain(started.error(), kNoPlugin);
+        return ReportError(started.error(), kNoPlugin);
     }
     if (options.appearance) {
         SetAppearance(*options.appearance);
@@ -34,11 +34,11 @@ int RunEditor(const Options& options, const Files& files, const PluginModule& pl
     }
     window.OpenFiles(documents);
     window.show();
-    // To quit would ask every window once more.
-    QObject::connect(&window, &MainWindow::Ended, [] { QCoreApplication::exit(); });
+    // exit rather than quit, which would try to close the window again.
+    QObject::connect(&window, &MainWindow::Closed, [] { QCoreApplication::exit(); });
     signals.SetHandler([&window](int) { window.QuitWithoutAsking(); });
     if (options.virtualBoard) {
-        // The window is to be seen first.
+        // Show the window first.
         QTimer::singleShot(0, &window, [&window] { window.board().AttachVirtualBoard(); });
     }
     const int status = QCoreApplication::exec();
@@ -53,9 +53,9 @@ int RunDeviceWindow(const Options& options, const PluginModule& plugin)
     Runtime runtime;
     StandardOutput output(signals.fd());
     PluginHost host(plugin, runtime, [&](const std::string& text) { output.Write(text); });
-    runtime.handlers.error = [](const std::string& error) { Complain(error, kFailure); };
+    runtime.handlers.error = [](const std::string& error) { ReportError(error, kFailure); };
     if (const auto started = host.Start(); !started) {
-        return Complain(started.error(), kNoPlugin);
+        return ReportError(started.error(), kNoPlugin);
     }
     runtime.handlers.windowClosed = QCoreApplication::quit;
     signals.SetHandler([&runtime](int) {

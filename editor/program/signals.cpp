@@ -18,7 +18,7 @@ constexpr std::array kNumbers{SIGINT, SIGTERM, SIGHUP};
 std::array<int, 2> signalPipe{-1, -1};
 volatile std::sig_atomic_t firstSignal = 0;
 
-void PassOn(int number)
+void HandleSignal(int number)
 {
     const int error = errno;
     if (firstSignal == 0) {
@@ -38,7 +38,7 @@ Signals::Signals()
     }
     SetNonBlocking(signalPipe[1]);
     struct sigaction action {};
-    action.sa_handler = PassOn;
+    action.sa_handler = HandleSignal;
     action.sa_flags = SA_RESTART;
     for (const int number : kNumbers) {
         sigaction(number, &action, nullptr);
@@ -65,7 +65,7 @@ void Signals::SetHandler(std::function<void(int)> handler)
     notifier_ = std::make_unique<QSocketNotifier>(fd(), QSocketNotifier::Read);
     QObject::connect(notifier_.get(), &QSocketNotifier::activated,
                      [this, handler = std::move(handler)] {
-                         // The byte stays where it is: others look at the descriptor, too.
+                         // The byte is not read, because others poll the descriptor, too.
                          notifier_->setEnabled(false);
                          handler(firstSignal);
                      });

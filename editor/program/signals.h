@@ -5,8 +5,8 @@
 #include <functional>
 #include <memory>
 
-// The signals that ask the program to end, as an event. One at a time; used on the user-interface
-// thread.
+// Converts the signals that request termination into an event. Only one object may exist at a
+// time. [ui]
 class Signals {
   public:
     Signals();
@@ -14,9 +14,9 @@ class Signals {
     Signals& operator=(const Signals&) = delete;
     ~Signals();
 
-    // Readable from the first signal on.
+    // A descriptor that is readable from the first signal on.
     int fd() const;
-    // Called once, with the first signal's number.
+    // The handler is called once, with the number of the first signal.
     void SetHandler(std::function<void(int number)> handler);
 
   private:

@@ -3,15 +3,15 @@
 #include <string>
 #include <string_view>
 
-// Standard output, which may stall for as long as its reader likes. Used on one thread.
+// Writes to standard output, whose reader may stall. Not thread-safe.
 class StandardOutput {
   public:
-    // When `interruptFd` is readable, text that the reader does not take at once is given up.
+    // While `interruptFd` is readable, text that cannot be written at once is discarded.
     explicit StandardOutput(int interruptFd) : interruptFd_(interruptFd) {}
 
-    // Writes all of the text, unless it is given up. False when writing fails.
+    // Writes the text, except for what is discarded. Returns false if writing fails.
     bool Write(std::string_view text);
-    // Why; a sentence. Empty when the reader has simply left.
+    // The reason as a message for the user; empty if the reader has closed the pipe.
     const std::string& error() const { return error_; }
 
   private:

@@ -44,7 +44,7 @@ QPalette MakePalette(const Colors& colors)
     return palette;
 }
 
-// Names in braces are replaced by the colours.
+// Names in braces are placeholders for the colours.
 constexpr const char* kStyleSheet = R"(
 QHeaderView::section { background: {window}; color: {muted}; border: none;
     border-bottom: 1px solid {line}; padding: 5px 6px; }
@@ -90,7 +90,7 @@ Appearance current = Appearance::System;
 
 }  // namespace
 
-std::optional<Appearance> AppearanceNamed(const std::string& name)
+std::optional<Appearance> ParseAppearance(const std::string& name)
 {
     const auto found = std::ranges::find(kNames, name, &NamedAppearance::first);
     return found != kNames.end() ? std::optional(found->second) : std::nullopt;
@@ -109,7 +109,7 @@ Appearance CurrentAppearance()
 void SetAppearance(Appearance appearance)
 {
     current = appearance;
-    // The desktop's own colours, before they are replaced.
+    // Determined by the first call, before the desktop's palette is replaced.
     static const bool desktopIsDark = IsDark(QApplication::palette());
     const bool dark =
         appearance == Appearance::Dark || (appearance == Appearance::System && desktopIsDark);

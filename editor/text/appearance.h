@@ -5,16 +5,16 @@
 
 class QPalette;
 
-// How the windows look: like the rest of the desktop, or as the user has chosen.
+// The theme of the windows: that of the desktop, or one that the user has chosen. [ui]
 enum class Appearance { System, Light, Dark };
 
 // The names are "system", "light" and "dark".
-std::optional<Appearance> AppearanceNamed(const std::string& name);
+std::optional<Appearance> ParseAppearance(const std::string& name);
 std::string AppearanceName(Appearance appearance);
 
-// Sets the style and colours of all windows. The application object must exist.
+// Sets the style and colours of all windows. Requires the application object.
 void SetAppearance(Appearance appearance);
-// What SetAppearance set last.
+// The appearance that was set last.
 Appearance CurrentAppearance();
 
 // Whether the palette has light text on a dark background.

@@ -9,12 +9,12 @@ using Sci = QsciScintillaBase;
 
 namespace {
 
-constexpr long kReach = 100'000;  // bytes
+constexpr long kMaxDistance = 100'000;  // bytes
 constexpr std::string_view kOpening = "([{";
 constexpr std::string_view kClosing = ")]}";
 
 struct Bracket {
-    char own, partner;
+    char character, partner;
     int direction;  // Towards the partner.
 };
 
@@ -31,23 +31,23 @@ std::optional<Bracket> BracketFor(char c)
 
 char CharacterAt(const QsciScintilla& editor, long position)
 {
-    return static_cast<char>(Ask(editor, Sci::SCI_GETCHARAT, position));
+    return static_cast<char>(Send(editor, Sci::SCI_GETCHARAT, position));
 }
 
-bool IsBracketOfCode(const QsciScintilla& editor, long position)
+bool IsCodeBracket(const QsciScintilla& editor, long position)
 {
     if (position < 0 || !BracketFor(CharacterAt(editor, position))) {
         return false;
     }
     const auto* const lexer = editor.lexer();
-    return lexer == nullptr || Ask(editor, Sci::SCI_GETSTYLEAT, position) == lexer->braceStyle();
+    return lexer == nullptr || Send(editor, Sci::SCI_GETSTYLEAT, position) == lexer->braceStyle();
 }
 
 std::optional<long> BracketAtCaret(const QsciScintilla& editor)
 {
-    const long caret = Ask(editor, Sci::SCI_GETCURRENTPOS);
+    const long caret = Send(editor, Sci::SCI_GETCURRENTPOS);
     for (const long position : {caret - 1, caret}) {
-        if (IsBracketOfCode(editor, position)) {
+        if (IsCodeBracket(editor, position)) {
             return position;
         }
     }
@@ -59,15 +59,15 @@ class StyledText {
   public:
     StyledText(const QsciScintilla& editor, long start, long end)
         : start_(start),
-          cells_(2 * (end - start) + 2, Qt::Uninitialized),  // Two NULs end it.
-          endOfStyles_(Ask(editor, Sci::SCI_GETENDSTYLED))
+          cells_(2 * (end - start) + 2, Qt::Uninitialized),  // Terminated by two NULs.
+          endOfStyles_(Send(editor, Sci::SCI_GETENDSTYLED))
     {
         editor.SendScintilla(Sci::SCI_GETSTYLEDTEXT, start, end, cells_.data());
     }
 
     char At(long position) const { return cells_.at(2 * (position - start_)); }
 
-    // What is not styled yet may be code.
+    // Text that is not styled yet may be code.
     bool IsStyled(long position, char style) const
     {
         return position >= endOfStyles_ || cells_.at(2 * (position - start_) + 1) == style;
@@ -88,33 +88,34 @@ std::optional<BracketMatch> MatchBracketAtCaret(const QsciScintilla& editor)
         return std::nullopt;
     }
     const auto bracket = *BracketFor(CharacterAt(editor, *position));
-    const auto style = static_cast<char>(Ask(editor, Sci::SCI_GETSTYLEAT, *position));
-    const bool isBackwards = bracket.direction < 0;
-    const long start = isBackwards ? std::max(0L, *position - kReach) : *position;
-    const long end = isBackwards ? *position + 1 : std::min(Length(editor), *position + kReach);
+    const auto style = static_cast<char>(Send(editor, Sci::SCI_GETSTYLEAT, *position));
+    const bool isBackward = bracket.direction < 0;
+    const long start = isBackward ? std::max(0L, *position - kMaxDistance) : *position;
+    const long end =
+        isBackward ? *position + 1 : std::min(Length(editor), *position + kMaxDistance);
     const StyledText text(editor, start, end);
     long depth = 0;
     for (long at = *position; at >= start && at < end; at += bracket.direction) {
         const char c = text.At(at);
-        if ((c == bracket.own || c == bracket.partner) && text.IsStyled(at, style)) {
-            depth += c == bracket.own ? 1 : -1;
+        if ((c == bracket.character || c == bracket.partner) && text.IsStyled(at, style)) {
+            depth += c == bracket.character ? 1 : -1;
             if (depth == 0) {
                 return BracketMatch{*position, at};
             }
         }
     }
-    const bool wasAllSearched = isBackwards ? start == 0 : end == Length(editor);
-    return wasAllSearched ? std::optional(BracketMatch{*position, std::nullopt}) : std::nullopt;
+    const bool reachedEnd = isBackward ? start == 0 : end == Length(editor);
+    return reachedEnd ? std::optional(BracketMatch{*position, std::nullopt}) : std::nullopt;
 }
 
 void MarkBracketsAtCaret(QsciScintilla& editor)
 {
     const auto match = MatchBracketAtCaret(editor);
     if (match && !match->partner) {
-        Ask(editor, Sci::SCI_BRACEBADLIGHT, match->bracket);
+        Send(editor, Sci::SCI_BRACEBADLIGHT, match->bracket);
         return;
     }
     const long none = -1;
-    Ask(editor, Sci::SCI_BRACEHIGHLIGHT, match ? match->bracket : none,
-        match ? *match->partner : none);
+    Send(editor, Sci::SCI_BRACEHIGHLIGHT, match ? match->bracket : none,
+         match ? *match->partner : none);
 }

@@ -4,16 +4,16 @@
 
 #include <optional>
 
-// Which brackets belong together. Used on the user-interface thread.
+// A bracket and the one that matches it. [ui]
 struct BracketMatch {
-    long bracket;                 // Before the caret, or else after it.
-    std::optional<long> partner;  // None: the text has none.
+    long bracket;                 // The one before the caret, otherwise the one after it.
+    std::optional<long> partner;  // None if the bracket is unmatched.
 };
 
-// None when there is no bracket of code at the caret, and when the partner is further away than is
-// searched at each movement of the caret: Scintilla's own search has no such end, and takes 70 ms
-// in 5 MB for each bracket whose partner is not yet written.
+// None if there is no bracket of code at the caret, or if its partner was not found within the
+// maximum distance. Scintilla's own search has no such limit: in 5 MB it takes 70 ms for each
+// unmatched bracket, at each movement of the caret.
 std::optional<BracketMatch> MatchBracketAtCaret(const QsciScintilla& editor);
 
-// Marks what MatchBracketAtCaret finds.
+// Highlights the result of MatchBracketAtCaret.
 void MarkBracketsAtCaret(QsciScintilla& editor);

@@ -5,8 +5,8 @@
 class QDropEvent;
 class QMimeData;
 
-// Files and folders of this machine that somebody drags; full paths.
+// The full paths of the local files and folders in drag-and-drop data. [ui]
 QStringList LocalFiles(const QMimeData& data);
 
-// As a copy: a file manager would remove what it believes was moved.
+// Accepts the drop as a copy, because a file manager would delete files that were moved. [ui]
 void AcceptAsCopy(QDropEvent* event);

@@ -26,8 +26,8 @@ const EditorColors kLight{
     .className = {0x95, 0x38, 0x00},
     .function = {0x05, 0x50, 0xae},
     .decorator = {0x8a, 0x5a, 0x00},
-    .good = {0xcf, 0xe3, 0xf8},
-    .bad = {0xc2, 0x1f, 0x2e},
+    .matchedBrace = {0xcf, 0xe3, 0xf8},
+    .error = {0xc2, 0x1f, 0x2e},
 };
 const EditorColors kDark{
     .caretLine = {0x24, 0x2a, 0x31},
@@ -42,8 +42,8 @@ const EditorColors kDark{
     .className = {0xff, 0xb3, 0x80},
     .function = {0x79, 0xc0, 0xff},
     .decorator = {0xe3, 0xc0, 0x78},
-    .good = {0x2c, 0x4a, 0x6b},
-    .bad = {0xff, 0x8a, 0x80},
+    .matchedBrace = {0x2c, 0x4a, 0x6b},
+    .error = {0xff, 0x8a, 0x80},
 };
 
 bool IsPrintable(int key)
@@ -51,22 +51,22 @@ bool IsPrintable(int key)
     return key >= Qt::Key_Space && key <= Qt::Key_AsciiTilde;
 }
 
-// A chord of Control and a character stands in the window's menus, unless every editor has it.
-bool BelongsToTheMenus(int chord)
+// Control with a character is reserved for the window's menus, except for common editing keys.
+bool IsMenuShortcut(int chord)
 {
     const int key = chord & ~static_cast<int>(Qt::KeyboardModifierMask);
     const bool isEditing = QStringLiteral("ACVXYZ").contains(QChar(key));
     return (chord & static_cast<int>(Qt::CTRL)) != 0 && IsPrintable(key) && !isEditing;
 }
 
-// QScintilla takes a chord that it knows before the menus see it.
-void LeaveChordsToTheMenus(QsciScintilla& editor)
+// QScintilla would handle these keys before the menus.
+void RemoveMenuShortcuts(QsciScintilla& editor)
 {
     for (auto* command : editor.standardCommands()->commands()) {
-        if (BelongsToTheMenus(command->key())) {
+        if (IsMenuShortcut(command->key())) {
             command->setKey(0);
         }
-        if (BelongsToTheMenus(command->alternateKey())) {
+        if (IsMenuShortcut(command->alternateKey())) {
             command->setAlternateKey(0);
         }
     }
@@ -83,7 +83,7 @@ QFont EditorFont()
 {
     QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     const QString preferred = QStringLiteral("JetBrains Mono");
-    // Once: it goes through every font of the system, and each new document asks.
+    // Determined once, because it enumerates all fonts of the system.
     static const bool isInstalled = QFontDatabase::families().contains(preferred);
     if (isInstalled) {
         font.setFamilies({preferred});
@@ -101,12 +101,12 @@ void SetUpEditor(QsciScintilla& editor)
     editor.setExtraDescent(2);
     editor.setCaretLineVisible(true);
     editor.setWrapMode(QsciScintilla::WrapNone);
-    editor.setScrollWidth(1);  // Grows with what is shown.
+    editor.setScrollWidth(1);  // Grows with the lines that are displayed.
     editor.setScrollWidthTracking(true);
     for (int margin = 0; margin < editor.margins(); ++margin) {
         editor.setMarginWidth(margin, 0);
     }
-    LeaveChordsToTheMenus(editor);
+    RemoveMenuShortcuts(editor);
     ApplyStyle(editor);
 }
 
@@ -129,8 +129,8 @@ void ApplyStyle(QsciScintilla& editor)
     editor.setIndentationGuidesForegroundColor(colors.guide);
     editor.setIndentationGuidesBackgroundColor(colors.guide);
     editor.setMatchedBraceForegroundColor(text);
-    editor.setMatchedBraceBackgroundColor(colors.good);
-    editor.setUnmatchedBraceForegroundColor(colors.bad);
+    editor.setMatchedBraceBackgroundColor(colors.matchedBrace);
+    editor.setUnmatchedBraceForegroundColor(colors.error);
     editor.setUnmatchedBraceBackgroundColor(palette.color(QPalette::Base));
 }
 

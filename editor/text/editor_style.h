@@ -7,24 +7,25 @@
 
 class QKeyEvent;
 
-// How texts look. Used on the user-interface thread.
+// The common style of all text views. [ui]
 
-// Colours that a palette does not have.
+// Colours that QPalette has no roles for.
 struct EditorColors {
     QColor caretLine, margin, guide, link;
     QColor keyword, builtin, string, comment, number, className, function, decorator;
-    QColor good, bad;  // Of matching and lonely brackets, and of messages.
+    QColor matchedBrace, error;  // `error` is also used for unmatched brackets.
 };
 
 const EditorColors& ColorsFor(const QPalette& palette);
 
 QFont EditorFont();
 
-// What all texts have in common. Once.
+// Sets the common properties. Call it once for each editor.
 void SetUpEditor(QsciScintilla& editor);
 
-// Fonts, and colours that suit the widget's palette. Again when the palette or the lexer changes.
+// Sets the fonts, and colours that match the widget's palette. Call it again when the palette or
+// the lexer changes.
 void ApplyStyle(QsciScintilla& editor);
 
-// Whether it is a chord of Control that stands for no character, though it has one.
+// Whether the event is Control with a printable character, which must not be inserted as text.
 bool IsControlChord(const QKeyEvent& event);

@@ -16,7 +16,7 @@ namespace {
 constexpr int kMargin = 12;  // pixels
 constexpr int kSpacing = 8;
 
-constexpr const char* kTooHard = "Too hard an expression for this text";
+constexpr const char* kTooComplex = "The expression is too complex for this text";
 
 long PositionOf(const QString& text, qsizetype units)
 {
@@ -66,7 +66,7 @@ QPushButton* MakeButton(const QString& text, FindBar* bar, Action action)
 
 FindBar::FindBar(QWidget* parent)
     : QWidget(parent),
-      words_(new QLineEdit(this)),
+      searchText_(new QLineEdit(this)),
       replacement_(new QLineEdit(this)),
       matchCase_(new QCheckBox(tr("&Match case"), this)),
       wholeWords_(new QCheckBox(tr("Whole w&ords"), this)),
@@ -81,7 +81,7 @@ FindBar::FindBar(QWidget* parent)
     replaceRow_ = MakeReplaceRow();
     replaceRow_->hide();
     rows->addWidget(replaceRow_);
-    connect(words_, &QLineEdit::textEdited, this, &FindBar::FindWhileTyping);
+    connect(searchText_, &QLineEdit::textEdited, this, &FindBar::FindWhileTyping);
     for (auto* option : {matchCase_, wholeWords_, regularExpression_}) {
         connect(option, &QCheckBox::toggled, this, &FindBar::FindWhileTyping);
     }
@@ -91,9 +91,9 @@ QWidget* FindBar::MakeFindRow()
 {
     auto* row = new QWidget;
     auto* layout = MakeRowLayout(row);
-    words_->setAccessibleName(tr("Find"));
-    words_->setClearButtonEnabled(true);
-    message_->setAccessibleName(tr("Result of the search"));
+    searchText_->setAccessibleName(tr("Find"));
+    searchText_->setClearButtonEnabled(true);
+    message_->setAccessibleName(tr("Search result"));
     auto* close = new QToolButton;
     close->setText(QStringLiteral("×"));
     close->setAutoRaise(true);
@@ -101,8 +101,8 @@ QWidget* FindBar::MakeFindRow()
     close->setAccessibleName(tr("Close"));
     close->setToolTip(tr("Close (Esc)"));
     connect(close, &QToolButton::clicked, this, &FindBar::Close);
-    layout->addWidget(MakeLabel(tr("Fi&nd:"), words_));
-    layout->addWidget(words_, 1);
+    layout->addWidget(MakeLabel(tr("Fi&nd:"), searchText_));
+    layout->addWidget(searchText_, 1);
     layout->addWidget(MakeButton(tr("Ne&xt"), this, &FindBar::FindNext));
     layout->addWidget(MakeButton(tr("Previo&us"), this, &FindBar::FindPrevious));
     for (auto* option : {matchCase_, wholeWords_, regularExpression_}) {
@@ -128,7 +128,7 @@ QWidget* FindBar::MakeReplaceRow()
 void FindBar::SetEditor(QsciScintilla* editor)
 {
     editor_ = editor;
-    Say({});
+    ShowMessage({});
 }
 
 void FindBar::OpenForFind()
@@ -145,13 +145,13 @@ void FindBar::Open(bool replaces)
 {
     const QString selected = editor_ ? editor_->selectedText() : QString();
     if (!selected.isEmpty() && !selected.contains(u'\n') && !selected.contains(u'\r')) {
-        words_->setText(selected);
+        searchText_->setText(selected);
     }
-    Say({});
+    ShowMessage({});
     replaceRow_->setVisible(replaces);
     show();
-    words_->setFocus();
-    words_->selectAll();
+    searchText_->setFocus();
+    searchText_->selectAll();
 }
 
 void FindBar::Close()
@@ -173,7 +173,7 @@ void FindBar::FindPrevious()
     Find(Selection().start, false);
 }
 
-// From where the selection starts, so that a longer word can be found where a shorter was.
+// Starts at the selection's start, so that a match can grow with the search text.
 void FindBar::FindWhileTyping()
 {
     Find(Selection().start, true);
@@ -181,15 +181,15 @@ void FindBar::FindWhileTyping()
 
 std::optional<TextSearch> FindBar::Search()
 {
-    Say({});
-    if (!editor_ || words_->text().isEmpty()) {
+    ShowMessage({});
+    if (!editor_ || searchText_->text().isEmpty()) {
         return std::nullopt;
     }
     auto search = TextSearch::Make(
-        words_->text(),
+        searchText_->text(),
         {matchCase_->isChecked(), wholeWords_->isChecked(), regularExpression_->isChecked()});
     if (!search) {
-        Say(search.error(), Kind::Bad);
+        ShowMessage(search.error(), Kind::Error);
         return std::nullopt;
     }
     return std::move(*search);
@@ -204,19 +204,19 @@ void FindBar::Find(qsizetype from, bool forward)
     const QString text = TextOf(*editor_);
     auto found = forward ? search->FindFrom(text, from) : search->FindBefore(text, from);
     if (forward && found && *found == FoundText{from, 0}) {
-        found = search->FindFrom(text, from + 1);  // A match of nothing would be found for ever.
+        found = search->FindFrom(text, from + 1);  // Do not find the same empty match again.
     }
-    const bool goesOn = found && !*found;
-    if (goesOn) {
+    const bool wraps = found && !*found;
+    if (wraps) {
         found = forward ? search->FindFrom(text, 0) : search->FindBefore(text, text.size() + 1);
     }
     if (!found || !*found) {
-        Say(found ? tr("No match") : tr(kTooHard), Kind::Bad);
+        ShowMessage(found ? tr("No match") : tr(kTooComplex), Kind::Error);
         show();
         return;
     }
-    if (goesOn) {
-        Say(tr("Went on at the other end"));
+    if (wraps) {
+        ShowMessage(tr("The search wrapped around"));
     }
     Select(*editor_, text, **found);
 }
@@ -226,16 +226,16 @@ FoundText FindBar::Selection() const
     if (!editor_) {
         return {};
     }
-    const long start = Ask(*editor_, QsciScintilla::SCI_GETSELECTIONSTART);
-    const long end = Ask(*editor_, QsciScintilla::SCI_GETSELECTIONEND);
-    return {Ask(*editor_, QsciScintilla::SCI_COUNTCODEUNITS, 0, start),
-            Ask(*editor_, QsciScintilla::SCI_COUNTCODEUNITS, start, end)};
+    const long start = Send(*editor_, QsciScintilla::SCI_GETSELECTIONSTART);
+    const long end = Send(*editor_, QsciScintilla::SCI_GETSELECTIONEND);
+    return {Send(*editor_, QsciScintilla::SCI_COUNTCODEUNITS, 0, start),
+            Send(*editor_, QsciScintilla::SCI_COUNTCODEUNITS, start, end)};
 }
 
 bool FindBar::CanReplace()
 {
     if (editor_ && editor_->isReadOnly()) {
-        Say(tr("The text cannot be changed"), Kind::Bad);
+        ShowMessage(tr("The text is read-only"), Kind::Error);
         return false;
     }
     return editor_;
@@ -255,7 +255,7 @@ void FindBar::Replace()
         const auto bytes = replacement->toUtf8();
         ReplaceBetween(*editor_, start, PositionOf(text, selection.start + selection.length),
                        bytes);
-        Ask(*editor_, QsciScintilla::SCI_SETEMPTYSELECTION, start + bytes.size());
+        Send(*editor_, QsciScintilla::SCI_SETEMPTYSELECTION, start + bytes.size());
     }
     FindNext();
 }
@@ -269,25 +269,26 @@ void FindBar::ReplaceAll()
     const QString text = TextOf(*editor_);
     const auto replaced = search->ReplaceAll(text, replacement_->text(), LineEndingOf(*editor_));
     if (!replaced) {
-        Say(tr(kTooHard), Kind::Bad);
+        ShowMessage(tr(kTooComplex), Kind::Error);
         return;
     }
     if (replaced->count == 0) {
-        Say(tr("No match"), Kind::Bad);
+        ShowMessage(tr("No match"), Kind::Error);
         return;
     }
     ReplaceBetween(*editor_, PositionOf(text, replaced->range.start),
                    PositionOf(text, replaced->range.start + replaced->range.length),
                    replaced->text.toUtf8());
-    Say(replaced->count == 1 ? tr("1 replaced") : tr("%1 replaced").arg(replaced->count));
+    ShowMessage(replaced->count == 1 ? tr("1 match replaced")
+                                     : tr("%1 matches replaced").arg(replaced->count));
 }
 
-void FindBar::Say(const QString& text, Kind kind)
+void FindBar::ShowMessage(const QString& text, Kind kind)
 {
     kind_ = kind;
     QPalette colors = palette();
-    if (kind == Kind::Bad) {
-        colors.setColor(QPalette::WindowText, ColorsFor(colors).bad);
+    if (kind == Kind::Error) {
+        colors.setColor(QPalette::WindowText, ColorsFor(colors).error);
     }
     message_->setPalette(colors);
     message_->setText(text);
@@ -313,6 +314,6 @@ void FindBar::changeEvent(QEvent* event)
 {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::PaletteChange) {
-        Say(message_->text(), kind_);
+        ShowMessage(message_->text(), kind_);
     }
 }

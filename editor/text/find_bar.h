@@ -10,22 +10,23 @@ class QLabel;
 class QLineEdit;
 class QsciScintilla;
 
-// Finds and replaces in a text. Closed at first. Used on the user-interface thread.
+// Finds and replaces text. Initially hidden. [ui]
 class FindBar final : public QWidget {
     Q_OBJECT
 
   public:
     explicit FindBar(QWidget* parent = nullptr);
 
-    // The text to search; null for none. It may be destroyed at any time.
+    // The editor to search; null for none. It may be destroyed at any time.
     void SetEditor(QsciScintilla* editor);
     QsciScintilla* editor() const { return editor_; }
 
-    // Shows the bar, which takes the focus and the selection's words when they are on one line.
+    // Show the bar and move the focus to it. A selection within one line becomes the search text.
     void OpenForFind();
     void OpenForReplace();
 
-    // Also while the bar is closed. Go on at the other end, and say so in the bar.
+    // Find the next match, also while the bar is hidden. At the end of the text the search wraps
+    // around, which the bar reports.
     void FindNext();
     void FindPrevious();
 
@@ -34,7 +35,7 @@ class FindBar final : public QWidget {
     void changeEvent(QEvent* event) override;
 
   private:
-    enum class Kind { Neutral, Bad };
+    enum class Kind { Normal, Error };
 
     QWidget* MakeFindRow();
     QWidget* MakeReplaceRow();
@@ -47,10 +48,10 @@ class FindBar final : public QWidget {
     std::optional<TextSearch> Search();
     FoundText Selection() const;
     bool CanReplace();
-    void Say(const QString& text, Kind kind = Kind::Neutral);
+    void ShowMessage(const QString& text, Kind kind = Kind::Normal);
 
-    // Qt's parents own these.
-    QLineEdit* words_;
+    // Owned by their Qt parents.
+    QLineEdit* searchText_;
     QLineEdit* replacement_;
     QCheckBox* matchCase_;
     QCheckBox* wholeWords_;
@@ -58,5 +59,5 @@ class FindBar final : public QWidget {
     QLabel* message_;
     QWidget* replaceRow_ = nullptr;
     QPointer<QsciScintilla> editor_;
-    Kind kind_ = Kind::Neutral;
+    Kind kind_ = Kind::Normal;
 };

@@ -12,8 +12,8 @@ constexpr long kFolding = Sci::SC_MOD_CHANGEFOLD;
 
 bool isWanted = false;
 
-// While nobody listens an editor is a widget as any other. Qt asks the factory that came last
-// first.
+// While no assistive technology is active, an editor has the interface of a plain widget. Qt asks
+// the factory that was installed last first.
 QAccessibleInterface* PlainInterface(const QString& className, QObject* object)
 {
     if (isWanted || className != QLatin1String("QsciScintilla")) {
@@ -22,8 +22,8 @@ QAccessibleInterface* PlainInterface(const QString& className, QObject* object)
     return new QAccessibleWidget(qobject_cast<QWidget*>(object), QAccessible::EditableText);
 }
 
-// So that Qt asks the factories again. It keeps what they made as long as the widget lives.
-void ForgetInterface(QObject& object)
+// Qt caches a widget's interface, so it must be deleted to make Qt ask the factories again.
+void DeleteInterface(QObject& object)
 {
     if (auto* const interface = QAccessible::queryAccessibleInterface(&object)) {
         QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(interface));
@@ -40,7 +40,7 @@ OnDemandAccessibility::OnDemandAccessibility(QsciScintilla& editor)
         QAccessible::installFactory(PlainInterface);
         return true;
     }();
-    AnnounceChanges(isWanted);
+    SetNotifications(isWanted);
     QAccessible::installActivationObserver(this);
 }
 
@@ -52,12 +52,12 @@ OnDemandAccessibility::~OnDemandAccessibility()
 void OnDemandAccessibility::accessibilityActiveChanged(bool isActive)
 {
     isWanted = isActive;
-    AnnounceChanges(isActive);
-    ForgetInterface(editor_);
+    SetNotifications(isActive);
+    DeleteInterface(editor_);
 }
 
-void OnDemandAccessibility::AnnounceChanges(bool alsoDoneOnes)
+void OnDemandAccessibility::SetNotifications(bool all)
 {
     const long mask = kBeforeChange | kFolding;
-    Ask(editor_, Sci::SCI_SETMODEVENTMASK, alsoDoneOnes ? long{Sci::SC_MODEVENTMASKALL} : mask);
+    Send(editor_, Sci::SCI_SETMODEVENTMASK, all ? long{Sci::SC_MODEVENTMASKALL} : mask);
 }

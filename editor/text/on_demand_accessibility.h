@@ -5,19 +5,19 @@
 #include <QAccessible>
 #include <QObject>
 
-// The types of SCN_MODIFIED that come before a change.
+// The types of SCN_MODIFIED that are sent before a change.
 inline constexpr int kBeforeChange =
     QsciScintillaBase::SC_MOD_BEFOREINSERT | QsciScintillaBase::SC_MOD_BEFOREDELETE;
 
-// Tells assistive programs of a text only once one listens. QScintilla itself does so always, and
-// counts all characters before the caret at each change and each painting: 60 ms a key at the end
-// of 5 MB.
+// Notifies assistive technologies of changes to a text, but only while one is active. QScintilla
+// itself always does so, and at each change and each repaint counts all characters before the
+// caret, which takes 60 ms per keystroke at the end of 5 MB.
 //
-// So nobody else can go by QsciScintilla's textChanged and linesChanged, or by what SCN_MODIFIED
-// says of a change that is done: they come only while somebody listens. What always comes is
-// SCN_MODIFIED before a change (kBeforeChange), and SCN_UPDATEUI.
+// Therefore other code must not use QsciScintilla's textChanged and linesChanged, or SCN_MODIFIED
+// after a change: they are sent only while an assistive technology is active. SCN_MODIFIED before a
+// change (kBeforeChange) and SCN_UPDATEUI are always sent.
 //
-// The editor owns it. Used on the user-interface thread.
+// Owned by the editor. [ui]
 class OnDemandAccessibility final : public QObject, QAccessible::ActivationObserver {
   public:
     explicit OnDemandAccessibility(QsciScintilla& editor);
@@ -25,7 +25,7 @@ class OnDemandAccessibility final : public QObject, QAccessible::ActivationObser
 
   private:
     void accessibilityActiveChanged(bool isActive) override;
-    void AnnounceChanges(bool alsoDoneOnes);
+    void SetNotifications(bool all);
 
     QsciScintilla& editor_;
 };

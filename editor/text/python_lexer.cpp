@@ -44,7 +44,7 @@ void PythonLexer::ApplyColors(const QPalette& palette)
           std::pair(SingleQuotedFString, colors.string),
           std::pair(TripleSingleQuotedFString, colors.string),
           std::pair(TripleDoubleQuotedFString, colors.string),
-          std::pair(UnclosedString, colors.bad), std::pair(ClassName, colors.className),
+          std::pair(UnclosedString, colors.error), std::pair(ClassName, colors.className),
           std::pair(FunctionMethodName, colors.function),
           std::pair(HighlightedIdentifier, colors.builtin),
           std::pair(Decorator, colors.decorator)}) {

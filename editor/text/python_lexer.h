@@ -2,7 +2,7 @@
 
 #include "scintilla.h"
 
-// Colours Python as MicroPython has it. Used on the user-interface thread.
+// Highlights the syntax of MicroPython. [ui]
 class PythonLexer final : public QsciLexerPython {
   public:
     explicit PythonLexer(QObject* parent) : QsciLexerPython(parent) {}

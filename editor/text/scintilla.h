@@ -1,6 +1,6 @@
 #pragma once
 
-// QScintilla's headers need the keywords that are switched off everywhere else.
+// QScintilla's headers use Qt's keywords, which QT_NO_KEYWORDS disables everywhere else.
 #define signals Q_SIGNALS
 #define slots Q_SLOTS
 #include <Qsci/qscicommandset.h>

@@ -4,27 +4,27 @@ using Sci = QsciScintillaBase;
 
 long Length(const QsciScintillaBase& editor)
 {
-    return Ask(editor, Sci::SCI_GETLENGTH);
+    return Send(editor, Sci::SCI_GETLENGTH);
 }
 
 long LineAt(const QsciScintillaBase& editor, long position)
 {
-    return Ask(editor, Sci::SCI_LINEFROMPOSITION, position);
+    return Send(editor, Sci::SCI_LINEFROMPOSITION, position);
 }
 
 long LineStart(const QsciScintillaBase& editor, long line)
 {
-    return Ask(editor, Sci::SCI_POSITIONFROMLINE, line);
+    return Send(editor, Sci::SCI_POSITIONFROMLINE, line);
 }
 
 long LineEnd(const QsciScintillaBase& editor, long line)
 {
-    return Ask(editor, Sci::SCI_GETLINEENDPOSITION, line);
+    return Send(editor, Sci::SCI_GETLINEENDPOSITION, line);
 }
 
 QByteArray BytesBetween(const QsciScintillaBase& editor, long start, long end)
 {
-    QByteArray bytes(end - start + 1, Qt::Uninitialized);  // A NUL ends it.
+    QByteArray bytes(end - start + 1, Qt::Uninitialized);  // Terminated by a NUL.
     editor.SendScintilla(Sci::SCI_GETTEXTRANGE, start, end, bytes.data());
     bytes.chop(1);
     return bytes;
@@ -42,7 +42,7 @@ QString TextOf(const QsciScintillaBase& editor)
 
 void ReplaceBetween(QsciScintillaBase& editor, long start, long end, const QByteArray& utf8)
 {
-    Ask(editor, Sci::SCI_SETTARGETRANGE, start, end);
+    Send(editor, Sci::SCI_SETTARGETRANGE, start, end);
     editor.SendScintilla(Sci::SCI_REPLACETARGET, static_cast<unsigned long>(utf8.size()),
                          utf8.constData());
 }
@@ -50,10 +50,10 @@ void ReplaceBetween(QsciScintillaBase& editor, long start, long end, const QByte
 void SelectBetween(QsciScintillaBase& editor, long anchor, long caret)
 {
     const long line = LineAt(editor, caret);
-    const long visible = Ask(editor, Sci::SCI_LINESONSCREEN);
-    const long first = Ask(editor, Sci::SCI_GETFIRSTVISIBLELINE);
+    const long visible = Send(editor, Sci::SCI_LINESONSCREEN);
+    const long first = Send(editor, Sci::SCI_GETFIRSTVISIBLELINE);
     if (line < first || line >= first + visible) {
-        Ask(editor, Sci::SCI_SETFIRSTVISIBLELINE, line - visible / 2);
+        Send(editor, Sci::SCI_SETFIRSTVISIBLELINE, line - visible / 2);
     }
-    Ask(editor, Sci::SCI_SETSEL, anchor, caret);
+    Send(editor, Sci::SCI_SETSEL, anchor, caret);
 }

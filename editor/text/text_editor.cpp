@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr int kIndent = 4;  // blanks
+constexpr int kIndent = 4;  // spaces
 constexpr int kNumberMargin = 0;
 constexpr int kPaddingMargin = 1;
 constexpr int kPadding = 8;  // pixels
@@ -32,28 +32,28 @@ QsciScintilla::EolMode ModeFor(const QString& text)
     return QsciScintilla::EolUnix;
 }
 
-char LastOfEnding(QsciScintilla::EolMode mode)
+char LastCharacterOfEol(QsciScintilla::EolMode mode)
 {
     return mode == QsciScintilla::EolMac ? '\r' : '\n';
 }
 
-bool IsBlank(char c)
+bool IsSpaceOrTab(char c)
 {
     return c == ' ' || c == '\t';
 }
 
 long IndentLength(const QByteArray& line)
 {
-    return std::find_if_not(line.begin(), line.end(), IsBlank) - line.begin();
+    return std::find_if_not(line.begin(), line.end(), IsSpaceOrTab) - line.begin();
 }
 
 qsizetype DigitsOf(int lineCount)
 {
-    constexpr qsizetype kFewest = 3;
-    return std::max(kFewest, QString::number(lineCount).size());
+    constexpr qsizetype kMinDigits = 3;
+    return std::max(kMinDigits, QString::number(lineCount).size());
 }
 
-// Several changes that undo takes back at once.
+// Combines changes into one undo step.
 class UndoStep {
   public:
     explicit UndoStep(QsciScintilla& editor) : editor_(editor) { editor_.beginUndoAction(); }
@@ -73,7 +73,7 @@ TextEditor::TextEditor(QWidget* parent) : QsciScintilla(parent), lexer_(new Pyth
     SetUpKeys();
     SetUpMargins();
     setIndentationGuides(true);
-    Ask(*this, SCI_SETIDLESTYLING, SC_IDLESTYLING_TOVISIBLE);
+    Send(*this, SCI_SETIDLESTYLING, SC_IDLESTYLING_TOVISIBLE);
     connect(this, &QsciScintillaBase::SCN_CHARADDED, this, &TextEditor::IndentNewLine);
     connect(this, &QsciScintillaBase::SCN_MODIFIED, this, [this](int, int type) {
         if ((type & kBeforeChange) != 0) {
@@ -81,7 +81,7 @@ TextEditor::TextEditor(QWidget* parent) : QsciScintilla(parent), lexer_(new Pyth
         }
     });
     connect(this, &QsciScintillaBase::SCN_UPDATEUI, this, [this] {
-        FollowLineCount();
+        UpdateNumberMargin();
         MarkBracketsAtCaret(*this);
     });
     connect(this, &QsciScintillaBase::SCN_ZOOM, this, &TextEditor::FitNumberMargin);
@@ -110,7 +110,7 @@ void TextEditor::FitNumberMargin()
     setMarginWidth(kNumberMargin, QString(digits_ + 1, u'9'));
 }
 
-void TextEditor::FollowLineCount()
+void TextEditor::UpdateNumberMargin()
 {
     if (DigitsOf(lines()) != digits_) {
         FitNumberMargin();
@@ -128,29 +128,29 @@ void TextEditor::SetLanguage(Language language)
 
 void TextEditor::SetContent(const QString& text)
 {
-    Ask(*this, SCI_SETUNDOCOLLECTION, 0);
+    Send(*this, SCI_SETUNDOCOLLECTION, 0);
     ReplaceBetween(*this, 0, Length(*this), text.toUtf8());
-    Ask(*this, SCI_SETUNDOCOLLECTION, 1);
-    Ask(*this, SCI_EMPTYUNDOBUFFER);
-    FollowLineCount();
+    Send(*this, SCI_SETUNDOCOLLECTION, 1);
+    Send(*this, SCI_EMPTYUNDOBUFFER);
+    UpdateNumberMargin();
     setEolMode(ModeFor(text));
     setModified(false);
-    Ask(*this, SCI_GOTOPOS, 0);
+    Send(*this, SCI_GOTOPOS, 0);
 }
 
 void TextEditor::ReplaceContent(const QString& text)
 {
     const long line = CaretLine() - 1;
-    const long column = Ask(*this, SCI_GETCURRENTPOS) - LineStart(*this, line);
-    const long firstVisible = Ask(*this, SCI_GETFIRSTVISIBLELINE);
+    const long column = Send(*this, SCI_GETCURRENTPOS) - LineStart(*this, line);
+    const long firstVisible = Send(*this, SCI_GETFIRSTVISIBLELINE);
     ReplaceBetween(*this, 0, Length(*this), text.toUtf8());
     const long start = LineStart(*this, std::min<long>(line, lines() - 1));
     const long end = LineEnd(*this, LineAt(*this, start));
-    // Not inside a character.
-    const long before = Ask(*this, SCI_POSITIONBEFORE, std::min(start + column, end) + 1);
-    Ask(*this, SCI_SETEMPTYSELECTION, std::max(start, before));
-    FollowLineCount();
-    Ask(*this, SCI_SETFIRSTVISIBLELINE, firstVisible);
+    // Do not place the caret inside a character.
+    const long before = Send(*this, SCI_POSITIONBEFORE, std::min(start + column, end) + 1);
+    Send(*this, SCI_SETEMPTYSELECTION, std::max(start, before));
+    UpdateNumberMargin();
+    Send(*this, SCI_SETFIRSTVISIBLELINE, firstVisible);
     setEolMode(ModeFor(text));
     setModified(false);
 }
@@ -167,12 +167,12 @@ QString TextEditor::Content() const
 
 std::vector<long> TextEditor::SelectedLines() const
 {
-    const long start = Ask(*this, SCI_GETSELECTIONSTART);
-    const long end = Ask(*this, SCI_GETSELECTIONEND);
+    const long start = Send(*this, SCI_GETSELECTIONSTART);
+    const long end = Send(*this, SCI_GETSELECTIONEND);
     const long first = LineAt(*this, start);
     long last = LineAt(*this, end);
     if (last > first && end == LineStart(*this, last)) {
-        --last;  // Nothing of it is selected.
+        --last;  // Nothing on the last line is selected.
     }
     std::vector<long> selected;
     for (long line = first; line <= last; ++line) {
@@ -193,20 +193,20 @@ void TextEditor::ToggleComment()
     for (const long number : SelectedLines()) {
         const long start = LineStart(*this, number);
         const auto text = BytesBetween(*this, start, LineEnd(*this, number));
-        const long own = IndentLength(text);
-        if (own < text.size()) {
+        const long indentLength = IndentLength(text);
+        if (indentLength < text.size()) {
             code.push_back({start, text});
-            indent = indent < 0 ? own : std::min(indent, own);
-            areComments = areComments && text.at(own) == '#';
+            indent = indent < 0 ? indentLength : std::min(indent, indentLength);
+            areComments = areComments && text.at(indentLength) == '#';
         }
     }
-    std::ranges::reverse(code);  // So that the starts stay right.
+    std::ranges::reverse(code);  // Changing the last line first keeps the other positions valid.
     const UndoStep step(*this);
     for (const auto& [start, text] : code) {
         if (areComments) {
             const long mark = IndentLength(text);
-            const bool hasBlank = mark + 1 < text.size() && text.at(mark + 1) == ' ';
-            ReplaceBetween(*this, start + mark, start + mark + (hasBlank ? 2 : 1), {});
+            const bool hasSpace = mark + 1 < text.size() && text.at(mark + 1) == ' ';
+            ReplaceBetween(*this, start + mark, start + mark + (hasSpace ? 2 : 1), {});
         } else {
             Comment(start + indent);
         }
@@ -216,10 +216,10 @@ void TextEditor::ToggleComment()
 void TextEditor::Comment(long position)
 {
     const QByteArray mark = "# ";
-    const bool isCaretHere = !hasSelectedText() && Ask(*this, SCI_GETCURRENTPOS) == position;
+    const bool isCaretHere = !hasSelectedText() && Send(*this, SCI_GETCURRENTPOS) == position;
     ReplaceBetween(*this, position, position, mark);
     if (isCaretHere) {
-        Ask(*this, SCI_SETEMPTYSELECTION, position + mark.size());
+        Send(*this, SCI_SETEMPTYSELECTION, position + mark.size());
     }
 }
 
@@ -232,21 +232,21 @@ void TextEditor::GoToLine(int line)
 
 int TextEditor::CaretLine() const
 {
-    return static_cast<int>(LineAt(*this, Ask(*this, SCI_GETCURRENTPOS))) + 1;
+    return static_cast<int>(LineAt(*this, Send(*this, SCI_GETCURRENTPOS))) + 1;
 }
 
 int TextEditor::CaretColumn() const
 {
-    const long caret = Ask(*this, SCI_GETCURRENTPOS);
+    const long caret = Send(*this, SCI_GETCURRENTPOS);
     const long start = LineStart(*this, CaretLine() - 1);
-    return static_cast<int>(Ask(*this, SCI_COUNTCHARACTERS, start, caret)) + 1;
+    return static_cast<int>(Send(*this, SCI_COUNTCHARACTERS, start, caret)) + 1;
 }
 
-// QScintilla's own way counts a colon of a few lines before, and one in a comment.
+// QScintilla's own auto-indentation also reacts to colons in previous lines and in comments.
 void TextEditor::IndentNewLine(int character)
 {
     const long line = CaretLine() - 1;
-    if (character != LastOfEnding(eolMode()) || line == 0) {
+    if (character != LastCharacterOfEol(eolMode()) || line == 0) {
         return;
     }
     const auto before = BytesBetween(*this, LineStart(*this, line - 1), LineEnd(*this, line - 1));
@@ -254,9 +254,9 @@ void TextEditor::IndentNewLine(int character)
     if (OpensBlock(line - 1)) {
         indent.append(kIndent, ' ');
     }
-    const long caret = Ask(*this, SCI_GETCURRENTPOS);
+    const long caret = Send(*this, SCI_GETCURRENTPOS);
     ReplaceBetween(*this, caret, caret, indent);
-    Ask(*this, SCI_GOTOPOS, caret + indent.size());
+    Send(*this, SCI_GOTOPOS, caret + indent.size());
 }
 
 bool TextEditor::OpensBlock(long line) const
@@ -266,14 +266,14 @@ bool TextEditor::OpensBlock(long line) const
     }
     const long start = LineStart(*this, line);
     long at = LineEnd(*this, line);
-    Ask(*this, SCI_COLOURISE, Ask(*this, SCI_GETENDSTYLED), at);
+    Send(*this, SCI_COLOURISE, Send(*this, SCI_GETENDSTYLED), at);
     while (at > start) {
         --at;
-        const auto c = static_cast<char>(Ask(*this, SCI_GETCHARAT, at));
-        const long style = Ask(*this, SCI_GETSTYLEAT, at);
+        const auto c = static_cast<char>(Send(*this, SCI_GETCHARAT, at));
+        const long style = Send(*this, SCI_GETSTYLEAT, at);
         const bool isComment =
             style == QsciLexerPython::Comment || style == QsciLexerPython::CommentBlock;
-        if (!isComment && !IsBlank(c)) {
+        if (!isComment && !IsSpaceOrTab(c)) {
             return c == ':' && style == QsciLexerPython::Operator;
         }
     }

@@ -8,7 +8,7 @@
 
 class PythonLexer;
 
-// The text of one document. Used on the user-interface thread.
+// The text view of a document. [ui]
 class TextEditor final : public QsciScintilla {
     Q_OBJECT
 
@@ -19,32 +19,32 @@ class TextEditor final : public QsciScintilla {
 
     void SetLanguage(Language language);
 
-    // The text as loaded: not modified, and no undo leads behind it. New lines end as most of its
-    // lines do.
+    // Sets a text that was loaded. It is not modified, and undo does not go back beyond it. New
+    // lines get the most frequent line ending of the text.
     void SetContent(const QString& text);
 
-    // The file was changed elsewhere: one step of undo; not modified. The caret's line and what is
-    // in sight stay.
+    // Replaces the text with that of a file that another program has changed. Undo reverts this in
+    // one step; the text is not modified. The caret's line and the scroll position are preserved.
     void ReplaceContent(const QString& text);
 
-    // All of it, NUL characters too.
+    // The whole text, including NUL characters.
     QString Content() const;
     QByteArray Utf8() const;
 
-    // Makes the selected lines comments, or no comments when all of them are.
+    // Comments out the selected lines, or uncomments them if all are comments.
     void ToggleComment();
 
-    // The first line is 1; the nearest one that there is. Takes the focus.
+    // Moves the caret and the focus to a line, counted from 1, or to the nearest existing line.
     void GoToLine(int line);
 
-    // From 1; a column is a character.
+    // Counted from 1. Columns are characters.
     int CaretLine() const;
     int CaretColumn() const;
 
   Q_SIGNALS:
     // The text is about to change.
     void Changing();
-    // Full paths of files and folders of this machine.
+    // Full paths of local files and folders.
     void FilesDropped(const QStringList& paths);
 
   protected:
@@ -58,13 +58,13 @@ class TextEditor final : public QsciScintilla {
     void SetUpKeys();
     void SetUpMargins();
     void FitNumberMargin();
-    void FollowLineCount();
+    void UpdateNumberMargin();
     void IndentNewLine(int character);
     bool OpensBlock(long line) const;
     std::vector<long> SelectedLines() const;
     void Comment(long position);
 
-    PythonLexer* lexer_;  // Qt's parent owns it.
+    PythonLexer* lexer_;  // Owned by its Qt parent.
     bool isPython_ = false;
-    qsizetype digits_ = 0;  // Of a line's number that the margin has place for.
+    qsizetype digits_ = 0;  // The number of digits that fit into the line-number margin.
 };

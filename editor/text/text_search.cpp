@@ -16,57 +16,60 @@ qsizetype CharacterFrom(const QString& text, qsizetype at)
     return at > 0 && at < text.size() && text[at].isLowSurrogate() ? at + 1 : at;
 }
 
-// `end` is the last match's. An iterator is no longer valid either behind an empty match at the
-// text's end.
-bool GaveUp(const QRegularExpressionMatchIterator& iterator, const QString& text, qsizetype end)
+// `end` is the end of the last match. The iterator is invalid also after an empty match at the end
+// of the text, which is not an error.
+bool LimitExceeded(const QRegularExpressionMatchIterator& iterator, const QString& text,
+                   qsizetype end)
 {
     return !iterator.isValid() && end < text.size();
 }
 
-QString PatternOf(const QString& words, SearchOptions options)
+QString PatternOf(const QString& searchText, SearchOptions options)
 {
-    QString pattern = options.regularExpression ? words : QRegularExpression::escape(words);
+    QString pattern =
+        options.regularExpression ? searchText : QRegularExpression::escape(searchText);
     if (options.wholeWords) {
         pattern = "(?<!\\w)(?:" + pattern + ")(?!\\w)";
     }
-    return "(*ANYCRLF)" + pattern;  // A line ends before "\r\n", not between.
+    return "(*ANYCRLF)" + pattern;  // "$" does not match between "\r" and "\n".
 }
 
 }  // namespace
 
-std::expected<TextSearch, QString> TextSearch::Make(const QString& words, SearchOptions options)
+std::expected<TextSearch, QString> TextSearch::Make(const QString& searchText,
+                                                    SearchOptions options)
 {
     using Option = QRegularExpression::PatternOption;
     auto flags = Option::MultilineOption | Option::UseUnicodePropertiesOption;
     flags.setFlag(Option::CaseInsensitiveOption, !options.matchCase);
-    QRegularExpression pattern(PatternOf(words, options), flags);
+    QRegularExpression pattern(PatternOf(searchText, options), flags);
     if (!pattern.isValid()) {
-        return std::unexpected("No regular expression: " + pattern.errorString());
+        return std::unexpected("Invalid regular expression: " + pattern.errorString());
     }
     return TextSearch(std::move(pattern), options.regularExpression);
 }
 
-std::expected<std::optional<FoundText>, TooHard> TextSearch::FindFrom(const QString& text,
-                                                                      qsizetype start) const
+std::expected<std::optional<FoundText>, MatchLimitExceeded> TextSearch::FindFrom(
+    const QString& text, qsizetype start) const
 {
     if (start > text.size()) {
         return std::nullopt;
     }
     const auto match = pattern_.match(text, CharacterFrom(text, start));
     if (!match.isValid()) {
-        return std::unexpected(TooHard());
+        return std::unexpected(MatchLimitExceeded());
     }
     return match.hasMatch() ? std::optional(RangeOf(match)) : std::nullopt;
 }
 
-std::expected<std::optional<FoundText>, TooHard> TextSearch::FindBefore(const QString& text,
-                                                                        qsizetype end) const
+std::expected<std::optional<FoundText>, MatchLimitExceeded> TextSearch::FindBefore(
+    const QString& text, qsizetype end) const
 {
-    constexpr qsizetype kFirstLook = 4096;
+    constexpr qsizetype kInitialDistance = 4096;
     std::optional<FoundText> found;
-    // Further and further back, so that a near match of a long text is found at once.
-    for (qsizetype look = kFirstLook; !found; look *= 2) {
-        const auto start = CharacterFrom(text, std::max<qsizetype>(0, end - look));
+    // Search an increasing range, so that a near match in a long text is found quickly.
+    for (qsizetype distance = kInitialDistance; !found; distance *= 2) {
+        const auto start = CharacterFrom(text, std::max<qsizetype>(0, end - distance));
         auto it = pattern_.globalMatch(text, start);
         for (; it.hasNext(); it.next()) {
             const auto range = RangeOf(it.peekNext());
@@ -75,8 +78,8 @@ std::expected<std::optional<FoundText>, TooHard> TextSearch::FindBefore(const QS
             }
             found = range;
         }
-        if (GaveUp(it, text, found ? found->start + found->length : start)) {
-            return std::unexpected(TooHard());
+        if (LimitExceeded(it, text, found ? found->start + found->length : start)) {
+            return std::unexpected(MatchLimitExceeded());
         }
         if (start == 0) {
             break;
@@ -122,9 +125,8 @@ std::optional<QString> TextSearch::Replacement(const QString& text, FoundText ra
     return Expand(match, replacement, lineEnding);
 }
 
-std::expected<ReplacedText, TooHard> TextSearch::ReplaceAll(const QString& text,
-                                                            const QString& replacement,
-                                                            const QString& lineEnding) const
+std::expected<ReplacedText, MatchLimitExceeded> TextSearch::ReplaceAll(
+    const QString& text, const QString& replacement, const QString& lineEnding) const
 {
     ReplacedText replaced;
     qsizetype end = 0;
@@ -139,8 +141,8 @@ std::expected<ReplacedText, TooHard> TextSearch::ReplaceAll(const QString& text,
         replaced.text += Expand(match, replacement, lineEnding);
         end = match.capturedEnd();
     }
-    if (GaveUp(it, text, end)) {
-        return std::unexpected(TooHard());
+    if (LimitExceeded(it, text, end)) {
+        return std::unexpected(MatchLimitExceeded());
     }
     replaced.range.length = end - replaced.range.start;
     return replaced;

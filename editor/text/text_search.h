@@ -6,7 +6,7 @@
 #include <expected>
 #include <optional>
 
-// Searches of texts. Positions count UTF-16 units. Used on any thread.
+// Searching and replacing text. Positions count UTF-16 units. [any]
 
 struct SearchOptions {
     bool matchCase = false;
@@ -23,32 +23,34 @@ struct FoundText {
 
 struct ReplacedText {
     FoundText range;  // From the first match to the end of the last.
-    QString text;     // What is to stand there.
+    QString text;     // The replacement for the range.
     int count = 0;
 };
 
-// There are too many ways to try the pattern at some place of the text.
-struct TooHard {};
+// The regular-expression engine gave up, because matching would take too long.
+struct MatchLimitExceeded {};
 
-// One set of words to look for, and of what takes their place.
+// A compiled search pattern.
 class TextSearch {
   public:
-    // The error is a sentence.
-    static std::expected<TextSearch, QString> Make(const QString& words, SearchOptions options);
+    // The error is a message for the user.
+    static std::expected<TextSearch, QString> Make(const QString& searchText,
+                                                   SearchOptions options);
 
-    // The first match that starts there or later.
-    std::expected<std::optional<FoundText>, TooHard> FindFrom(const QString& text,
-                                                              qsizetype start) const;
-    // The last match that starts before.
-    std::expected<std::optional<FoundText>, TooHard> FindBefore(const QString& text,
-                                                                qsizetype end) const;
+    // The first match that starts at `start` or later.
+    std::expected<std::optional<FoundText>, MatchLimitExceeded> FindFrom(const QString& text,
+                                                                         qsizetype start) const;
+    // The last match that starts before `end`.
+    std::expected<std::optional<FoundText>, MatchLimitExceeded> FindBefore(const QString& text,
+                                                                           qsizetype end) const;
 
-    // What takes the place of a match; nothing when the range is none. With a regular expression \1
-    // to \9 stand for its groups, \0 for all of it, \n for `lineEnding` and \t for a tab.
+    // The replacement for a match; none if the range is not a match. If the pattern is a regular
+    // expression, \1 to \9 insert its groups, \0 the whole match, \n `lineEnding` and \t a tab.
     std::optional<QString> Replacement(const QString& text, FoundText range,
                                        const QString& replacement, const QString& lineEnding) const;
-    std::expected<ReplacedText, TooHard> ReplaceAll(const QString& text, const QString& replacement,
-                                                    const QString& lineEnding) const;
+    std::expected<ReplacedText, MatchLimitExceeded> ReplaceAll(const QString& text,
+                                                               const QString& replacement,
+                                                               const QString& lineEnding) const;
 
   private:
     TextSearch(QRegularExpression pattern, bool isRegularExpression)

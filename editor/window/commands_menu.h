@@ -8,8 +8,7 @@
 #include <string>
 #include <vector>
 
-// The commands that the plug-in registered, with their shortcuts. Used on the user-interface
-// thread.
+// The menu of the commands that the plug-in registered, with their shortcuts. [ui]
 class CommandsMenu final : public QMenu {
     Q_OBJECT
 
@@ -17,10 +16,10 @@ class CommandsMenu final : public QMenu {
     // `shortcuts` must outlive the menu.
     CommandsMenu(Shortcuts& shortcuts, QWidget* parent);
 
-    // In front of what is in the menu already. Once.
+    // Inserts the commands before the existing items. Call it only once.
     void AddCommands(const std::vector<RegisteredCommand>& commands);
 
-    // Lets the user change the shortcuts.
+    // Opens the dialog in which the user changes the shortcuts.
     void ChangeShortcuts();
 
   Q_SIGNALS:

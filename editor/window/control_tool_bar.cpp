@@ -43,7 +43,7 @@ QAction* ControlToolBar::AddControl(const QString& name)
 {
     auto* const control = new RunControl(name, this);
     connect(control, &RunControl::clicked, this, &ControlToolBar::ControlPressed);
-    // Queued: the menu runs an event loop, and the press must be over by then.
+    // Queued: the menu runs an event loop, which must not start inside the press event's handler.
     connect(
         control, &RunControl::MenuRequested, control,
         [this, control] { Q_EMIT MenuRequested(*control); }, Qt::QueuedConnection);

@@ -8,21 +8,21 @@
 #include <string>
 #include <vector>
 
-// The editor's own buttons, and behind them the controls that the plug-in offers. Used on the
-// user-interface thread.
+// The editor's own buttons, followed by the controls that the plug-in offers. [ui]
 class ControlToolBar final : public QToolBar {
     Q_OBJECT
 
   public:
     explicit ControlToolBar(QWidget* parent);
 
-    // Returns what the button does, which this object owns.
+    // Returns the button's action, which the tool bar owns.
     QAction* AddButton(Action icon, const QString& text, const std::function<void()>& action);
 
-    // These and no others from now on.
+    // Replaces the plug-in's controls with new ones that have these names.
     void ShowControls(const std::vector<std::string>& names);
 
-    // Where a menu opens that was asked for elsewhere: the first control, or the bar itself.
+    // The first control, or the tool bar itself if it has none. The plug-in's menu opens below it
+    // when the menu was requested elsewhere.
     const QWidget& FirstControl() const;
 
   Q_SIGNALS:

@@ -215,7 +215,7 @@ std::vector<NamedShortcut> EditorMenus::ReservedShortcuts() const
 {
     std::vector<NamedShortcut> reserved{{"Run Line or Selection", "Ctrl+Return"}};
     for (const auto* action : parts_.window.menuBar()->actions()) {
-        reserved.push_back({tr("the menu %1").arg(PlainText(*action)).toStdString(),
+        reserved.push_back({tr("%1 menu").arg(PlainText(*action)).toStdString(),
                             QKeySequence::mnemonic(action->text()).toString()});
     }
     for (const auto* menu : parts_.window.findChildren<QMenu*>()) {
@@ -252,18 +252,18 @@ void EditorMenus::MakeWorksheetMenu()
 {
     auto* const menu = AddMenu(tr("&Worksheet"));
     auto& actions = parts_.worksheetActions;
-    // The keys are handled by the worksheet itself, because documents use them differently.
+    // The worksheet itself handles the keys, because documents use them differently.
     Add(menu, tr("&Run Line or Selection\tCtrl+Return"), {},
         [this] { parts_.worksheet.RequestRun(); });
     Add(menu, tr("&Stop Shell Command"), QKeySequence("Ctrl+Shift+C"),
         [&actions] { actions.StopShell(); });
     menu->addSeparator();
     Add(menu, tr("&Next Traceback Line"), QKeySequence("F4"),
-        [&actions] { actions.GoToNextPlace(); });
+        [&actions] { actions.GoToNextLink(); });
     Add(menu, tr("&Previous Traceback Line"), QKeySequence("Shift+F4"),
-        [&actions] { actions.GoToPreviousPlace(); });
+        [&actions] { actions.GoToPreviousLink(); });
     menu->addSeparator();
-    Add(menu, tr("&Clear"), QKeySequence("Ctrl+Shift+K"), [this] { parts_.worksheet.MakeEmpty(); });
+    Add(menu, tr("&Clear"), QKeySequence("Ctrl+Shift+K"), [this] { parts_.worksheet.Clear(); });
 }
 
 void EditorMenus::MakeBoardMenu()
@@ -272,11 +272,11 @@ void EditorMenus::MakeBoardMenu()
     auto& board = parts_.board;
     auto* const attach =
         Add(boardMenu_, tr("&Attach Virtual Board"), {}, [&board] { board.AttachVirtualBoard(); });
-    auto* const unplug =
-        Add(boardMenu_, tr("&Unplug Virtual Board"), {}, [&board] { board.UnplugVirtualBoard(); });
-    connect(boardMenu_, &QMenu::aboutToShow, this, [&board, attach, unplug] {
+    auto* const detach =
+        Add(boardMenu_, tr("De&tach Virtual Board"), {}, [&board] { board.DetachVirtualBoard(); });
+    connect(boardMenu_, &QMenu::aboutToShow, this, [&board, attach, detach] {
         attach->setEnabled(!board.HasVirtualBoard());
-        unplug->setEnabled(board.HasVirtualBoard());
+        detach->setEnabled(board.HasVirtualBoard());
     });
     Add(boardMenu_, tr("Open Virtual Board &Folder"), {}, [this] { ShowBoardFolder(); });
     boardMenu_->addSeparator();

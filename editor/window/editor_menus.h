@@ -14,7 +14,7 @@ class DocumentPage;
 class QAction;
 class QMenu;
 
-// The menus of the editor's window. Used on the user-interface thread.
+// The menus of the editor's window. [ui]
 class EditorMenus final : public QObject {
     Q_OBJECT
 
@@ -25,11 +25,11 @@ class EditorMenus final : public QObject {
     CommandsMenu& commandsMenu() { return *commandsMenu_; }
     QMenu& boardMenu() { return *boardMenu_; }
 
-    // Actions that need an open document are disabled while there is none.
+    // Adds an action that is disabled while no document is open.
     void AddDocumentAction(QAction* action) { documentActions_.push_back(action); }
     void EnableDocumentActions(bool enable);
 
-    // The window's own shortcuts and those of its texts, which no command of the plug-in may take.
+    // The shortcuts of the window and its text views, which plug-in commands must not use.
     std::vector<NamedShortcut> ReservedShortcuts() const;
 
   Q_SIGNALS:

@@ -13,8 +13,7 @@ class TextActions;
 class Worksheet;
 class WorksheetActions;
 
-// The parts of the editor's window, for those that act on several of them. All are owned by the
-// window and live as long as it does.
+// The parts of the editor's window, which owns them.
 struct EditorParts {
     QMainWindow& window;
     QSplitter& splitter;

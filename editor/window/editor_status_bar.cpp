@@ -29,7 +29,7 @@ QString LineEndingName(int mode)
     }
 }
 
-QString NameOf(const QString& path)
+QString FileName(const QString& path)
 {
     return QFileInfo(path).fileName();
 }
@@ -72,9 +72,9 @@ void EditorStatusBar::ShowDocument(DocumentPage* page)
 
 void EditorStatusBar::ShowProject(const QString& folder, const QString& target)
 {
-    const QString project = folder.isEmpty() ? QString() : NameOf(folder) + "   ";
+    const QString project = folder.isEmpty() ? QString() : FileName(folder) + "   ";
     target_->setText(project +
-                     (target.isEmpty() ? tr("No target") : tr("Target: %1").arg(NameOf(target))));
+                     (target.isEmpty() ? tr("No target") : tr("Target: %1").arg(FileName(target))));
     target_->setToolTip(target);
 }
 

@@ -9,18 +9,17 @@ class QLabel;
 class QMenu;
 class QToolButton;
 
-// Where the caret is and how the document is written, what a command would act on, and the board.
-// Used on the user-interface thread.
+// Shows the caret's position, the document's format, the target and the board. [ui]
 class EditorStatusBar final : public QStatusBar {
     Q_OBJECT
 
   public:
-    // `boardMenu` opens at the board; not owned.
+    // `boardMenu` opens from the board's button; not owned.
     EditorStatusBar(QMenu* boardMenu, QWidget* parent);
 
-    // Null when no document is open.
+    // `page` is null when no document is open.
     void ShowDocument(DocumentPage* page);
-    // Full paths; empty for none.
+    // Full paths; empty if there is none.
     void ShowProject(const QString& folder, const QString& target);
     void ShowBoard(const BoardMonitor::Board& board);
 

@@ -4,6 +4,6 @@
 
 class QWidget;
 
-// Both return when the user has closed the dialog.
+// Both functions return when the user closes the dialog. [ui]
 void ShowPluginHelp(QWidget* parent, const QString& text);
 void ShowAbout(QWidget* parent);

@@ -33,9 +33,9 @@ namespace {
 
 constexpr std::chrono::seconds kDiskCheckInterval{1};
 constexpr QSize kDefaultSize(1000, 760);
-constexpr QSize kWindowBorder(16, 48);  // More than desktops draw around a window.
+constexpr QSize kWindowBorder(16, 48);  // An upper limit of the frame that desktops draw.
 
-// Qt replaces only a single "[*]" with its own mark.
+// In a window title Qt replaces "[*]" with its modification mark and "[*][*]" with "[*]".
 QString EscapeForTitle(QString name)
 {
     return name.replace("[*]", "[*][*]");
@@ -54,20 +54,20 @@ std::vector<NamedShortcut> DefaultShortcuts()
 
 }  // namespace
 
-MainWindow::MainWindow(const PluginModule& plugin, Runtime& runtime, const EditorPlaces& places)
+MainWindow::MainWindow(const PluginModule& plugin, Runtime& runtime, const EditorPaths& paths)
     : plugin_(plugin),
       runtime_(runtime),
-      folders_(places.folders),
-      settings_(places.folders.config + "/plugins.settings"),
+      folders_(paths.folders),
+      settings_(paths.folders.config + "/plugins.settings"),
       host_(
           plugin, runtime, [this](const std::string& text) { worksheet_->Append(text); }, this),
       shortcuts_({}, {}),
       project_(new Project(this)),
-      board_(new BoardMonitor(places.boardProgram, places.boardFolder, this))
+      board_(new BoardMonitor(paths.boardProgram, paths.boardFolder, this))
 {
     setAcceptDrops(true);
     setObjectName("editor");
-    MakeCentralWidget(places.folders.state + "/recovery");
+    MakeCentralWidget(paths.folders.state + "/recovery");
     MakeActions();
     MakeToolBar();
     ConnectParts();
@@ -76,7 +76,7 @@ MainWindow::MainWindow(const PluginModule& plugin, Runtime& runtime, const Edito
 
 MainWindow::~MainWindow()
 {
-    // Their last signals still need the other parts.
+    // Destroyed first, because their last signals still use the other parts.
     delete worksheetActions_;
     delete takeCentralWidget();
 }
@@ -98,7 +98,7 @@ void MainWindow::MakeCentralWidget(const std::string& recoveryRoot)
     worksheet_ = new Worksheet(this);
     worksheet_->setAccessibleName(tr("Worksheet"));
     splitter_ = new QSplitter(Qt::Vertical, this);
-    splitter_->setHandleWidth(5);  // Of which one pixel is drawn.
+    splitter_->setHandleWidth(5);  // Only one pixel of it is drawn.
     splitter_->setChildrenCollapsible(false);
     splitter_->addWidget(documents);
     splitter_->addWidget(worksheet_);
@@ -169,7 +169,7 @@ std::expected<void, std::string> MainWindow::Start()
     if (problem) {
         messages_->Report(QString::fromStdString(*problem));
     }
-    if (const QStringList names = tabs_->FindRecovered(); !names.isEmpty()) {
+    if (const QStringList names = tabs_->FindRecoverable(); !names.isEmpty()) {
         messages_->OfferRecovery(
             names, [this] { tabs_->Recover(); }, [this] { tabs_->DiscardRecovered(); });
     }
@@ -180,7 +180,7 @@ void MainWindow::OpenFiles(const QStringList& files)
 {
     files_->Open(files);
     if (files.isEmpty() && tabs_->count() == 0) {
-        session_->OpenLastDocuments();
+        session_->ReopenDocuments();
     }
     if (tabs_->count() == 0) {
         tabs_->New();
@@ -221,7 +221,7 @@ void MainWindow::ConnectFront()
     auto& editor = tabs_->FrontPage()->editor();
     connect(&editor, &QsciScintilla::cursorPositionChanged, this, &MainWindow::ShowPosition,
             Qt::UniqueConnection);
-    connect(&editor, &QsciScintilla::SCN_ZOOM, texts_, &TextActions::TakeZoom,
+    connect(&editor, &QsciScintilla::SCN_ZOOM, texts_, &TextActions::AdoptZoom,
             Qt::UniqueConnection);
 }
 
@@ -238,7 +238,7 @@ void MainWindow::ShowProject()
     ShowControls();
 }
 
-// The plug-in offers its controls for the front document as it is now.
+// Asks the plug-in again, because its controls depend on the front document.
 void MainWindow::ShowControls()
 {
     toolBar_->ShowControls(host_.OfferedControls());
@@ -251,13 +251,13 @@ void MainWindow::ShowPluginHelp()
     ::ShowPluginHelp(this, text);
 }
 
-// Not while the user answers another question.
+// Does nothing while the window is inactive or a dialog or menu is open.
 void MainWindow::CheckDisk()
 {
     if (isActiveWindow() && QApplication::activeModalWidget() == nullptr &&
         QApplication::activePopupWidget() == nullptr) {
         tabs_->CheckDisk();
-        project_->FindFolderTarget();
+        project_->UpdateFolderTarget();
     }
 }
 
@@ -268,7 +268,7 @@ void MainWindow::SavePluginSettings()
     }
 }
 
-// What could not be saved, as sentences.
+// Returns the errors as messages for the user.
 QStringList MainWindow::SaveEverything()
 {
     QStringList problems = session_->Save();
@@ -282,7 +282,7 @@ QStringList MainWindow::SaveEverything()
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    if (!tabs_->MayCloseAll()) {
+    if (!tabs_->ConfirmCloseAll()) {
         return event->ignore();
     }
     const auto problems = SaveEverything();
@@ -291,7 +291,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
     }
     tabs_->CloseAll();
     event->accept();
-    Q_EMIT Ended();
+    Q_EMIT Closed();
 }
 
 void MainWindow::QuitWithoutAsking()
@@ -301,7 +301,7 @@ void MainWindow::QuitWithoutAsking()
     if (!problems.isEmpty()) {
         std::fprintf(stderr, "quilp-editor: %s\n", qPrintable(problems.join("; ")));
     }
-    Q_EMIT Ended();
+    Q_EMIT Closed();
 }
 
 void MainWindow::changeEvent(QEvent* event)

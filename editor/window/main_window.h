@@ -26,37 +26,36 @@ class SessionKeeper;
 class TextActions;
 class WorksheetActions;
 
-// Where the programs and files are that the editor works with.
-struct EditorPlaces {
+// The locations of the programs and files that the editor uses.
+struct EditorPaths {
     UserFolders folders;
     std::string boardProgram;
-    std::string boardFolder;  // The virtual board's files.
+    std::string boardFolder;  // Contains the virtual board's files.
 };
 
-// The editor's window: the frame that puts its parts together. Created and used on the
-// user-interface thread. It must be destroyed after Runtime::ShutDown, so that nothing of the
-// plug-in's still writes to it.
+// The editor's window, which creates and connects its parts. It must be destroyed after
+// Runtime::ShutDown, so that the plug-in no longer writes to it. [ui]
 class MainWindow final : public QMainWindow {
     Q_OBJECT
 
   public:
     // `plugin` and `runtime` must outlive the window.
-    MainWindow(const PluginModule& plugin, Runtime& runtime, const EditorPlaces& places);
+    MainWindow(const PluginModule& plugin, Runtime& runtime, const EditorPaths& paths);
     ~MainWindow() override;
 
-    // Starts the plug-in and restores the last session. The error is a sentence.
+    // Starts the plug-in and restores the last session. The error is a message for the user.
     std::expected<void, std::string> Start();
 
-    // A folder among them becomes the project. Without files, the documents of the last session.
-    // What cannot be opened is reported in the window.
+    // Opens files; a folder becomes the project. Without files, reopens the documents of the last
+    // session. Errors are reported in the window.
     void OpenFiles(const QStringList& files);
     void OpenDeviceWindow();
 
     // Reports an exception that the plug-in threw.
     void ReportPluginError(const std::string& error);
 
-    // Exits without a question, as when the desktop's session ends. Unsaved documents are offered
-    // again at the next start.
+    // Quits without a question, for example when the desktop session ends. Unsaved documents are
+    // offered for recovery at the next start.
     void QuitWithoutAsking();
 
     DocumentTabs& documents() { return *tabs_; }
@@ -65,8 +64,8 @@ class MainWindow final : public QMainWindow {
     Worksheet& worksheet() { return *worksheet_; }
 
   Q_SIGNALS:
-    // Everything is saved, and the program may exit.
-    void Ended();
+    // Everything has been saved, and the program may exit.
+    void Closed();
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -98,7 +97,7 @@ class MainWindow final : public QMainWindow {
     std::unique_ptr<SessionKeeper> session_;
     QTimer diskTimer_;
 
-    // Owned by Qt's parents.
+    // Owned by their Qt parents.
     Project* project_;
     BoardMonitor* board_;
     QSplitter* splitter_ = nullptr;

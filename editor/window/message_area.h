@@ -7,30 +7,30 @@
 
 class MessageBar;
 
-// The messages above the documents: one for each kind, so that none hides another of a different
-// kind. Used on the user-interface thread.
+// The messages above the documents. Each kind has its own bar, so that messages of different kinds
+// do not replace one another. [ui]
 class MessageArea final : public QWidget {
     Q_OBJECT
 
   public:
     explicit MessageArea(QWidget* parent);
 
-    // Shows a sentence. Unread messages stay, up to a few lines.
+    // Shows a message. Messages that the user has not yet dismissed remain, up to a few lines.
     void Report(const QString& message);
 
-    // Asks what to do with texts that a crash left behind.
+    // Asks what to do with unsaved texts of an editor that crashed.
     void OfferRecovery(const QStringList& names, const std::function<void()>& recover,
                        const std::function<void()>& discard);
 
-    // Asks whether to open a file with a line, counted from 1, that is too long to edit smoothly.
-    void OfferSlowFile(const QString& path, qint64 line, const std::function<void()>& open);
+    // Asks whether to open a file although a line, counted from 1, is too long to edit smoothly.
+    void OfferLongLineFile(const QString& path, qint64 line, const std::function<void()>& open);
 
-    // Moves the focus to the first message, if any.
+    // Moves the focus to the first message, if there is one.
     void FocusMessage();
 
   private:
-    // Qt's parents own these.
+    // Owned by their Qt parents.
     MessageBar* recovery_;
     MessageBar* messages_;
-    MessageBar* slowFile_;
+    MessageBar* longLineFile_;
 };

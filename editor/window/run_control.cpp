@@ -35,7 +35,7 @@ RunControl::RunControl(const QString& name, QWidget* parent) : QToolButton(paren
 void RunControl::initStyleOption(QStyleOptionToolButton* option) const
 {
     QToolButton::initStyleOption(option);
-    option->features |= QStyleOptionToolButton::HasMenu;  // The plug-in's.
+    option->features |= QStyleOptionToolButton::HasMenu;  // The plug-in shows the menu.
 }
 
 bool RunControl::IsOnArrow(const QPoint& at) const
@@ -47,7 +47,7 @@ bool RunControl::IsOnArrow(const QPoint& at) const
         .contains(at);
 }
 
-// The button does not stay pressed, and the release that follows is no click.
+// Releases the button, so that the mouse release that follows is not a click.
 void RunControl::RequestMenu()
 {
     held_.stop();

@@ -3,8 +3,8 @@
 #include <QTimer>
 #include <QToolButton>
 
-// A control that a plug-in offers: a button with an arrow beside it. A press that lasts, the arrow
-// keys and the menu key ask for the menu, too.
+// A control that the plug-in offers: a button with a menu arrow. A long press, the Up and Down keys
+// and the menu key request the menu, too. [ui]
 class RunControl final : public QToolButton {
     Q_OBJECT
 

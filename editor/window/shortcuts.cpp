@@ -21,8 +21,8 @@ QString ToText(const QKeySequence& keys)
     return keys.toString(QKeySequence::PortableText);
 }
 
-// An empty text is: it takes a shortcut away.
-bool IsUnderstood(const QString& text)
+// An empty text is valid: it removes a shortcut.
+bool IsValid(const QString& text)
 {
     const QKeySequence keys = FromText(text);
     for (int i = 0; i < keys.count(); ++i) {
@@ -33,15 +33,15 @@ bool IsUnderstood(const QString& text)
     return text.isEmpty() || !keys.isEmpty();
 }
 
-// Whether one of them would never be reached, or only after a pause.
-bool Clash(const QKeySequence& one, const QKeySequence& other)
+// Whether one shortcut would hide or delay the other.
+bool Conflict(const QKeySequence& one, const QKeySequence& other)
 {
     return !one.isEmpty() && !other.isEmpty() &&
            (one.matches(other) != QKeySequence::NoMatch ||
             other.matches(one) != QKeySequence::NoMatch);
 }
 
-// A slash in a name would make a group of its own.
+// Escapes slashes, which separate groups in QSettings.
 QString SettingsKey(const std::string& command)
 {
     return QString::fromLatin1(QUrl::toPercentEncoding(QString::fromStdString(command)));
@@ -61,11 +61,11 @@ Shortcuts::Shortcuts(std::vector<NamedShortcut> defaults,
     for (const auto& [name, keys] : reserved) {
         reserved_.emplace_back(name, FromText(keys));
     }
-    FillWithDefaults();
+    ApplyDefaults();
 }
 
-// The commands that the user has not decided on.
-void Shortcuts::FillWithDefaults()
+// For the commands whose shortcut the user has not changed.
+void Shortcuts::ApplyDefaults()
 {
     for (const auto& [name, keys] : defaults_) {
         if (!shortcuts_.contains(name)) {
@@ -90,13 +90,13 @@ QKeySequence Shortcuts::Shortcut(const std::string& command) const
 std::expected<void, std::string> Shortcuts::SetShortcut(const std::string& command,
                                                         const QKeySequence& keys)
 {
-    for (const auto& [name, taken] : reserved_) {
-        if (Clash(taken, keys)) {
+    for (const auto& [name, other] : reserved_) {
+        if (Conflict(other, keys)) {
             return std::unexpected(name);
         }
     }
-    for (const auto& [name, taken] : shortcuts_) {
-        if (name != command && Clash(taken, keys)) {
+    for (const auto& [name, other] : shortcuts_) {
+        if (name != command && Conflict(other, keys)) {
             return std::unexpected(name);
         }
     }
@@ -109,14 +109,14 @@ void Shortcuts::Load(QSettings& settings)
     shortcuts_.clear();
     settings.beginGroup(kGroup);
     for (const auto& key : settings.childKeys()) {
-        // A comma that was written by hand makes a list of it.
+        // QSettings reads a value with an unquoted comma as a list.
         const QString text = settings.value(key).toStringList().join(u',');
-        if (IsUnderstood(text)) {
+        if (IsValid(text)) {
             std::ignore = SetShortcut(CommandOf(key), FromText(text));
         }
     }
     settings.endGroup();
-    FillWithDefaults();
+    ApplyDefaults();
 }
 
 void Shortcuts::Save(QSettings& settings) const

@@ -16,31 +16,31 @@ struct NamedShortcut {
     QString keys;  // As in "Ctrl+Shift+R"; empty for none.
 };
 
-// The shortcuts of the plug-in's commands. No two commands share one, nor begin another's. Used on
-// the user-interface thread.
+// The shortcuts of the plug-in's commands. No shortcut is equal to, or the beginning of, another
+// one. [ui]
 class Shortcuts {
   public:
-    // `reserved` are the editor's own, by the names to tell the user. Of defaults that clash, the
-    // first holds.
+    // `reserved` are the editor's own shortcuts, with the names to show in messages. Of conflicting
+    // defaults, the first is used.
     Shortcuts(std::vector<NamedShortcut> defaults, const std::vector<NamedShortcut>& reserved);
 
-    // Empty when the command has none.
+    // Empty if the command has none.
     QKeySequence Shortcut(const std::string& command) const;
 
-    // An empty sequence takes the command's away. The error is the name of who holds this shortcut.
+    // An empty sequence removes the command's shortcut. The error is the name of the command or
+    // reserved shortcut that conflicts.
     std::expected<void, std::string> SetShortcut(const std::string& command,
                                                  const QKeySequence& keys);
 
-    // Only what differs from the defaults is saved. What cannot be understood or clashes is passed
-    // over on loading.
+    // Only differences from the defaults are saved. Invalid or conflicting entries are ignored.
     void Load(QSettings& settings);
     void Save(QSettings& settings) const;
 
   private:
-    void FillWithDefaults();
+    void ApplyDefaults();
     QKeySequence Default(const std::string& command) const;
 
     std::vector<NamedShortcut> defaults_;
     std::vector<std::pair<std::string, QKeySequence>> reserved_;
-    std::map<std::string, QKeySequence> shortcuts_;  // By command; empty when it was taken away.
+    std::map<std::string, QKeySequence> shortcuts_;  // By command; empty if it was removed.
 };

@@ -23,8 +23,8 @@ ShortcutsDialog::ShortcutsDialog(Shortcuts& shortcuts,
         edit->setToolTip(QString::fromStdString(command.description));
         edits_.push_back(edit);
         auto* const clear = new QToolButton(this);
-        clear->setText(tr("None"));
-        clear->setAccessibleName(tr("No shortcut for %1").arg(label));
+        clear->setText(tr("Clear"));
+        clear->setAccessibleName(tr("Clear the shortcut of %1").arg(label));
         row->addWidget(edit, 1);
         row->addWidget(clear);
         form->addRow(label, row);
@@ -46,7 +46,7 @@ ShortcutsDialog::ShortcutsDialog(Shortcuts& shortcuts,
 
 ShortcutsDialog::~ShortcutsDialog()
 {
-    hide();  // A field that loses the keyboard says once more that it has changed.
+    hide();  // A field that loses the focus emits keySequenceChanged once more.
 }
 
 QString ShortcutsDialog::LabelOf(const std::string& command) const
@@ -61,8 +61,8 @@ QString ShortcutsDialog::LabelOf(const std::string& command) const
 
 namespace {
 
-// A character that is typed with or without Shift, which must stay in the text.
-bool IsTyped(const QKeySequence& keys)
+// Whether the first key types a character, with or without Shift.
+bool IsPlainCharacter(const QKeySequence& keys)
 {
     if (keys.isEmpty()) {
         return false;
@@ -73,22 +73,22 @@ bool IsTyped(const QKeySequence& keys)
 
 }  // namespace
 
-std::expected<Shortcuts, QString> ShortcutsDialog::Wanted() const
+std::expected<Shortcuts, QString> ShortcutsDialog::EditedShortcuts() const
 {
     Shortcuts wanted = shortcuts_;
-    // First all away, so that two commands can swap theirs.
+    // Remove all shortcuts first, so that two commands can exchange theirs.
     for (const auto& command : commands_) {
         std::ignore = wanted.SetShortcut(command.name, {});
     }
     for (std::size_t i = 0; i < commands_.size(); ++i) {
         const auto keys = edits_[i]->keySequence();
-        if (IsTyped(keys)) {
-            return std::unexpected(tr("%1 is typed into texts; hold Control or Alt with it.")
+        if (IsPlainCharacter(keys)) {
+            return std::unexpected(tr("%1 types a character. Add Ctrl or Alt to the shortcut.")
                                        .arg(keys.toString(QKeySequence::NativeText)));
         }
         if (const auto set = wanted.SetShortcut(commands_[i].name, keys); !set) {
             return std::unexpected(
-                tr("%1 belongs to “%2” already.")
+                tr("%1 is already assigned to “%2”.")
                     .arg(keys.toString(QKeySequence::NativeText), LabelOf(set.error())));
         }
     }
@@ -97,14 +97,14 @@ std::expected<Shortcuts, QString> ShortcutsDialog::Wanted() const
 
 void ShortcutsDialog::Check()
 {
-    const auto wanted = Wanted();
+    const auto wanted = EditedShortcuts();
     problem_->setText(wanted ? QString() : wanted.error());
     ok_->setEnabled(wanted.has_value());
 }
 
 void ShortcutsDialog::accept()
 {
-    if (auto wanted = Wanted()) {
+    if (auto wanted = EditedShortcuts()) {
         shortcuts_ = std::move(*wanted);
         QDialog::accept();
     }

@@ -10,8 +10,8 @@
 
 class QLabel;
 
-// Where the user changes the shortcuts of the plug-in's commands. Nothing is changed before it is
-// accepted, and it cannot be accepted while two would clash.
+// The dialog in which the user changes the shortcuts of the plug-in's commands. The changes take
+// effect when the dialog is accepted, which is disabled while shortcuts conflict. [ui]
 class ShortcutsDialog final : public QDialog {
   public:
     // `shortcuts` must outlive the dialog.
@@ -23,13 +23,13 @@ class ShortcutsDialog final : public QDialog {
 
   private:
     void Check();
-    // What the rows say. The error tells what clashes.
-    std::expected<Shortcuts, QString> Wanted() const;
+    // The shortcuts as edited. The error is a message about the first conflict.
+    std::expected<Shortcuts, QString> EditedShortcuts() const;
     QString LabelOf(const std::string& command) const;
 
     Shortcuts& shortcuts_;
     const std::vector<RegisteredCommand> commands_;
-    std::vector<QKeySequenceEdit*> edits_;  // Of each command.
+    std::vector<QKeySequenceEdit*> edits_;  // In the order of the commands.
     QLabel* problem_;
     QPushButton* ok_;
 };

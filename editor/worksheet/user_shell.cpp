@@ -29,7 +29,7 @@ ShellJob::Program ProgramFor(const QString& command, const QString& folder)
         .forwardsAfterStop = true,
     };
     if (!QFileInfo(folder).isDir()) {
-        program.words = std::unexpected("There is no folder " + folder.toStdString() + ".");
+        program.words = std::unexpected("The folder " + folder.toStdString() + " does not exist.");
     }
     return program;
 }

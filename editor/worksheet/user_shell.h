@@ -8,30 +8,29 @@
 
 class ShellJob;
 
-// Runs command lines in the user's own shell, one at a time, each in a session of its own. Used on
-// the user-interface thread, while there is a Runtime, which stops what still runs when it shuts
-// down.
+// Runs command lines in the user's shell, one at a time, each in its own session. A Runtime must
+// exist; when it shuts down, it stops the running command. [ui]
 class UserShell final : public QObject {
     Q_OBJECT
 
   public:
     explicit UserShell(QObject* parent = nullptr);
-    // Stops what runs, without waiting for it.
+    // Stops the running command without waiting for it.
     ~UserShell() override;
 
-    // Runs the command in this folder, once the one that runs has been stopped and has exited.
+    // Stops the running command, and runs the new one in the folder when that has exited.
     void Run(const QString& command, const QString& folder);
 
-    // Terminates everything that the command started; kills what is left after half a second.
+    // Terminates all processes of the command, and kills the remaining ones after half a second.
     void Stop();
 
   Q_SIGNALS:
-    // What the command printed, at most 64 KiB at a time, or why it cannot be run.
+    // Output of the command, at most 64 KiB at a time, or the reason why it cannot be run.
     void Output(const std::string& bytes);
-    // With the exit status, 128 plus the signal's number, or 127 when it could not be run. Programs
-    // that the command started in the background keep running, without a reader of their output.
+    // The status is the exit status, 128 plus the signal's number, or 127 if the command could not
+    // be run. Background processes of the command keep running, but their output is not read.
     void Finished(int status);
 
   private:
-    std::shared_ptr<ShellJob> job_;  // The last one, also when it has ended.
+    std::shared_ptr<ShellJob> job_;  // The last one, even if it has finished.
 };

@@ -12,36 +12,37 @@
 
 namespace {
 
-constexpr std::size_t kPart = 65'536;            // bytes a turn
-constexpr std::size_t kMostWaiting = 8'388'608;  // bytes
-// Dropping moves the whole text, so it is done rarely.
+constexpr std::size_t kChunkSize = 65'536;      // bytes a turn
+constexpr std::size_t kMaxPending = 8'388'608;  // bytes
+// Removing lines moves the whole text, so many are removed at once.
 constexpr int kLinesAfterDrop = 95'000;
-constexpr long kBytesAfterDrop = Worksheet::kMostBytes / 16 * 15;
+constexpr long kBytesAfterDrop = Worksheet::kMaxBytes / 16 * 15;
 constexpr std::string_view kTraceback = "Traceback (most recent call last):";
 constexpr int kLinkIndicator = 8;
 constexpr int kChosenMarker = 1;
 constexpr int kMargin = 1;
 constexpr int kMarginWidth = 8;  // pixels
 
-// Appending to a million lines takes seconds instead of minutes while nobody is told of each.
-class Unannounced {
+// Disables notifications, undo and read-only mode. Without notifications, appending a million lines
+// takes seconds instead of minutes.
+class NotificationBlocker {
   public:
-    explicit Unannounced(QsciScintilla& editor)
+    explicit NotificationBlocker(QsciScintilla& editor)
         : editor_(editor),
           isReadOnly_(editor.isReadOnly()),
-          mask_(Ask(editor, QsciScintilla::SCI_GETMODEVENTMASK))
+          mask_(Send(editor, QsciScintilla::SCI_GETMODEVENTMASK))
     {
-        Ask(editor_, QsciScintilla::SCI_SETMODEVENTMASK, 0);
-        Ask(editor_, QsciScintilla::SCI_SETREADONLY, 0);
-        Ask(editor_, QsciScintilla::SCI_SETUNDOCOLLECTION, 0);
+        Send(editor_, QsciScintilla::SCI_SETMODEVENTMASK, 0);
+        Send(editor_, QsciScintilla::SCI_SETREADONLY, 0);
+        Send(editor_, QsciScintilla::SCI_SETUNDOCOLLECTION, 0);
     }
-    Unannounced(const Unannounced&) = delete;
-    Unannounced& operator=(const Unannounced&) = delete;
-    ~Unannounced()
+    NotificationBlocker(const NotificationBlocker&) = delete;
+    NotificationBlocker& operator=(const NotificationBlocker&) = delete;
+    ~NotificationBlocker()
     {
-        Ask(editor_, QsciScintilla::SCI_SETUNDOCOLLECTION, 1);
-        Ask(editor_, QsciScintilla::SCI_SETREADONLY, isReadOnly_);
-        Ask(editor_, QsciScintilla::SCI_SETMODEVENTMASK, mask_);
+        Send(editor_, QsciScintilla::SCI_SETUNDOCOLLECTION, 1);
+        Send(editor_, QsciScintilla::SCI_SETREADONLY, isReadOnly_);
+        Send(editor_, QsciScintilla::SCI_SETMODEVENTMASK, mask_);
     }
 
   private:
@@ -52,9 +53,9 @@ class Unannounced {
 
 bool IsEndInSight(const QsciScintilla& editor)
 {
-    return Ask(editor, QsciScintilla::SCI_GETFIRSTVISIBLELINE) +
-               Ask(editor, QsciScintilla::SCI_LINESONSCREEN) >=
-           Ask(editor, QsciScintilla::SCI_GETLINECOUNT);
+    return Send(editor, QsciScintilla::SCI_GETFIRSTVISIBLELINE) +
+               Send(editor, QsciScintilla::SCI_LINESONSCREEN) >=
+           Send(editor, QsciScintilla::SCI_GETLINECOUNT);
 }
 
 bool IsRunChord(const QKeyEvent& event)
@@ -72,21 +73,21 @@ Worksheet::Worksheet(QWidget* parent) : QsciScintilla(parent)
     setMarginMarkerMask(kMargin, 0);
     setMarginWidth(kMargin, kMarginWidth);
     SetUpLinks();
-    turn_.setSingleShot(true);
-    connect(&turn_, &QTimer::timeout, this, &Worksheet::AppendPart);
-    marking_.setSingleShot(true);
-    connect(&marking_, &QTimer::timeout, this, &Worksheet::MarkChanged);
+    appendTimer_.setSingleShot(true);
+    connect(&appendTimer_, &QTimer::timeout, this, &Worksheet::AppendChunk);
+    markTimer_.setSingleShot(true);
+    connect(&markTimer_, &QTimer::timeout, this, &Worksheet::MarkChanged);
 }
 
 void Worksheet::SetUpLinks()
 {
-    Ask(*this, SCI_MARKERDEFINE, kChosenMarker, SC_MARK_EMPTY);
+    Send(*this, SCI_MARKERDEFINE, kChosenMarker, SC_MARK_EMPTY);
     indicatorDefine(PlainIndicator, kLinkIndicator);
-    setIndicatorHoverStyle(TextColorIndicator, kLinkIndicator);  // Brings the hand, too.
+    setIndicatorHoverStyle(TextColorIndicator, kLinkIndicator);  // Also shows the hand cursor.
     ApplyLinkStyle();
     connect(this, &QsciScintillaBase::SCN_MODIFIED, this,
             [this](int position, int type, const char*, int length) {
-                NoteChange(position, type, length);
+                RecordChange(position, type, length);
             });
     connect(this, qOverload<int, int>(&QsciScintillaBase::SCN_INDICATORRELEASE), this,
             [this](int position) { Click(position); });
@@ -101,116 +102,117 @@ void Worksheet::ApplyLinkStyle()
 
 void Worksheet::Append(std::string_view utf8)
 {
-    waiting_ += utf8;
-    while (waiting_.size() - taken_ > kMostWaiting) {
-        AppendPart();
+    pending_ += utf8;
+    while (pending_.size() - consumed_ > kMaxPending) {
+        AppendChunk();
     }
-    if (taken_ < waiting_.size() && !turn_.isActive()) {
-        turn_.start();
+    if (consumed_ < pending_.size() && !appendTimer_.isActive()) {
+        appendTimer_.start();
     }
 }
 
-void Worksheet::AppendPart()
+void Worksheet::AppendChunk()
 {
-    const auto part = std::string_view(waiting_).substr(taken_, kPart);
+    const auto part = std::string_view(pending_).substr(consumed_, kChunkSize);
     const long lastLine = LineStart(*this, lines() - 1);
-    const long column = Ask(*this, SCI_COUNTCODEUNITS, lastLine, Length(*this));
+    const long column = Send(*this, SCI_COUNTCODEUNITS, lastLine, Length(*this));
     const auto change = parser_.Feed(part, column);
-    taken_ += part.size();
-    if (taken_ >= waiting_.size() / 2) {
-        waiting_.erase(0, std::exchange(taken_, 0));
+    consumed_ += part.size();
+    if (consumed_ >= pending_.size() / 2) {
+        pending_.erase(0, std::exchange(consumed_, 0));
     }
-    Change(change);
-    if (!waiting_.empty()) {
-        turn_.start();
+    Apply(change);
+    if (!pending_.empty()) {
+        appendTimer_.start();
     }
 }
 
-void Worksheet::AppendAllThatWaits()
+void Worksheet::AppendPending()
 {
-    while (!waiting_.empty()) {
-        AppendPart();
+    while (!pending_.empty()) {
+        AppendChunk();
     }
-    turn_.stop();
+    appendTimer_.stop();
 }
 
-void Worksheet::Change(const OutputChange& change)
+void Worksheet::Apply(const OutputChange& change)
 {
-    MarkChanged();  // What it goes by is moved here.
-    const Unannounced whileChanging(*this);
+    MarkChanged();  // The positions that it uses become invalid below.
+    const NotificationBlocker blocker(*this);
     const bool follows = IsEndInSight(*this);
     const long lastLine = LineStart(*this, lines() - 1);
     if (change.erasesLastLine) {
         ReplaceBetween(*this, lastLine, Length(*this), {});
-        Ask(*this, SCI_EMPTYUNDOBUFFER);  // Its positions are no longer right.
+        Send(*this, SCI_EMPTYUNDOBUFFER);  // Its positions are no longer valid.
     }
     const long oldEnd = Length(*this);
     const auto bytes = change.text.toUtf8();
     SendScintilla(SCI_APPENDTEXT, static_cast<unsigned long>(bytes.size()), bytes.constData());
     MarkLinks(lastLine, Length(*this));
     if (FirstLinkFrom(oldEnd)) {
-        Ask(*this, SCI_MARKERDELETEHANDLE, std::exchange(chosen_, -1));  // That one is old news.
+        // The next search starts at the new links.
+        Send(*this, SCI_MARKERDELETEHANDLE, std::exchange(chosen_, -1));
     }
     DropOldLines();
     if (follows) {
-        Ask(*this, SCI_SETFIRSTVISIBLELINE, lines());
+        Send(*this, SCI_SETFIRSTVISIBLELINE, lines());
     }
 }
 
 void Worksheet::DropOldLines()
 {
     long dropped = 0;
-    if (lines() > kMostLines) {
+    if (lines() > kMaxLines) {
         dropped = lines() - kLinesAfterDrop;
     }
-    if (Length(*this) > kMostBytes) {
+    if (Length(*this) > kMaxBytes) {
         dropped = std::max(dropped, LineAt(*this, Length(*this) - kBytesAfterDrop));
     }
     if (dropped == 0) {
         return;
     }
-    Ask(*this, SCI_DELETERANGE, 0, LineStart(*this, dropped));
-    Ask(*this, SCI_EMPTYUNDOBUFFER);
+    Send(*this, SCI_DELETERANGE, 0, LineStart(*this, dropped));
+    Send(*this, SCI_EMPTYUNDOBUFFER);
 }
 
 QString Worksheet::Content()
 {
-    AppendAllThatWaits();
+    AppendPending();
     return TextOf(*this);
 }
 
 void Worksheet::SetContent(const QString& text)
 {
-    MakeEmpty();
-    const Unannounced whileChanging(*this);
+    Clear();
+    const NotificationBlocker blocker(*this);
     ReplaceBetween(*this, 0, 0, text.toUtf8());
     MarkLinks(0, Length(*this));
     DropOldLines();
-    Ask(*this, SCI_SETFIRSTVISIBLELINE, lines());
+    Send(*this, SCI_SETFIRSTVISIBLELINE, lines());
 }
 
-void Worksheet::MakeEmpty()
+void Worksheet::Clear()
 {
-    waiting_.clear();
-    taken_ = 0;
-    turn_.stop();
+    pending_.clear();
+    consumed_ = 0;
+    appendTimer_.stop();
     unchanged_.reset();
     parser_ = {};
     chosen_ = -1;
-    const Unannounced whileChanging(*this);
-    Ask(*this, SCI_MARKERDELETEALL, kChosenMarker);
-    Ask(*this, SCI_CLEARALL);
-    Ask(*this, SCI_EMPTYUNDOBUFFER);
-    Ask(*this, SCI_SETSCROLLWIDTH, 1);
+    const NotificationBlocker blocker(*this);
+    Send(*this, SCI_MARKERDELETEALL, kChosenMarker);
+    Send(*this, SCI_CLEARALL);
+    Send(*this, SCI_EMPTYUNDOBUFFER);
+    Send(*this, SCI_SETSCROLLWIDTH, 1);
 }
 
-// All of the lines that the range touches.
+// Marks the links on all lines that the range touches.
 void Worksheet::MarkLinks(long start, long end)
 {
     start = LineStart(*this, LineAt(*this, start));
     end = LineEnd(*this, LineAt(*this, end));
-    Ask(*this, SCI_SETINDICATORCURRENT, kLinkIndicator);
-    Ask(*this, SCI_INDICATORCLEARRANGE, start, end - start);
+    Send(*this, SCI_SETINDICATORCURRENT, kLinkIndicator);
+    Send(*this, SCI_INDICATORCLEARRANGE, start, end - start);
     const auto bytes = BytesBetween(*this, start, end);
     for (qsizetype at = 0; (at = bytes.indexOf("File ", at)) >= 0;) {
         const long line = LineAt(*this, start + at);
@@ -219,27 +221,27 @@ void Worksheet::MarkLinks(long start, long end)
         if (const auto link = FindSourceLink(text)) {
             const auto before = QStringView(text).first(link->start).toUtf8().size();
             const auto all = QStringView(text).first(link->start + link->length).toUtf8().size();
-            Ask(*this, SCI_INDICATORFILLRANGE, lineStart + before, all - before);
+            Send(*this, SCI_INDICATORFILLRANGE, lineStart + before, all - before);
         }
         at = LineEnd(*this, line) - start;
     }
 }
 
-// Before a change, the only time that Scintilla tells of it.
-void Worksheet::NoteChange(int position, int type, int length)
+// Called before a change: notifications after a change are disabled (on_demand_accessibility.h).
+void Worksheet::RecordChange(int position, int type, int length)
 {
     if ((type & kBeforeChange) == 0) {
         return;
     }
     const long deleted = (type & SC_MOD_BEFOREDELETE) != 0 ? length : 0;
-    const Unchanged own{position, Length(*this) - position - deleted};
+    const Unchanged change{position, Length(*this) - position - deleted};
     if (unchanged_) {
-        unchanged_->before = std::min(unchanged_->before, own.before);
-        unchanged_->after = std::min(unchanged_->after, own.after);
+        unchanged_->before = std::min(unchanged_->before, change.before);
+        unchanged_->after = std::min(unchanged_->after, change.after);
         return;
     }
-    unchanged_ = own;
-    marking_.start();
+    unchanged_ = change;
+    markTimer_.start();
 }
 
 void Worksheet::MarkChanged()
@@ -251,24 +253,24 @@ void Worksheet::MarkChanged()
 
 std::optional<long> Worksheet::FirstLinkFrom(long position) const
 {
-    // At the text's end Scintilla gives the value before it.
+    // At the end of the text Scintilla returns the value of the last character.
     const auto isLink = [this](long at) {
-        return at < Length(*this) && Ask(*this, SCI_INDICATORVALUEAT, kLinkIndicator, at) != 0;
+        return at < Length(*this) && Send(*this, SCI_INDICATORVALUEAT, kLinkIndicator, at) != 0;
     };
     if (isLink(position)) {
         return position;
     }
-    const long next = Ask(*this, SCI_INDICATOREND, kLinkIndicator, position);
+    const long next = Send(*this, SCI_INDICATOREND, kLinkIndicator, position);
     return next > position && isLink(next) ? std::optional(next) : std::nullopt;
 }
 
 std::optional<long> Worksheet::LastLinkBefore(long position) const
 {
     const auto startBefore = [this](long at) {
-        return Ask(*this, SCI_INDICATORSTART, kLinkIndicator, at - 1);
+        return Send(*this, SCI_INDICATORSTART, kLinkIndicator, at - 1);
     };
     const auto isLinkBefore = [this](long at) {
-        return at > 0 && Ask(*this, SCI_INDICATORVALUEAT, kLinkIndicator, at - 1) != 0;
+        return at > 0 && Send(*this, SCI_INDICATORVALUEAT, kLinkIndicator, at - 1) != 0;
     };
     if (position > 0 && !isLinkBefore(position)) {
         position = startBefore(position);
@@ -276,19 +278,19 @@ std::optional<long> Worksheet::LastLinkBefore(long position) const
     return isLinkBefore(position) ? std::optional(startBefore(position)) : std::nullopt;
 }
 
-// Where it begins; the text's start when there is none.
+// The start of the newest traceback; 0 if there is none.
 long Worksheet::NewestTraceback() const
 {
-    Ask(*this, SCI_SETSEARCHFLAGS, SCFIND_MATCHCASE);
-    Ask(*this, SCI_SETTARGETRANGE, Length(*this), 0);
+    Send(*this, SCI_SETSEARCHFLAGS, SCFIND_MATCHCASE);
+    Send(*this, SCI_SETTARGETRANGE, Length(*this), 0);
     const long found = SendScintilla(SCI_SEARCHINTARGET, kTraceback.size(), kTraceback.data());
     return std::max(found, 0L);
 }
 
 bool Worksheet::GoToNextLink()
 {
-    AppendAllThatWaits();
-    const long line = Ask(*this, SCI_MARKERLINEFROMHANDLE, chosen_);
+    AppendPending();
+    const long line = Send(*this, SCI_MARKERLINEFROMHANDLE, chosen_);
     auto link = FirstLinkFrom(line < 0 ? NewestTraceback() : LineEnd(*this, line));
     if (!link) {
         link = line < 0 ? LastLinkBefore(Length(*this)) : FirstLinkFrom(0);
@@ -298,8 +300,8 @@ bool Worksheet::GoToNextLink()
 
 bool Worksheet::GoToPreviousLink()
 {
-    AppendAllThatWaits();
-    const long line = Ask(*this, SCI_MARKERLINEFROMHANDLE, chosen_);
+    AppendPending();
+    const long line = Send(*this, SCI_MARKERLINEFROMHANDLE, chosen_);
     auto link = line < 0 ? std::nullopt : LastLinkBefore(LineStart(*this, line));
     link = link ? link : LastLinkBefore(Length(*this));
     return link && ChooseLinkAt(*link);
@@ -309,21 +311,21 @@ bool Worksheet::ChooseLinkAt(long position)
 {
     const long line = LineAt(*this, position);
     const long start = LineStart(*this, line);
-    const auto column = Ask(*this, SCI_COUNTCODEUNITS, start, position);
+    const auto column = Send(*this, SCI_COUNTCODEUNITS, start, position);
     const auto link = FindSourceLink(TextBetween(*this, start, LineEnd(*this, line)), column);
     if (!link) {
         return false;
     }
-    Ask(*this, SCI_MARKERDELETEHANDLE, chosen_);
-    chosen_ = Ask(*this, SCI_MARKERADD, line, kChosenMarker);
-    SelectBetween(*this, LineEnd(*this, line), start);  // A long line's start is to be seen.
+    Send(*this, SCI_MARKERDELETEHANDLE, chosen_);
+    chosen_ = Send(*this, SCI_MARKERADD, line, kChosenMarker);
+    SelectBetween(*this, LineEnd(*this, line), start);  // Keep the start of a long line visible.
     Q_EMIT LinkChosen(link->path, link->line);
     return true;
 }
 
 void Worksheet::Click(int position)
 {
-    // Who drags over a link wants its text.
+    // Dragging over a link selects its text.
     if (!hasSelectedText()) {
         ChooseLinkAt(position);
     }
@@ -331,8 +333,8 @@ void Worksheet::Click(int position)
 
 void Worksheet::RequestRun()
 {
-    const long start = Ask(*this, SCI_GETSELECTIONSTART);
-    const long end = Ask(*this, SCI_GETSELECTIONEND);
+    const long start = Send(*this, SCI_GETSELECTIONSTART);
+    const long end = Send(*this, SCI_GETSELECTIONEND);
     const long line = LineAt(*this, start);
     const QString text = start < end
                              ? TextBetween(*this, start, end)

@@ -10,42 +10,41 @@
 #include <string>
 #include <string_view>
 
-// Where the output of programs arrives; the user edits it as any text. Used on the user-interface
-// thread.
+// An editable text to which the output of programs is appended. [ui]
 class Worksheet final : public QsciScintilla {
     Q_OBJECT
 
   public:
-    static constexpr int kMostLines = 100'000;
-    static constexpr long kMostBytes = 16'777'216;
+    static constexpr int kMaxLines = 100'000;
+    static constexpr long kMaxBytes = 16'777'216;
 
     explicit Worksheet(QWidget* parent = nullptr);
 
-    // Adds output (see OutputText) at the end, in one of the next turns of the event loop; a
-    // turn takes a part only. When too much waits, this call adds a part itself, so that a
-    // producer becomes as slow as the view. The oldest lines go when there are too many. The view
-    // follows while its end is in sight. The caret and the selection stay where they are. Undo
-    // does not take it back, and what was typed before something was erased stays.
+    // Appends output (see OutputText) in chunks, one in each iteration of the event loop. If too
+    // much output is pending, this call itself appends chunks, to slow the producer down. The
+    // oldest lines are removed when there are too many. The view follows the output while its end
+    // is visible; the caret and the selection do not move. Undo does not revert output, nor changes
+    // made before output erased a line.
     void Append(std::string_view utf8);
 
-    // Everything, also what waits to be added.
+    // The whole text, including pending output.
     QString Content();
     void SetContent(const QString& text);
-    void MakeEmpty();
+    void Clear();
 
-    // As Control-Return.
+    // Does the same as Ctrl+Return.
     void RequestRun();
 
-    // From the link chosen last; when there is none, or a newer one has arrived since, to the first
-    // of the newest traceback or to the last. Goes on at the other end. False when there is no
-    // link.
+    // Go to the next or previous link, starting at the link chosen last, and wrap around. If there
+    // is none, or newer links have arrived since, go to the first link of the newest traceback, or
+    // to the last link. Return false if there is no link.
     bool GoToNextLink();
     bool GoToPreviousLink();
 
   Q_SIGNALS:
-    // A line of a traceback was chosen: the path as it stands there, and a line from 1.
+    // A line of a traceback was chosen. The path is as written there; lines are counted from 1.
     void LinkChosen(const QString& path, int line);
-    // The user wants this run: what is selected, or the caret's line.
+    // The user requests to run the selection, or the caret's line if nothing is selected.
     void RunRequested(const QString& text);
 
   protected:
@@ -54,19 +53,19 @@ class Worksheet final : public QsciScintilla {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
-    // Bytes at the start and at the end.
+    // The number of unchanged bytes at the start and at the end.
     struct Unchanged {
         long before, after;
     };
 
     void SetUpLinks();
     void ApplyLinkStyle();
-    void AppendPart();
-    void AppendAllThatWaits();
-    void Change(const OutputChange& change);
+    void AppendChunk();
+    void AppendPending();
+    void Apply(const OutputChange& change);
     void DropOldLines();
     void MarkLinks(long start, long end);
-    void NoteChange(int position, int type, int length);
+    void RecordChange(int position, int type, int length);
     void MarkChanged();
     std::optional<long> FirstLinkFrom(long position) const;
     std::optional<long> LastLinkBefore(long position) const;
@@ -75,10 +74,10 @@ class Worksheet final : public QsciScintilla {
     void Click(int position);
 
     OutputText parser_;
-    std::string waiting_;
-    std::size_t taken_ = 0;  // From the front of `waiting_`.
-    QTimer turn_;
-    QTimer marking_;
-    std::optional<Unchanged> unchanged_;  // While changes by the user wait for their links.
-    long chosen_ = -1;                    // Handle of the marker on the chosen line.
+    std::string pending_;
+    std::size_t consumed_ = 0;  // Bytes at the front of `pending_` that have been appended.
+    QTimer appendTimer_;
+    QTimer markTimer_;
+    std::optional<Unchanged> unchanged_;  // Until the links in the user's changes are marked.
+    long chosen_ = -1;                    // The handle of the marker on the chosen line.
 };

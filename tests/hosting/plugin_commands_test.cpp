@@ -36,5 +36,5 @@ TEST(PluginCommands, AnUnknownCommandNeedsNoFile)
 {
     EXPECT_FALSE(NeedsFile(FindCommandByName("QuilpFormat")));
     EXPECT_FALSE(NeedsFile(FindCommandByName("")));
-    EXPECT_EQ(FindCommandByBatchWord(""), nullptr);
+    EXPECT_EQ(FindCommandByBatchName(""), nullptr);
 }

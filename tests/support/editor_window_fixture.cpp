@@ -53,7 +53,7 @@ bool EditorWindow::Close()
 void EditorWindow::EndBy(const std::function<void()>& act)
 {
     bool ended = false;
-    QObject::connect(window_.get(), &MainWindow::Ended, window_.get(), [&ended] { ended = true; });
+    QObject::connect(window_.get(), &MainWindow::Closed, window_.get(), [&ended] { ended = true; });
     QTimer::singleShot(0, window_.get(), act);
     EXPECT_TRUE(WaitUntil([&ended] { return ended; }));
     End();

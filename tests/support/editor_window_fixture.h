@@ -58,7 +58,7 @@ class EditorWindow : public testing::Test {
     void WhenAskedPress(int standardButton);
 
     TemporaryFolder folder;
-    EditorPlaces places;
+    EditorPaths places;
 
   private:
     std::optional<PluginModule> plugin_;

@@ -19,8 +19,8 @@ FileActions::FileActions(DocumentTabs& tabs, Project& project, MessageArea& mess
     : QObject(window), tabs_(tabs), project_(project), messages_(messages), window_(window)
 {
     connect(&tabs_, &DocumentTabs::FilesDropped, this, &FileActions::Open);
-    connect(&tabs_, &DocumentTabs::Opened, this, &FileActions::NoteRecent);
-    connect(&tabs_, &DocumentTabs::TooSlow, this, &FileActions::OfferSlowFile);
+    connect(&tabs_, &DocumentTabs::Opened, this, &FileActions::AddRecent);
+    connect(&tabs_, &DocumentTabs::LineTooLong, this, &FileActions::OfferLongLineFile);
 }
 
 void FileActions::Open(const QStringList& paths)
@@ -35,7 +35,7 @@ void FileActions::Open(const QStringList& paths)
 }
 
 // A file that has disappeared since the last session is not reported.
-void FileActions::OpenLast(const QStringList& paths, const QString& front)
+void FileActions::Reopen(const QStringList& paths, const QString& front)
 {
     for (const auto& path : paths + QStringList(front)) {
         if (QFileInfo(path).isFile()) {
@@ -70,20 +70,20 @@ void FileActions::OpenFolderByDialog()
 void FileActions::MakeTarget(const Document& document)
 {
     if (document.path().empty()) {
-        return messages_.Report(tr("The document has no file yet; save it first."));
+        return messages_.Report(tr("Save the document to a file first."));
     }
     project_.SetTarget(QString::fromStdString(document.path()));
 }
 
-void FileActions::NoteRecent(const QString& path)
+void FileActions::AddRecent(const QString& path)
 {
     recent_.removeAll(path);
     recent_.prepend(path);
     recent_ = recent_.mid(0, kMaxRecent);
 }
 
-void FileActions::OfferSlowFile(const QString& path, qint64 line)
+void FileActions::OfferLongLineFile(const QString& path, qint64 line)
 {
-    messages_.OfferSlowFile(path, line,
-                            [this, path] { tabs_.Open(path, DocumentTabs::LongLines::Accept); });
+    messages_.OfferLongLineFile(
+        path, line, [this, path] { tabs_.Open(path, DocumentTabs::LongLines::Accept); });
 }

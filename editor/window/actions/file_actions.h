@@ -8,31 +8,31 @@ class DocumentTabs;
 class MessageArea;
 class Project;
 
-// Opens files and folders, and keeps the list of recent files. Used on the user-interface thread.
+// Opens files and folders, and maintains the list of recent files. [ui]
 class FileActions final : public QObject {
     Q_OBJECT
 
   public:
-    // What it refers to must outlive it. `window` is the parent of dialogs.
+    // The referenced objects must outlive this one. `window` is the parent of dialogs.
     FileActions(DocumentTabs& tabs, Project& project, MessageArea& messages, QWidget* window);
 
-    // A folder among them becomes the project.
+    // Opens files; a folder becomes the project.
     void Open(const QStringList& paths);
-    // The documents of the last session that still exist.
-    void OpenLast(const QStringList& paths, const QString& front);
+    // Reopens the documents of the last session that still exist.
+    void Reopen(const QStringList& paths, const QString& front);
 
     void OpenByDialog();
     void OpenFolderByDialog();
-    // Makes the document the current target.
+    // Sets the document as the current target.
     void MakeTarget(const Document& document);
 
-    // Full paths, the newest first.
+    // Full paths, most recent first.
     const QStringList& recent() const { return recent_; }
     void SetRecent(const QStringList& paths) { recent_ = paths; }
 
   private:
-    void NoteRecent(const QString& path);
-    void OfferSlowFile(const QString& path, qint64 line);
+    void AddRecent(const QString& path);
+    void OfferLongLineFile(const QString& path, qint64 line);
 
     DocumentTabs& tabs_;
     Project& project_;

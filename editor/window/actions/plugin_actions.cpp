@@ -10,7 +10,7 @@ PluginActions::PluginActions(PluginHost& host, DocumentTabs& tabs, MessageArea& 
 {
 }
 
-// The plug-in reads files from the disk. False when the user has cancelled.
+// The plug-in reads the file from disk. Returns false if the user cancelled.
 bool PluginActions::SaveFront()
 {
     const auto* const front = tabs_.Front();
@@ -18,7 +18,7 @@ bool PluginActions::SaveFront()
         return true;
     }
     if (front->path().empty()) {
-        // A new text can run once it has a name; until then the target runs.
+        // A document without a file cannot run, so the target runs instead, if there is one.
         return front->IsPristine() || host_.HasRunnable() || tabs_.SaveFront();
     }
     return !front->IsModified() || tabs_.SaveFront();

@@ -8,13 +8,13 @@ class DocumentTabs;
 class MessageArea;
 class PluginHost;
 
-// What the window does with the plug-in's commands: it saves the document that a command acts on,
-// checks that there is one, and reports what could not be done. Used on the user-interface thread.
+// Performs the plug-in's commands: checks that there is a file to act on, saves the document first,
+// and reports errors in the window. [ui]
 class PluginActions final : public QObject {
     Q_OBJECT
 
   public:
-    // What it refers to must outlive it.
+    // The referenced objects must outlive this one.
     PluginActions(PluginHost& host, DocumentTabs& tabs, MessageArea& messages, QWidget* window);
 
     // Whether documents are saved before a command acts on them.
@@ -24,7 +24,7 @@ class PluginActions final : public QObject {
     // Performs a registered command.
     void Perform(const std::string& command);
     void PressControl();
-    // Opens the plug-in's menu below this control.
+    // Opens the plug-in's menu below the control.
     void OpenPopUp(const QWidget& control);
     void OpenDeviceWindow();
 

@@ -33,7 +33,7 @@ bool TextActions::IsFindBarFocused() const
     return focused != nullptr && findBar_.isAncestorOf(focused);
 }
 
-// The fields of the find bar have slots of the same names as the texts.
+// QLineEdit and QsciScintilla have slots of the same names.
 void TextActions::Edit(const char* slot)
 {
     auto* const target = IsFindBarFocused() ? QApplication::focusWidget() : FocusedText();
@@ -71,8 +71,8 @@ void TextActions::ZoomTo(int zoom)
     worksheet_.zoomTo(zoom_);
 }
 
-// The other texts follow when they come to the front.
-void TextActions::TakeZoom()
+// The other documents adopt the zoom when they become the front document.
+void TextActions::AdoptZoom()
 {
     if (auto* const page = tabs_.FrontPage()) {
         const auto zoom = page->editor().SendScintilla(QsciScintilla::SCI_GETZOOM);

@@ -11,30 +11,32 @@ class QsciScintilla;
 class QSplitter;
 class Worksheet;
 
-// Actions on whichever text the user works in: the front document, the worksheet or a field of the
-// find bar. Used on the user-interface thread.
+// Actions on the text that has the focus: the front document, the worksheet or a field of the find
+// bar. [ui]
 class TextActions final : public QObject {
     Q_OBJECT
 
   public:
-    // What it refers to must outlive it. `splitter` holds the documents above the worksheet.
+    // The referenced objects must outlive this one. `splitter` contains the documents and below
+    // them the worksheet.
     TextActions(DocumentTabs& tabs, Worksheet& worksheet, FindBar& findBar, QSplitter& splitter);
 
-    // Calls a slot without arguments, such as "undo", of the focused text or field.
+    // Calls a slot without arguments, such as "undo", of the text or field that has the focus.
     void Edit(const char* slot);
-    // Searches the focused text, also from within the find bar.
+    // Searches the text that has the focus, or from the find bar the text that it searched last.
     void Search(void (FindBar::*search)());
-    // Asks for the line.
+    // Asks the user for the line.
     void GoToLine(DocumentPage& page);
 
-    // The size of all texts, in points added to the font's.
+    // The zoom of all texts, in points added to the font size.
     int zoom() const { return zoom_; }
     void ZoomTo(int zoom);
-    // Follows the zoom of the front document, which the mouse wheel changes.
-    void TakeZoom();
+    // Adopts the zoom of the front document, which the mouse wheel changes.
+    void AdoptZoom();
 
+    // Moves the focus to the worksheet, or from there back to the front document.
     void SwitchToWorksheet();
-    // A negative number shrinks it.
+    // A negative number shrinks the worksheet.
     void EnlargeWorksheet(int pixels);
 
   private:

@@ -56,20 +56,20 @@ void WorksheetActions::FollowLink(const QString& path, int line)
         FindLinkedFile(path.toStdString(),
                        {WorkingFolder(), project_.folder().toStdString(), board_.boardFolder()});
     if (file.empty()) {
-        messages_.Report(tr("There is no file %1 on this computer.").arg(path));
+        messages_.Report(tr("The file %1 does not exist on this computer.").arg(path));
     } else if (tabs_.Open(QString::fromStdString(file))) {
         tabs_.FrontPage()->editor().GoToLine(line);
     }
 }
 
-void WorksheetActions::GoToNextPlace()
+void WorksheetActions::GoToNextLink()
 {
     if (!worksheet_.GoToNextLink()) {
         ReportNoTraceback();
     }
 }
 
-void WorksheetActions::GoToPreviousPlace()
+void WorksheetActions::GoToPreviousLink()
 {
     if (!worksheet_.GoToPreviousLink()) {
         ReportNoTraceback();
@@ -78,5 +78,5 @@ void WorksheetActions::GoToPreviousPlace()
 
 void WorksheetActions::ReportNoTraceback()
 {
-    messages_.Report(tr("There is no traceback in the worksheet."));
+    messages_.Report(tr("The worksheet contains no traceback."));
 }

@@ -11,20 +11,20 @@ class Project;
 class UserShell;
 class Worksheet;
 
-// What the window does with the worksheet's lines: it runs them in the user's shell, and follows
-// the links of tracebacks. Used on the user-interface thread.
+// Runs lines of the worksheet in the user's shell, and opens the files that tracebacks refer
+// to. [ui]
 class WorksheetActions final : public QObject {
     Q_OBJECT
 
   public:
-    // What it refers to must outlive it.
+    // The referenced objects must outlive this one.
     WorksheetActions(Worksheet& worksheet, DocumentTabs& tabs, const Project& project,
                      const BoardMonitor& board, MessageArea& messages);
 
-    // Stops the command that the worksheet runs.
+    // Stops the shell command that is running, if any.
     void StopShell();
-    void GoToNextPlace();
-    void GoToPreviousPlace();
+    void GoToNextLink();
+    void GoToPreviousLink();
 
   private:
     void RunLine(const QString& text);
@@ -37,5 +37,5 @@ class WorksheetActions final : public QObject {
     const Project& project_;
     const BoardMonitor& board_;
     MessageArea& messages_;
-    UserShell* shell_;  // Owned by Qt's parent.
+    UserShell* shell_;  // Owned by its Qt parent.
 };

@@ -12,7 +12,7 @@ QString FullPathOfFile(const QString& path)
     return file.isFile() ? file.absoluteFilePath() : QString();
 }
 
-QString MainOf(const QString& folder)
+QString MainFileIn(const QString& folder)
 {
     return folder.isEmpty() ? QString() : FullPathOfFile(folder + "/main.py");
 }
@@ -23,7 +23,7 @@ void Project::SetFolder(const QString& folder)
 {
     const QFileInfo info(folder);
     folder_ = info.isDir() ? info.absoluteFilePath() : QString();
-    folderTarget_ = MainOf(folder_);
+    folderTarget_ = MainFileIn(folder_);
     Q_EMIT Changed();
 }
 
@@ -33,9 +33,9 @@ void Project::SetTarget(const QString& file)
     Q_EMIT Changed();
 }
 
-void Project::FindFolderTarget()
+void Project::UpdateFolderTarget()
 {
-    const QString found = MainOf(folder_);
+    const QString found = MainFileIn(folder_);
     if (std::exchange(folderTarget_, found) != found) {
         Q_EMIT Changed();
     }

@@ -3,8 +3,8 @@
 #include <QObject>
 #include <QString>
 
-// The folder that the user works in, and what a command acts on while no Python document is in
-// front. Paths are full, and empty for none. Used on the user-interface thread.
+// The folder that the user works in, and the target: the file that commands act on when the front
+// document is not Python. Paths are full; empty if there is none. [ui]
 class Project final : public QObject {
     Q_OBJECT
 
@@ -12,16 +12,16 @@ class Project final : public QObject {
     explicit Project(QObject* parent) : QObject(parent) {}
 
     const QString& folder() const { return folder_; }
-    // The user's choice, which goes before the folder's.
+    // The target that the user chose, which takes precedence over the folder's.
     const QString& target() const { return target_; }
-    // The folder's main.py, which comes and goes with the file.
+    // The folder's main.py; empty while that file does not exist.
     const QString& folderTarget() const { return folderTarget_; }
 
-    // What is no folder counts as none, and so for a file.
+    // A path that is not a folder, or not a file, clears the setting.
     void SetFolder(const QString& folder);
     void SetTarget(const QString& file);
-    // Looks whether main.py has come or gone.
-    void FindFolderTarget();
+    // Checks whether the folder's main.py has been created or deleted.
+    void UpdateFolderTarget();
 
   Q_SIGNALS:
     void Changed();

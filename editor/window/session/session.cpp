@@ -24,14 +24,9 @@ Session Read(QSettings& settings)
     session.zoom = std::clamp(settings.value(kRequiredKey, 0).toInt(), kMinZoom, kMaxZoom);
     session.savesBeforeCommands = settings.value("editor/savesBeforeCommands", true).toBool();
     session.appearance =
-        AppearanceNamed(settings.value("editor/appearance").toString().toStdString())
+        ParseAppearance(settings.value("editor/appearance").toString().toStdString())
             .value_or(Appearance::System);
     return session;
-}
-
-QString SettingsOf(const std::string& path)
-{
-    return QString::fromStdString(path);
 }
 
 }  // namespace
@@ -43,10 +38,10 @@ LoadedSession LoadSession(const std::string& path, Shortcuts& shortcuts)
         return {};
     }
     LoadedSession loaded;
-    QSettings settings(SettingsOf(path), QSettings::IniFormat);
+    QSettings settings(QString::fromStdString(path), QSettings::IniFormat);
     loaded.session = Read(settings);
     shortcuts.Load(settings);
-    // Qt accepts any text as values without a section.
+    // Qt reads any text as values without a section, so a known key is required.
     const bool isOurs =
         settings.contains(kRequiredKey) || std::filesystem::file_size(path, error) == 0;
     if (settings.status() != QSettings::NoError || !isOurs) {
@@ -61,7 +56,7 @@ std::expected<void, std::string> SaveSession(const std::string& path, const Sess
 {
     std::error_code error;
     std::filesystem::create_directories(std::filesystem::path(path).parent_path(), error);
-    QSettings settings(SettingsOf(path), QSettings::IniFormat);
+    QSettings settings(QString::fromStdString(path), QSettings::IniFormat);
     settings.setValue("window/geometry", session.geometry);
     settings.setValue("window/splitter", session.splitter);
     settings.setValue("session/files", session.files);

@@ -10,18 +10,18 @@
 #include <expected>
 #include <string>
 
-// The zoom in points that are added to the font's size.
+// The range of the zoom, in points added to the font size.
 inline constexpr int kMinZoom = -8;
 inline constexpr int kMaxZoom = 20;
 
-// What the editor looked like when it exited, and what the user has set.
+// The state of the editor when it exited, and the user's settings.
 struct Session {
-    QByteArray geometry;  // Of the window, in Qt's own form like the splitter's state.
+    QByteArray geometry;  // The window's, in Qt's own format, like the splitter's state.
     QByteArray splitter;
     QStringList files;
     QString front;
     QStringList recent;
-    QString folder;  // The project's; empty for none, like the target.
+    QString folder;  // The project's; empty if there is none, like the target.
     QString target;
     int zoom = 0;
     bool savesBeforeCommands = true;
@@ -30,12 +30,12 @@ struct Session {
 
 struct LoadedSession {
     Session session;
-    QString problem;  // A sentence for the user; empty when there was none.
+    QString problem;  // A message for the user; empty if there was no problem.
 };
 
-// Reads the file, and the commands' shortcuts from it. A file that cannot be parsed is set aside.
+// Reads the session and the shortcuts of commands. A file that cannot be parsed is renamed.
 LoadedSession LoadSession(const std::string& path, Shortcuts& shortcuts);
 
-// Makes the file's folder. The error is a sentence.
+// Creates the file's folder if necessary. The error is a message for the user.
 std::expected<void, std::string> SaveSession(const std::string& path, const Session& session,
                                              const Shortcuts& shortcuts);

@@ -57,9 +57,9 @@ void SessionKeeper::RestoreWorksheet()
         QString::fromStdString(SetAsideWithReport("The worksheet cannot be read", worksheetPath_)));
 }
 
-void SessionKeeper::OpenLastDocuments()
+void SessionKeeper::ReopenDocuments()
 {
-    parts_.files.OpenLast(last_.files, last_.front);
+    parts_.files.Reopen(last_.files, last_.front);
 }
 
 Session SessionKeeper::Current() const

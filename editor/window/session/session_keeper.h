@@ -9,18 +9,17 @@
 
 struct UserFolders;
 
-// Restores what the editor looked like when it last exited, and saves it. Used on the
-// user-interface thread.
+// Saves the state of the editor, and restores it at the next start. [ui]
 class SessionKeeper {
   public:
     // `shortcuts` must outlive this object.
     SessionKeeper(const UserFolders& folders, Shortcuts& shortcuts, const EditorParts& parts);
 
-    // Everything except the documents. Problems are reported in the window.
+    // Restores everything except the documents. Errors are reported in the window.
     void Restore();
-    void OpenLastDocuments();
+    void ReopenDocuments();
 
-    // What could not be saved, as sentences.
+    // Returns the errors as messages for the user.
     QStringList Save();
 
   private:
@@ -31,5 +30,5 @@ class SessionKeeper {
     std::string worksheetPath_;
     Shortcuts& shortcuts_;
     EditorParts parts_;
-    Session last_;  // As it was loaded.
+    Session last_;  // As loaded.
 };

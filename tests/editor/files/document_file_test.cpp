@@ -73,7 +73,7 @@ TEST(DocumentFile, EveryFileComesBackByteForByte)
 TEST(DocumentFile, ACharacterThatTheEncodingLacksIsNamed)
 {
     ExpectError(Encode("é\r\nb\rπ", TextEncoding::Latin1),
-                "line 3 has the character π (U+03C0), which Latin-1 does not have");
+                "The character π (U+03C0) on line 3 cannot be encoded in Latin-1");
     ExpectError(Encode("😀", TextEncoding::Latin1), "😀 (U+1F600)");
     ExpectError(Encode(QChar(0xD83D), TextEncoding::Utf8), "(U+D83D)");
 }
@@ -83,9 +83,9 @@ TEST(DocumentFile, WhatCannotBeReadIsRefusedWithASentence)
     const TemporaryFolder folder;
     ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
     fs::create_symlink("fifo", folder / "link");
-    fs::resize_file(folder.Write("largest", ""), kLargestDocument);
-    fs::resize_file(folder.Write("larger", ""), kLargestDocument + 1);
-    EXPECT_EQ(ReadFileBytes(folder / "largest")->size(), kLargestDocument);
+    fs::resize_file(folder.Write("largest", ""), kMaxDocumentSize);
+    fs::resize_file(folder.Write("larger", ""), kMaxDocumentSize + 1);
+    EXPECT_EQ(ReadFileBytes(folder / "largest")->size(), kMaxDocumentSize);
     for (const auto& [path, reason] :
          {std::pair(folder / "missing", "cannot be read: No such file"),
           {folder.path(), "is a folder"},
@@ -140,7 +140,7 @@ TEST(DocumentFile, WithoutPermissionNothingIsTouched)
         ExpectError(SaveAtomically(folder / "protected", "new"),
                     "/protected cannot be saved: Permission denied");
         ExpectError(SaveAtomically(folder / "closed/f", "new"),
-                    "no file can be made in " + folder / "closed");
+                    "cannot create a file in " + folder / "closed");
         EXPECT_TRUE(SaveAtomically(folder / "shared", "new"));
         return HasFailure();
     };
@@ -186,7 +186,7 @@ TEST(DocumentFile, AFullOrReadOnlyDiskLeavesTheOldFileAndNothingElse)
 
 TEST(DocumentFile, TheFirstLineThatIsTooLongIsFound)
 {
-    const QString line(kLongestSmoothLine, 'x');
+    const QString line(kMaxSmoothLineLength, 'x');
     EXPECT_FALSE(FirstTooLongLine(line + "\r\n" + line));
     EXPECT_EQ(FirstTooLongLine("\r\n" + line + "\n" + line + "x\r"), 3);
     EXPECT_EQ(FirstTooLongLine(line + "x"), 1);

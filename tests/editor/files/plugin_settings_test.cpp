@@ -70,7 +70,7 @@ TEST(PluginSettings, AFileThatCannotBeReadIsSetAsideAndNeverLost)
     for (const auto& [bytes, name] : rows) {
         folder.Write("s", bytes);
         auto settings = SettingsOf(path);
-        EXPECT_TRUE(settings.Load().value_or("").ends_with("set aside as " + name + ".")) << name;
+        EXPECT_TRUE(settings.Load().value_or("").ends_with("renamed to " + name + ".")) << name;
         EXPECT_EQ(settings.Words("frame"), nullptr);
         folder.Write("s", bytes);  // Damaged again, before Save.
         settings.Replace("frame 2\n");

@@ -139,5 +139,5 @@ TEST(Recovery, NothingIsMadeBeforeItIsNeededAndFailuresAreReported)
     EXPECT_FALSE(fs::exists(folder / "none"));
     const auto file = folder.Write("file", "");
     EXPECT_EQ(RecoveryStore(file).Keep("1", kCopy).error(),
-              "no folder can be made in " + file + ": Not a directory");
+              "cannot create a folder in " + file + ": Not a directory");
 }

@@ -191,15 +191,15 @@ TEST(Editor, EveryCommandLineGetsItsMessageAndStatus)
          "Done.\r\n"},
         {{"--document", hello, "--batch", "run"}, 0, "mpremote: no device found\n"},
         {{"--batch", "help"}, 0, "Run on micropython capable devices.\nWIP.\n"},
-        {{"--batch", "dance"}, 2, "dance is not a command"},
+        {{"--batch", "dance"}, 2, "unknown command: dance"},
         {{"--document", local / "no.py", "--batch", "run"}, 2, "no.py cannot be read: No such"},
         {{"--document", local.path(), "--batch", "run"}, 2, "is a folder"},
-        {{"--plugin", local / "no.so", "--batch", "help"}, 3, "there is no plug-in"},
+        {{"--plugin", local / "no.so", "--batch", "help"}, 3, "no.so does not exist"},
         {{"--plugin", nonsense, "--batch", "help"}, 3, "cannot be loaded"},
         {{"--plugin", plugins + "/no_plugin.so", "--batch", "help"}, 3, "is not a plug-in"},
-        {{"--plugin", plugins + "/refusing_plugin.so", "--batch", "help"}, 3, "answered 7"},
-        {{"--document", text, "--batch", "run"}, 1, "there is no Python document or target"},
-        {{"--batch", "upload"}, 1, "there is no Python document or target"},
+        {{"--plugin", plugins + "/refusing_plugin.so", "--batch", "help"}, 3, "returned 7"},
+        {{"--document", text, "--batch", "run"}, 1, "no Python document or target"},
+        {{"--batch", "upload"}, 1, "no Python document or target"},
         {{"--virtual-board=" + text, "--batch", "list"}, 1, "Not a directory"},
     };
     for (const auto& row : rows) {
@@ -213,7 +213,8 @@ TEST(Editor, OutputThatCannotBeWrittenEndsIt)
 {
     const std::string editor = QUILP_BIN "/quilp-editor --batch help wait=60";
     const auto full = RunProgram({"sh", "-c", editor + " >/dev/full; echo $?"});
-    EXPECT_EQ(full.output, "quilp-editor: standard output: No space left on device\n1\n");
+    EXPECT_EQ(full.output,
+              "quilp-editor: cannot write to standard output: No space left on device\n1\n");
     const auto left = RunProgram({"sh", "-c", "{ sleep 0.2; " + editor + "; } | true"});
     EXPECT_EQ(left.output, "") << "a reader that has left is no error";
 }

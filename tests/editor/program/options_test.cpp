@@ -12,8 +12,8 @@ TEST(Options, GoodCommandLinesAreParsed)
     EXPECT_EQ(options->document, "a b.py");
     EXPECT_EQ(options->target, "t.py");
     EXPECT_EQ(options->commands,
-              (std::vector<BatchCommand>{FindCommandByBatchWord("run"), Wait(0.5),
-                                         FindCommandByBatchWord("upload-as-main")}));
+              (std::vector<BatchCommand>{FindCommandByBatchName("run"), Wait(0.5),
+                                         FindCommandByBatchName("upload-as-main")}));
     EXPECT_TRUE(ParseOptions({"--virtual-board", "--batch", "run"})->boardFolder.empty());
     EXPECT_EQ(ParseOptions({"run", "--virtual-board", "--", "--batch"})->files,
               (std::vector<std::string>{"run", "--batch"}));

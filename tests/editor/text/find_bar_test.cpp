@@ -37,10 +37,7 @@ class FindBarTest : public testing::Test {
         return found != widgets.end() ? *found : nullptr;
     }
     QLineEdit* words() const { return Named<QLineEdit>("Find"); }
-    std::string message() const
-    {
-        return Named<QLabel>("Result of the search")->text().toStdString();
-    }
+    std::string message() const { return Named<QLabel>("Search result")->text().toStdString(); }
 
     // Presses a button, or changes an option, by its text without the underlined letter's mark.
     void Press(const QString& text) const
@@ -56,8 +53,8 @@ class FindBarTest : public testing::Test {
     // What is selected, as "START-END" in bytes.
     std::string selection() const
     {
-        return std::to_string(Ask(*editor, QsciScintilla::SCI_GETSELECTIONSTART)) + "-" +
-               std::to_string(Ask(*editor, QsciScintilla::SCI_GETSELECTIONEND));
+        return std::to_string(Send(*editor, QsciScintilla::SCI_GETSELECTIONSTART)) + "-" +
+               std::to_string(Send(*editor, QsciScintilla::SCI_GETSELECTIONEND));
     }
 
     // One search after another in a text, each by typed words ("=words"), a key or a button.
@@ -90,7 +87,7 @@ class FindBarTest : public testing::Test {
     FindBar* bar = new FindBar;
 };
 
-constexpr const char* kWrapped = "Went on at the other end";
+constexpr const char* kWrapped = "The search wrapped around";
 
 }  // namespace
 
@@ -142,8 +139,8 @@ TEST_F(FindBarTest, AnExpressionThatFailsIsReportedAndChangesNothing)
 {
     const QString hard = "hit\n" + (QString(30, 'a') + "\n").repeated(50) + "hit\n";
     const auto end = hard.size();
-    const std::string faulty = "No regular expression: ";
-    const std::string tooHard = "Too hard an expression for this text";
+    const std::string faulty = "Invalid regular expression: ";
+    const std::string tooHard = "The expression is too complex for this text";
     const struct {
         QString text, words, button;
         qsizetype caret;
@@ -163,7 +160,7 @@ TEST_F(FindBarTest, AnExpressionThatFailsIsReportedAndChangesNothing)
     bar->OpenForReplace();
     for (const auto& row : rows) {
         editor->setText(row.text);
-        Ask(*editor, QsciScintilla::SCI_GOTOPOS, row.caret);
+        Send(*editor, QsciScintilla::SCI_GOTOPOS, row.caret);
         words()->setText(row.words);
         Press(row.button);
         EXPECT_TRUE(message().starts_with(row.message)) << message();
@@ -178,14 +175,14 @@ TEST_F(FindBarTest, ReplacingAllIsOneStepAndSaysHowMany)
         std::string message;
         bool isExpression = false;
     } rows[] = {
-        {"a a\na", "a", "aa", "aa aa\naa", "3 replaced"},
-        {"é😀é", "é", "", "😀", "2 replaced"},
-        {"a\\1", "a", "\\1", "\\1\\1", "1 replaced"},
+        {"a a\na", "a", "aa", "aa aa\naa", "3 matches replaced"},
+        {"é😀é", "é", "", "😀", "2 matches replaced"},
+        {"a\\1", "a", "\\1", "\\1\\1", "1 match replaced"},
         {"a", "b", "c", "a", "No match"},
-        {"a1 b2", "(\\w)(\\d)", "\\2\\1\\\\\\0", "1a\\a1 2b\\b2", "2 replaced", true},
-        {"a😀b", "x*", "-", "-a-😀-b-", "4 replaced", true},
-        {"a\nb", "^", "> ", "> a\n> b", "2 replaced", true},
-        {"a;b", ";", "\\n\\t", "a\n\tb", "1 replaced", true},
+        {"a1 b2", "(\\w)(\\d)", "\\2\\1\\\\\\0", "1a\\a1 2b\\b2", "2 matches replaced", true},
+        {"a😀b", "x*", "-", "-a-😀-b-", "4 matches replaced", true},
+        {"a\nb", "^", "> ", "> a\n> b", "2 matches replaced", true},
+        {"a;b", ";", "\\n\\t", "a\n\tb", "1 match replaced", true},
     };
     bool isExpression = false;
     for (const auto& row : rows) {
@@ -221,7 +218,7 @@ TEST_F(FindBarTest, ReplaceChangesTheMatchThatIsSelectedAndGoesOn)
     for (const char* button : {"Replace", "Replace all"}) {
         Press(button);
         EXPECT_EQ(editor->text(), "ones two one");
-        EXPECT_EQ(message(), "The text cannot be changed") << button;
+        EXPECT_EQ(message(), "The text is read-only") << button;
     }
 }
 

@@ -160,7 +160,7 @@ TEST_F(TextEditorTest, ALineOutOfSightIsShownInTheMiddle)
     editor.clearFocus();
     editor.GoToLine(500);
     EXPECT_EQ(editor.CaretLine(), 500);
-    const auto visible = static_cast<double>(Ask(editor, QsciScintilla::SCI_LINESONSCREEN));
+    const auto visible = static_cast<double>(Send(editor, QsciScintilla::SCI_LINESONSCREEN));
     EXPECT_NEAR(editor.firstVisibleLine(), 499 - visible / 2, 2);
     const int top = editor.firstVisibleLine();
     editor.GoToLine(501);
@@ -191,7 +191,7 @@ TEST_F(TextEditorTest, TheNumberMarginFitsTheNumbers)
     QWheelEvent wheel(middle, editor.mapToGlobal(middle), {}, {0, 1200}, Qt::NoButton,
                       Qt::ControlModifier, Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(editor.viewport(), &wheel);
-    EXPECT_GT(Ask(editor, QsciScintilla::SCI_GETZOOM), 0) << "Control and the wheel";
+    EXPECT_GT(Send(editor, QsciScintilla::SCI_GETZOOM), 0) << "Control and the wheel";
     EXPECT_TRUE(fits("100000")) << "after the zoom";
 }
 
@@ -200,8 +200,8 @@ TEST_F(TextEditorTest, BracketsOfCodeFindTheirPartners)
     const auto match = [&](QString text, long styledTo) {  // The caret is at "|".
         const auto caret = text.indexOf('|');
         editor.SetContent(text.remove(caret, 1));
-        Ask(editor, QsciScintilla::SCI_COLOURISE, 0, styledTo);
-        Ask(editor, QsciScintilla::SCI_GOTOPOS, caret);
+        Send(editor, QsciScintilla::SCI_COLOURISE, 0, styledTo);
+        Send(editor, QsciScintilla::SCI_GOTOPOS, caret);
         return MatchBracketAtCaret(editor);
     };
     const struct {
@@ -288,7 +288,7 @@ TEST_F(TextEditorTest, FilesThatAreDroppedAreNotText)
 TEST_F(TextEditorTest, CodeIsReadableInLightAndDark)
 {
     const auto grey = [&](unsigned message, long style) {
-        const auto color = Ask(editor, message, style);
+        const auto color = Send(editor, message, style);
         return qGray(color & 0xff, (color >> 8) & 0xff, (color >> 16) & 0xff);
     };
     const struct {

@@ -240,7 +240,7 @@ TEST_F(EditorWindow, ANewTextGetsANameBeforeItRuns)
     ASSERT_TRUE(WaitForIdle());
     window().project().SetTarget(PathOf("answer.py"));
     window().documents().New();
-    window().worksheet().MakeEmpty();
+    window().worksheet().Clear();
     Press(Qt::Key_F5);
     EXPECT_TRUE(SheetShows("42\n")) << "the target runs while there is nothing to save";
 }
@@ -375,7 +375,7 @@ TEST_F(EditorWindow, FollowsAFileThatAnotherProgramChanges)
         Press(Qt::Key_F5);
         EXPECT_EQ(Read("a.py"), "theirs, which is longer\n") << key;
     }
-    Answer("Keep Mine");
+    Answer("Keep My Changes");
     Press(Qt::Key_S, Qt::ControlModifier);
     EXPECT_EQ(Read("a.py"), "mine one and two\n");
     EXPECT_EQ(Message(), "");
@@ -383,7 +383,7 @@ TEST_F(EditorWindow, FollowsAFileThatAnotherProgramChanges)
     Type("again ");
     Write("a.py", "theirs once more\n");
     ASSERT_TRUE(MessageShows("changed"));
-    Answer("Load the File");
+    Answer("Reload");
     EXPECT_EQ(editor().Content(), "theirs once more\n");
 
     fs::remove(folder / "a.py");
@@ -461,7 +461,7 @@ TEST_F(EditorWindow, ShowsTheBoardAndWhyThereIsNone)
     const auto mayAttach = [&] {
         Q_EMIT Action("Board")->menu()->aboutToShow();
         const bool attach = Action("Attach Virtual Board")->isEnabled();
-        EXPECT_NE(attach, Action("Unplug Virtual Board")->isEnabled());
+        EXPECT_NE(attach, Action("Detach Virtual Board")->isEnabled());
         return attach;
     };
     const auto* const shown = window().findChild<QToolButton*>("board");
@@ -470,7 +470,7 @@ TEST_F(EditorWindow, ShowsTheBoardAndWhyThereIsNone)
     EXPECT_FALSE(mayAttach()) << "while it starts";
     EXPECT_TRUE(WaitUntil([&] { return shown->text() == "Virtual board"; }));
     EXPECT_FALSE(mayAttach());
-    Action("Unplug Virtual Board")->trigger();
+    Action("Detach Virtual Board")->trigger();
     EXPECT_NE(shown->text(), "Virtual board");
     EXPECT_TRUE(mayAttach());
     const auto icon = [&](Appearance appearance) {
@@ -497,7 +497,7 @@ TEST_F(EditorWindow, ReportsWhatCannotBeOpenedOrSavedAndKeepsTheText)
     Type("new ");
     fs::remove_all(folder / "gone");
     EXPECT_FALSE(window().documents().SaveFront());
-    EXPECT_TRUE(MessageShows("gone"));
+    EXPECT_TRUE(MessageShows("cannot create a file"));
     EXPECT_EQ(editor().Content(), "new old\n");
     WhenAskedPress(QMessageBox::Cancel);
     EXPECT_FALSE(Close());
@@ -585,7 +585,7 @@ TEST_F(EditorWindow, EndsWithinASecondWhileTheBoardPrints)
 
 TEST_F(EditorWindow, AsksBeforeItShowsALineThatIsSlowToEdit)
 {
-    const std::string slow(kLongestSmoothLine + 1, '1');
+    const std::string slow(kMaxSmoothLineLength + 1, '1');
     const QString path = Write("data.py", "x = 1\n" + slow);
     Start({path});
     EXPECT_EQ(window().documents().Paths(), QStringList());

@@ -80,7 +80,7 @@ TEST_F(UserShellTest, RunsACommandOfTheUsersShellInTheFolder)
     Expect("echo", "/no/such/shell: No such file or directory\n", 127);
     Start("echo", "/no/such folder");
     ASSERT_TRUE(WaitForEnd(2));
-    EXPECT_EQ(output, "There is no folder /no/such folder.\n");
+    EXPECT_EQ(output, "The folder /no/such folder does not exist.\n");
 }
 
 TEST_F(UserShellTest, AllOfTheOutputComesBeforeTheEnd)

@@ -45,8 +45,8 @@ class WorksheetTest : public testing::Test {
         constexpr int kLinkIndicator = 8;
         QStringList links;
         for (long at = 0, end = 0; at < Length(sheet); at = std::max(end, at + 1)) {
-            end = Ask(sheet, QsciScintilla::SCI_INDICATOREND, kLinkIndicator, at);
-            if (Ask(sheet, QsciScintilla::SCI_INDICATORVALUEAT, kLinkIndicator, at) != 0) {
+            end = Send(sheet, QsciScintilla::SCI_INDICATOREND, kLinkIndicator, at);
+            if (Send(sheet, QsciScintilla::SCI_INDICATORVALUEAT, kLinkIndicator, at) != 0) {
                 links.append(TextBetween(sheet, at, end));
             }
         }
@@ -55,7 +55,7 @@ class WorksheetTest : public testing::Test {
     QPoint PointOf(int line, int column) const
     {
         const auto ask = [&](unsigned message) {
-            return static_cast<int>(Ask(sheet, message, 0, LineStart(sheet, line) + column));
+            return static_cast<int>(Send(sheet, message, 0, LineStart(sheet, line) + column));
         };
         return {ask(QsciScintilla::SCI_POINTXFROMPOSITION) + 2,
                 ask(QsciScintilla::SCI_POINTYFROMPOSITION) + 5};
@@ -85,10 +85,10 @@ TEST_F(WorksheetTest, OutputBecomesTextHoweverItIsSplit)
         {"a lone escape", "a\x1b?", "a\x1b?"},
     };
     for (const auto& row : rows) {
-        sheet.MakeEmpty();
+        sheet.Clear();
         sheet.Append(row.bytes);
         EXPECT_EQ(sheet.Content(), row.text) << row.name << " at once";
-        sheet.MakeEmpty();
+        sheet.Clear();
         for (const char byte : row.bytes) {
             Append({byte});
         }
@@ -116,13 +116,13 @@ TEST_F(WorksheetTest, OutputOfOneTurnComesTogetherInPartsAndWithABound)
     sheet.Append("y\n");
     EXPECT_EQ(Length(sheet), 0) << "not before the next turn";
     ASSERT_TRUE(WaitUntil([&] { return sheet.lines() == 3; }));
-    sheet.MakeEmpty();
+    sheet.Clear();
     sheet.Append(std::string(1'000'000, '\n'));
     QCoreApplication::processEvents();
     EXPECT_LT(sheet.lines(), 200'000) << "a turn took everything";
     ASSERT_TRUE(WaitUntil([&] { return Length(sheet) > 90'000; }));
-    EXPECT_LE(sheet.lines(), Worksheet::kMostLines);
-    sheet.MakeEmpty();
+    EXPECT_LE(sheet.lines(), Worksheet::kMaxLines);
+    sheet.Clear();
     const std::string megabyte = Lines(80'000);
     for (int i = 0; i < 30; ++i) {
         sheet.Append(megabyte);
@@ -134,20 +134,20 @@ TEST_F(WorksheetTest, OutputOfOneTurnComesTogetherInPartsAndWithABound)
 
 TEST_F(WorksheetTest, TheOldestLinesGo)
 {
-    Append(Lines(Worksheet::kMostLines + 50'000));
-    EXPECT_LE(sheet.lines(), Worksheet::kMostLines);
-    EXPECT_GT(sheet.lines(), Worksheet::kMostLines / 2);
+    Append(Lines(Worksheet::kMaxLines + 50'000));
+    EXPECT_LE(sheet.lines(), Worksheet::kMaxLines);
+    EXPECT_GT(sheet.lines(), Worksheet::kMaxLines / 2);
     EXPECT_TRUE(sheet.Content().endsWith("line 149999\n"));
     EXPECT_EQ(sheet.text(0), "line " + QString::number(150'001 - sheet.lines()) + "\n")
         << "lines are missing in between";
 
-    for (int i = 0; i < Worksheet::kMostBytes / 4000 + 250; ++i) {
+    for (int i = 0; i < Worksheet::kMaxBytes / 4000 + 250; ++i) {
         sheet.Append(std::string(4000, 'x') + "\n");
     }
     sheet.Append("the last\n");
     EXPECT_TRUE(sheet.Content().endsWith("x\nthe last\n"));
-    EXPECT_LE(Length(sheet), Worksheet::kMostBytes);
-    EXPECT_GT(Length(sheet), Worksheet::kMostBytes / 2);
+    EXPECT_LE(Length(sheet), Worksheet::kMaxBytes);
+    EXPECT_GT(Length(sheet), Worksheet::kMaxBytes / 2);
 }
 
 TEST_F(WorksheetTest, ALineWithoutEndIsBroken)
@@ -157,7 +157,7 @@ TEST_F(WorksheetTest, ALineWithoutEndIsBroken)
     EXPECT_TRUE(sheet.Content().endsWith("\nlast"));
     EXPECT_GE(Length(sheet), 90'000);
     for (int line = 0; line < sheet.lines(); ++line) {
-        EXPECT_LE(sheet.text(line).size(), OutputText::kLongestLine + 1);
+        EXPECT_LE(sheet.text(line).size(), OutputText::kMaxLineLength + 1);
     }
 }
 
@@ -165,7 +165,7 @@ TEST_F(WorksheetTest, TheViewFollowsOnlyTheReaderAtTheEnd)
 {
     const auto topText = [&] { return sheet.text(sheet.firstVisibleLine()); };
     const auto isAtEnd = [&] {
-        return sheet.firstVisibleLine() + Ask(sheet, QsciScintilla::SCI_LINESONSCREEN) >=
+        return sheet.firstVisibleLine() + Send(sheet, QsciScintilla::SCI_LINESONSCREEN) >=
                sheet.lines();
     };
     Append(Lines(1000));
@@ -174,7 +174,7 @@ TEST_F(WorksheetTest, TheViewFollowsOnlyTheReaderAtTheEnd)
     Append(Lines(1000, 1000));
     EXPECT_EQ(topText(), "line 500\n");
     sheet.setFirstVisibleLine(1900);
-    Append(Lines(Worksheet::kMostLines, 2000));
+    Append(Lines(Worksheet::kMaxLines, 2000));
     EXPECT_EQ(topText(), "line " + QString::number(102'001 - sheet.lines()) + "\n")
         << "the line at the top has gone: the oldest one is the nearest";
     sheet.setFirstVisibleLine(50'000);
@@ -299,7 +299,7 @@ TEST_F(WorksheetTest, LinksAreWalkedThroughBothWays)
     sheet.GoToNextLink();
     EXPECT_EQ(sheet.selectedText() + "\n", QString::fromStdString(link('1')));
     EXPECT_EQ(sheet.firstVisibleLine(), 0) << "shown";
-    EXPECT_EQ(Ask(sheet, QsciScintilla::SCI_GETCURRENTPOS), 0) << "a long line's start is shown";
+    EXPECT_EQ(Send(sheet, QsciScintilla::SCI_GETCURRENTPOS), 0) << "a long line's start is shown";
 }
 
 TEST_F(WorksheetTest, ASavedTextComesBackAsItWas)
