@@ -4,17 +4,17 @@
 
 #include <memory>
 
-// A picture, which is sharp at every scale of the screen. A copyable value.
+// A picture that is sharp at every screen scale. A copyable value. [ui]
 class BBitmap {
   public:
-    struct Content;  // Completed in the framework.
+    struct Content;  // Defined in the framework.
 
-    // Empty, whatever its bounds are. `colorSpace` is always 4: colours with transparency.
+    // An empty picture, whatever the bounds. `colorSpace` is always 4: colours with transparency.
     BBitmap(BRect bounds, unsigned colorSpace);
 
     BRect Bounds() const { return bounds_; }
 
-    // For the framework.
+    // For the framework only.
     void SetContent(std::shared_ptr<const Content> content, BRect bounds);
     const Content* content() const { return content_.get(); }
 

@@ -3,5 +3,5 @@
 #include <string>
 
 // The folder of a plug-in's resources, without a "/" at the end. `bundle` is the handle that the
-// host hands out as PluginInterface::bundle; for a null one the result is empty.
+// host provides as PluginInterface::bundle; the result is empty if it is null. [any]
 std::string ResourcePathFromBundle(void* bundle);

@@ -6,18 +6,18 @@
 #include <functional>
 #include <string>
 
-// The simple views. Made from a window's description; used on the user-interface thread.
+// The simple views. They are created from a window's description. [ui]
 
 class BButton final : public BView {
   public:
     using BView::BView;
 
-    // Has the function run when the button is pressed: in the target, in the order of everything
-    // that is delivered there, and not at all when the target is gone by then.
+    // Sets the function to run when the button is pressed. It is delivered to the target, in order
+    // with everything else delivered there, and dropped if the target no longer exists by then.
     void SetInvokeTarget(const BMessenger& target, const std::function<void()>& function);
 };
 
-// One line of plain text, shortened when it does not fit.
+// One line of plain text, elided when it does not fit.
 class BStringView final : public BView {
   public:
     using BView::BView;
@@ -25,7 +25,7 @@ class BStringView final : public BView {
     void SetText(const std::string& text);
 };
 
-// Spins while something is under way. Stopped and not visible when it is made.
+// A spinner that shows that work is in progress. Initially stopped; invisible while it is stopped.
 class BProgressIndicator final : public BView {
   public:
     using BView::BView;

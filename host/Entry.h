@@ -2,13 +2,13 @@
 
 #include <string>
 
-// An entry of the local file system, asked anew by each question.
+// An entry of the local file system. Each call queries the file system again. [any]
 class BEntry {
   public:
-    // With `traverse`, a symbolic link stands for what it points to.
+    // With `traverse`, a symbolic link is replaced by its target.
     BEntry(std::string path, bool traverse);
 
-    // False also when there is no such entry or it cannot be asked.
+    // Also false if the entry does not exist or cannot be queried.
     bool IsDirectory() const;
 
   private:

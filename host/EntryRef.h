@@ -3,17 +3,17 @@
 #include <string>
 #include <utility>
 
-// A reference to a file by its full path; the file need not exist. A value, usable on any thread.
+// A reference to a file by its full path; the file need not exist. A copyable value. [any]
 class EntryRef {
   public:
-    // Refers to nothing: path and name are empty.
+    // An empty reference: path and name are empty.
     EntryRef() = default;
     explicit EntryRef(std::string path) : path_(std::move(path)) {}
 
-    // The full path, as it was given.
+    // The full path, as passed to the constructor.
     const std::string& path() const { return path_; }
 
-    // The leaf name: what stands after the path's last "/". Valid as long as this object.
+    // The leaf name: the part after the last "/" of the path. Valid as long as this object.
     const char* name() const
     {
         const auto slash = path_.rfind('/');

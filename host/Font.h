@@ -1,20 +1,20 @@
 #pragma once
 
-// The host's plain font, in some size. A copyable value.
+// The host's plain font at a given size. A copyable value. [any]
 class BFont {
   public:
-    // For the framework: in the host's own size.
+    // For the framework only: the font at the host's default size.
     constexpr BFont() = default;
 
-    // In the points of printing: 72 to an inch of the screen.
+    // The size is in typographic points, 72 to an inch of the screen.
     void SetSize(double size) { size_ = size; }
 
-    // For the framework. 0 is the host's own.
+    // For the framework only. 0 means the host's default size.
     double Size() const { return size_; }
 
   private:
     double size_ = 0;
 };
 
-// Lives for ever.
+// The host's plain font at its default size. It is never destroyed.
 extern const BFont* const be_plain_font;

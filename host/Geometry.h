@@ -1,13 +1,14 @@
 #pragma once
 
-// Points and rectangles in points, the unit of a screen at scale 1; the y axis points downwards.
+// Positions and rectangles. The unit is the point: one pixel of a screen at scale 1. The y axis
+// points down. All are copyable values. [any]
 
 struct BPoint {
     double x = 0;
     double y = 0;
 };
 
-// Right and bottom lie outside.
+// A rectangle; the right and bottom edges are exclusive.
 struct BRect {
     double left = 0;
     double top = 0;

@@ -1,11 +1,11 @@
 #pragma once
 
-// The modifier keys as modifiers() gives them, to be combined.
+// The modifier keys as flags; modifiers() returns a combination of them.
 inline constexpr unsigned kShiftKey = 1;
-inline constexpr unsigned kCommandKey = 2;  // Control, where there is no key of that name.
+inline constexpr unsigned kCommandKey = 2;  // Control on keyboards without a Command key.
 inline constexpr unsigned kControlKey = 4;
 inline constexpr unsigned kOptionKey = 0x40;
 
-// The modifier keys that are held: with the key that is being handled, else now. Used on the
-// user-interface thread.
+// The modifier keys that were held with the key event being handled; otherwise those that are held
+// now. [ui]
 unsigned modifiers();

@@ -7,7 +7,7 @@
 
 class BMessage;
 
-// What a message can be delivered to. Used on the user-interface thread.
+// An object that messages can be delivered to. [ui]
 class BHandler {
   public:
     BHandler();
@@ -18,21 +18,23 @@ class BHandler {
     virtual void Notice(BMessage* message);
 };
 
-// What lives as long as it runs. Owned by std::shared_ptr: while it runs the framework holds one,
-// and during each call into it another, so that it may quit in any of its own callables.
+// An object that the framework keeps alive while it runs. Owned through std::shared_ptr: the
+// framework holds one while the looper runs and another during each call into it, so the looper may
+// quit in any of its own callables. [ui]
 class BLooper : public BHandler, public std::enable_shared_from_this<BLooper> {
   public:
     void MessageReceived(BMessage* message) override;
 
-    // Asked before a close that the user wished for. False refuses.
+    // Called when the user requests to close the looper. Returns false to refuse.
     virtual bool QuitRequested();
 
-    // Ends the looper, without asking. It is destroyed when the last call into it returns.
+    // Ends the looper without calling QuitRequested. It is destroyed when the last call into it
+    // returns.
     virtual void Quit();
 
-    // Makes a looper in two phases. Its constructor gets a vector to put initialisers into; they
-    // run in order when the looper is owned, so that they can take a weak pointer to it. An empty
-    // one throws std::bad_function_call.
+    // Creates a looper in two phases. The constructor receives a vector to which it adds
+    // initialisers; they run in order once the looper is owned, so they can take a weak pointer to
+    // it. An empty initialiser throws std::bad_function_call.
     template <class T, class... Arguments>
     static std::shared_ptr<T> MakeInstance(Arguments&&... arguments)
     {
@@ -45,22 +47,22 @@ class BLooper : public BHandler, public std::enable_shared_from_this<BLooper> {
     }
 };
 
-// A weak pointer to a looper, by its own type. Throws std::bad_weak_ptr when it is not owned, as in
-// its constructor and destructor. Usable for callables that may outlive the looper.
+// A weak pointer to a looper, with the looper's own type, for callables that may outlive it. Throws
+// std::bad_weak_ptr if the looper is not owned, as in its constructor and destructor.
 template <class T>
 std::weak_ptr<T> weak_from_this(T* looper)
 {
     return std::static_pointer_cast<T>(looper->BLooper::shared_from_this());
 }
 
-// Names a looper to which work is delivered, without keeping it alive. A copyable value.
+// Identifies a looper to which work is delivered, without keeping it alive. A copyable value.
 class BMessenger {
   public:
-    // The looper is `looper`, or else the handler itself, which then must be one. Throws
-    // std::bad_weak_ptr when it is not owned.
+    // The looper is `looper` or, if that is null, the handler, which must then be a looper. Throws
+    // std::bad_weak_ptr if the looper is not owned. [ui]
     explicit BMessenger(BHandler* handler, BLooper* looper = nullptr);
 
-    // The looper, unless it is gone.
+    // The looper; null if it no longer exists. [any]
     std::shared_ptr<BLooper> Lock() const { return looper_.lock(); }
 
   private:

@@ -14,13 +14,12 @@ class BBitmap;
 // The function key Fn is encoded as this base + n; no character key has these codes.
 inline constexpr int kFunctionKeyBase = 0x80;
 
-// An item of a menu. Owned by the menu that it is added to.
+// An item of a menu. Owned by the menu that it is added to. [ui]
 class BMenuItem {
   public:
-    // `action` runs on the user-interface thread when the item is chosen. `shortcut` is shown
-    // beside the label, and does nothing else: a character of Latin-1 or, for the function key Fn,
-    // kFunctionKeyBase + n (n is 1 to 31); 0 for none. The modifiers are those that modifiers()
-    // gives.
+    // `action` runs when the item is chosen. `shortcut` is only shown next to the label: a Latin-1
+    // character or, for the function key Fn, kFunctionKeyBase + n (n is 1 to 31); 0 for none.
+    // `modifiers` combines the flags of Keyboard.h.
     BMenuItem(const std::string& label, std::function<void()> action, unsigned char shortcut,
               unsigned modifiers);
     BMenuItem(const BMenuItem&) = delete;
@@ -33,7 +32,7 @@ class BMenuItem {
     const std::function<void()>& Action() const { return action_; }
     unsigned char Shortcut() const { return shortcut_; }
     unsigned Modifiers() const { return modifiers_; }
-    // Null when the item has none.
+    // Null if the item has no icon.
     virtual const BBitmap* Icon() const { return nullptr; }
 
   private:
@@ -57,8 +56,8 @@ class IconMenuItem final : public BMenuItem {
     std::unique_ptr<BBitmap> icon_;
 };
 
-// A list of items. While it is open it shows the items that it had when it was opened, also when
-// they are replaced meanwhile. Used on the user-interface thread.
+// A list of items. While a menu is open it shows the items that it had when it was opened, even if
+// they are replaced in the meantime. [ui]
 class BMenu {
   public:
     explicit BMenu(const std::string& name);
@@ -68,18 +67,18 @@ class BMenu {
 
     // Deletes all items.
     void MakeEmpty();
-    // The menu owns the item from here on.
+    // Appends an item. The menu takes ownership.
     void AddItem(BMenuItem* item);
-    // Before the item that is at this index now; at the end when there is none.
+    // Inserts an item before the one currently at this index, or at the end if there is none.
     void AddItem(BMenuItem* item, int index);
 
-    // Copied. Without one it is the host's own for menus.
+    // The font is copied. The default is the host's font for menus.
     void SetFont(const BFont* font);
 
-    // Run each time just before the menu opens.
+    // The populator is called each time just before the menu opens.
     void SetAboutToShowPopulator(const std::function<void()>& populator);
 
-    // For the framework.
+    // For the framework only.
     const std::string& Name() const { return name_; }
     const std::vector<std::unique_ptr<BMenuItem>>& Items() const { return items_; }
     const std::optional<BFont>& Font() const { return font_; }
@@ -92,20 +91,21 @@ class BMenu {
     std::function<void()> populator_;
 };
 
-// A menu by itself, at some place of the screen.
+// A stand-alone menu that opens at a given position on the screen. [ui]
 class BPopUpMenu final : public BMenu {
   public:
     // The flags are always false.
     BPopUpMenu(const char* name, bool, bool);
 
-    // Opens the menu with its corner at this place of the screen. Returns when it has closed and
-    // the action of the item that was chosen has run; none runs when the program, or the window
-    // that the menu lies over, has ended meanwhile. The flags are always false, the view null.
+    // Opens the menu with its top left corner at this screen position. Returns after the menu has
+    // closed and the action of the chosen item has run. No action runs if the program has ended, or
+    // the window below the menu has closed, in the meantime. The flags are always false and the
+    // view is always null.
     void Go(BPoint where, bool, bool, bool, BView*);
 };
 
-// A field that shows the selected item of its menu and opens the menu when it is pressed. Made from
-// a window's description.
+// A field that shows the selected item of its menu and opens the menu when it is pressed. Created
+// from a window's description. [ui]
 class BMenuField final : public BView {
   public:
     explicit BMenuField(std::unique_ptr<Native> native);
@@ -114,7 +114,7 @@ class BMenuField final : public BView {
     // Owned by the field.
     BMenu* Menu() const { return menu_.get(); }
 
-    // Shows the item at this index, as it is now; nothing when there is none.
+    // Shows a copy of the item at this index; nothing if there is none.
     void SetSelectedItem(int index);
 
   private:

@@ -13,7 +13,7 @@ struct objc_object;
 class BMenu;
 class BOutlineTableView;
 
-// A cell of a table: it has a text and draws it. Owned by the table that it is added to.
+// A cell of a table, which holds a text and draws it. Owned by the table that it is added to. [ui]
 class FTableItem {
   public:
     explicit FTableItem(const std::string& text) : text_(text) {}
@@ -21,25 +21,25 @@ class FTableItem {
     FTableItem& operator=(const FTableItem&) = delete;
     virtual ~FTableItem();
 
-    // Draws the text in one line, 4 points from the left edge of the cell and centred in its
-    // height, in the colours of the row. Control characters are drawn as their symbols.
+    // Draws the text on one line, 4 points from the left edge of the cell and centred vertically,
+    // in the colours of the row. Control characters are drawn as symbols.
     virtual void DrawItem(BOutlineTableView* view, BRect cell);
 
     const std::string& Text() const { return text_; }
     void SetText(const std::string& text) { text_ = text; }
 
-    // The width that DrawItem takes for this text, in points.
+    // The width of this text as DrawItem draws it, in points.
     float MeasureText(std::string_view text) const;
 
   private:
     friend class BOutlineTableView;
 
     std::string text_;
-    const BOutlineTableView* table_ = nullptr;  // That owns the item.
+    const BOutlineTableView* table_ = nullptr;  // The owner.
 };
 
-// A table with rows that can be selected, and columns that the window's description names. Made
-// from that; used on the user-interface thread. Rows and columns count from 0.
+// A table with selectable rows. Created from a window's description, which names the columns. Rows
+// and columns are counted from 0. [ui]
 class BOutlineTableView final : public BView {
   public:
     explicit BOutlineTableView(std::unique_ptr<Native> native);
@@ -48,40 +48,41 @@ class BOutlineTableView final : public BView {
     // Deletes all rows.
     void Clear();
     int CountRows() const;
-    // Puts an item, which the table owns from here on, into a cell; the row number CountRows()
-    // appends a row. Deletes what was there. Rows appear together with the other changes of their
-    // turn of the event loop.
+    // Puts an item into a cell and deletes the previous one; the row number CountRows() appends a
+    // row. The table takes ownership. Appended rows are shown in batches, within about 30 ms; all
+    // other operations see them at once.
     void AddItem(FTableItem* item, int row, int column);
-    // Null when there is none.
+    // The item of a cell; null if there is none.
     FTableItem* ItemAt(int row, int column) const;
 
-    // Selects the row, in addition to the others with `extend`, and brings it into view.
+    // Selects the row and scrolls it into view; with `extend`, other rows stay selected.
     void Select(int row, bool extend);
-    // The items of the selected rows in column 0, from the top.
+    // The items in column 0 of the selected rows, from top to bottom.
     std::vector<FTableItem*> SelectedItems() const;
 
-    // Called when a row is invoked by a double click or the Return key, with its item of column 0,
-    // the row and the column.
+    // The invoker is called when the user double-clicks a row or presses Return in it. Its
+    // arguments are the row's item in column 0, the row and the column.
     void SetInvoker(const std::function<void(FTableItem*, int, int)>& invoker);
 
-    // Called with the bytes of a key that is pressed, UTF-8 or one of the codes below 32. True ends
-    // it there, with false the table treats the key as usual. The codes: Home 1, End 4, Backspace
-    // 8, Tab 9, Return 10, Page Up 11, Page Down 12, Escape 27, the arrows left 28, right 29, up
-    // 30, down 31; Delete is 127.
+    // The handler is called for each key press with the key's bytes: its text in UTF-8 or one of
+    // these codes: Home 1, End 4, Backspace 8, Tab 9, Return 10, Page Up 11, Page Down 12,
+    // Escape 27, Left 28, Right 29, Up 30, Down 31, Delete 127. It returns true if it has handled
+    // the key; otherwise the table handles the key itself.
     void SetKeyDownHandler(
         const std::function<bool(BOutlineTableView*, const char* bytes, int numBytes)>& handler);
 
-    // The context menu, owned by the table from here on.
+    // Sets the context menu. The table takes ownership.
     void SetMenu(BMenu* menu);
 
-    // Drag and drop, see AppKit.h. The validator gets the drag, the proposed row (null for none)
-    // and the proposed index (-1 on the row or on the whole table, else between rows); it returns a
-    // drag operation and may propose something else by setDropItem_dropChildIndex.
+    // Drag and drop; see AppKit.h. The arguments are the dragging information object, the proposed
+    // row (null for none) and the proposed index (-1 for on the row or on the whole table,
+    // otherwise between rows). The validator returns a drag operation and may propose another
+    // target with NSOutlineView_setDropItem_dropChildIndex.
     void SetDropValidator(const std::function<int(objc_object*, objc_object*, int)>& validator);
-    // Called with the same when the drop happens, with what the validator left proposed. False
-    // refuses the drop.
+    // The acceptor is called when the user drops, with the target that the validator proposed last.
+    // It returns false to refuse the drop.
     void SetAcceptDrop(const std::function<bool(objc_object*, objc_object*, int)>& acceptor);
-    // The item that a row object stands for, in this column; null when there is none.
+    // The item in this column of the row that a row object represents; null if there is none.
     FTableItem* ItemForID(objc_object* row, int column) const;
 
   protected:

@@ -2,9 +2,9 @@
 
 #include <string>
 
-// `dir` and `leaf` with one "/" between them; a "/" at the end of `dir` serves as that.
+// Joins `dir` and `leaf` with a "/", unless `dir` already ends with one. [any]
 std::string AppendPath(const std::string& dir, const std::string& leaf);
 
-// What stands before the last "/" of `path`; the whole of it when there is none. The result is "/"
-// for an entry at the top and for "/" itself.
+// The part of `path` before its last "/"; the whole path if it has none. The result is "/" for a
+// top-level entry and for "/" itself. [any]
 std::string ParentPath(const std::string& path);

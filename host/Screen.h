@@ -2,9 +2,10 @@
 
 #include "Geometry.h"
 
+// Provides information about the screens. [ui]
 class BScreen {
   public:
-    // The usable frame, without panels, of the screen that holds the point; of the nearest one
-    // where the point is on none. Used on the user-interface thread.
+    // The usable frame, without panels, of the screen that contains the point, or of the nearest
+    // screen if none does.
     static BRect MaxWindowFrameWithHint(BPoint point);
 };

@@ -6,37 +6,37 @@
 #include <memory>
 #include <string>
 
-// Runs one program at a time in the background and hands on what it prints.
+// Runs one program at a time in the background and forwards its output.
 //
-// Owned through std::shared_ptr. Created, used and destroyed on the user-interface thread, where
-// no call waits for the program: Stop and the destructor return at once, whatever it does.
+// Owned through std::shared_ptr. No call waits for the program: Run, Stop and the destructor return
+// at once. [ui]
 class SimpleShell : public std::enable_shared_from_this<SimpleShell> {
   public:
-    // `onOutput` is called on a thread of the shell's own with each piece of what the program
-    // prints (standard output and error, in the order they were written). A piece is one line with
-    // its ending; a line that is not ended is handed on after 30 ms of quiet, and at the end. A
-    // piece holds at most 64 KiB and never splits a UTF-8 character. `onOutput` is destroyed on
-    // the user-interface thread. `label` names the shell for whoever debugs it.
+    // `onOutput` is called on one of the shell's own threads with each piece of the program's
+    // output (standard output and error, in the order they were written). A piece is one line
+    // including its line ending; an unterminated line is forwarded after 30 ms without output, and
+    // at the end. A piece holds at most 64 KiB and never splits a UTF-8 character. `onOutput` is
+    // destroyed on the user-interface thread. `label` identifies the shell when debugging.
     SimpleShell(std::function<void(std::string&&)> onOutput, const std::string& label);
 
-    // Stops the command that runs.
+    // Stops the running command.
     ~SimpleShell();
 
     SimpleShell(const SimpleShell&) = delete;
     SimpleShell& operator=(const SimpleShell&) = delete;
 
-    // Starts a command line, after stopping the one that runs. The line is cut into words by a
-    // shell's rules for blanks, quotes and backslashes; nothing else in it has a meaning, so that
-    // no file name can start another program. It starts once the groups of commands stopped
-    // earlier have ended. A line that cannot be cut, or a program that cannot be started, is told
-    // as one line of output.
+    // Stops the running command and starts another. The line is split into words by a shell's rules
+    // for spaces, quotes and backslashes; no other character is special, so a file name cannot
+    // start another program. The command starts after the process groups of all commands stopped
+    // earlier have exited. If the line cannot be split or the program cannot be started, one line
+    // of output reports that.
     //
     // `done` may be empty. It is called once on the user-interface thread, after every piece has
-    // been handed on, unless the command is stopped: then it is destroyed without a call.
+    // been forwarded, unless the command is stopped: then it is destroyed without being called.
     void Run(const std::string& commandLine, unique_function<void()>&& done);
 
-    // Ends the command and every process of its group: SIGTERM, and SIGKILL half a second later.
-    // Hands on nothing more; what was handed on before still arrives where it was sent.
+    // Terminates the command and every process of its group: with SIGTERM, and with SIGKILL half a
+    // second later. No more output is forwarded; output that was forwarded before still arrives.
     void Stop();
 
   private:

@@ -6,11 +6,11 @@
 
 class BBitmap;
 
-// A view of a window. Made by the framework from the window's description and owned by the window,
-// which outlives every call into it. Used on the user-interface thread.
+// A view of a window. Created by the framework from the window's description and owned by the
+// window, which outlives every call into the view. [ui]
 class BView {
   public:
-    struct Native;  // Completed in the framework.
+    struct Native;  // Defined in the framework.
 
     explicit BView(std::unique_ptr<Native> native);
     BView(const BView&) = delete;
@@ -18,20 +18,21 @@ class BView {
     virtual ~BView();
 
     int CountChildren() const;
-    // In the order of the description; null when there is none.
+    // Children are in the order of the description. Null if there is no such child.
     BView* ChildAt(int index) const;
 
-    // The platform's view behind this one, for the calls of AppKit.h.
+    // The underlying view of the platform, for the functions of AppKit.h.
     template <class Pointer>
     Pointer KitView() const
     {
         return static_cast<Pointer>(KitViewPointer());
     }
 
-    // Draws a part of the bitmap into a rectangle of the view. Only while the view draws.
+    // Draws the bitmap into a rectangle of the view. `source` must be the bitmap's bounds. Works
+    // only while the view is being drawn.
     void DrawBitmap(const BBitmap* bitmap, BRect source, BRect destination);
 
-    // For the framework.
+    // For the framework only.
     Native& native() const { return *native_; }
 
   protected:

@@ -8,64 +8,65 @@
 #include <memory>
 #include <vector>
 
-// What others can watch.
+// An object that others can observe. [ui]
 class BNotifier {
   public:
     virtual ~BNotifier();
 };
 
-// A window with the views that its description supplies. Used on the user-interface thread. Once it
-// was shown the framework keeps it alive until it quits.
+// A window, with the views of its description. Once the window has been shown, the framework keeps
+// it alive until it quits. [ui]
 class BWindow : public BLooper, public BNotifier {
   public:
-    struct Native;  // Completed in the framework.
+    struct Native;  // Defined in the framework.
 
-    // Loads the window's description: the file of this name, with ".ui" at its end, in the
-    // resources of the bundle that `bundle` is the handle of. Throws std::runtime_error, with a
-    // sentence, when that cannot be read or names a view that is not known. `name` tells the window
-    // from others. The initialisers are BLooper::MakeInstance's.
+    // Loads the window's description from the file "DESCRIPTION.ui" in the resources of the bundle
+    // with the handle `bundle`. `name` identifies the window. The initialisers are those of
+    // BLooper::MakeInstance. Throws std::runtime_error, with a sentence for the user, if the
+    // description cannot be read or contains a view of an unknown class.
     BWindow(std::vector<std::function<void()>>& initialisers, const char* description,
             const char* name, void* bundle);
     ~BWindow() override;
 
     void Show();
-    // Brings the window to the front and gives it the keyboard.
+    // Brings the window to the front and gives it the keyboard focus, if `active` is true.
     void Activate(bool active);
-    // Takes it off the screen, at once.
+    // Removes the window from the screen immediately.
     void Quit() override;
 
-    // In the coordinates of the screen: the corner includes the title bar, the size does not.
+    // The frame in screen coordinates. Its top left corner includes the title bar, its size does
+    // not.
     BRect Frame() const;
     void SetFrame(BRect frame);
 
-    // From the window's coordinates to those of the screen.
+    // Converts from the window's coordinates to screen coordinates.
     BPoint ConvertToScreen(BPoint point) const;
 
     int CountChildren() const;
     BView* ChildAt(int index) const;
-    // The view with this tag; null when there is none.
+    // The view with this tag; null if there is none.
     BView* FindViewByTagDetails(int tag) const;
 
-    // The first view of exactly this kind or one derived from it: of the direct children, then of
-    // each child's own in the same way. Null when there is none.
+    // The first view of this class or a derived one, searched among the direct children and then,
+    // in the same way, within each child. Null if there is none.
     template <class View>
     View* FindFirst() const
     {
         return FindFirstIn<View>(*this);
     }
 
-    // The view with this tag; null when there is none, it is of another kind, or the tag is 0.
+    // The view with this tag; null if there is none, it is of another class, or the tag is 0.
     template <class View>
     View* FindViewByTag(int tag) const
     {
         return tag == 0 ? nullptr : dynamic_cast<View*>(FindViewByTagDetails(tag));
     }
 
-    // For the framework.
+    // For the framework only.
     Native& native() const { return *native_; }
 
   protected:
-    // For the framework: a window that it did not make.
+    // For the framework only: a window that it did not create.
     explicit BWindow(std::unique_ptr<Native> native);
 
   private:

@@ -2,7 +2,7 @@
 
 #include <functional>
 
-// A callable with one owner: it may hold what cannot be copied. Moved, never copied; an empty one
-// is false and must not be called.
+// A callable that can be moved but not copied, so it may capture move-only objects. An empty one
+// converts to false and must not be called.
 template <class Signature>
 using unique_function = std::move_only_function<Signature>;
