@@ -58,7 +58,7 @@ void UserShell::Run(const QString& command, const QString& folder)
     job_ = std::make_shared<ShellJob>(
         ProgramFor(command, folder), std::make_shared<const ShellJob::OnOutput>(std::move(forward)),
         runtime.queue());
-    job_->SetEndHandler([self](JobResult result) {
+    job_->SetFinishedHandler([self](JobResult result) {
         if (self) {
             Q_EMIT self->Finished(result.status);
         }

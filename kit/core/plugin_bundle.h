@@ -2,8 +2,8 @@
 
 #include <string>
 
-// What PluginInterface::bundle points to: a plug-in's folder, which holds the module and
-// Resources/. Owned by the host, which keeps it as long as the module.
+// The object that PluginInterface::bundle points to: a plug-in's folder, which contains the module
+// and Resources/. Owned by the host, which keeps it as long as the module is loaded.
 struct PluginBundle {
     std::string path;
 };

@@ -6,7 +6,7 @@
 // The extensions of Python source files.
 inline constexpr std::array<std::string_view, 2> kPythonExtensions{".py", ".pyw"};
 
-// Whether a file of this name is Python source.
+// Whether a file with this name is Python source. [any]
 constexpr bool IsPythonFile(std::string_view name)
 {
     for (const auto extension : kPythonExtensions) {

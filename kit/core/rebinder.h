@@ -2,7 +2,8 @@
 
 #include "PluginInterface.h"
 
-// The rebinder of every host: it calls the work at once on the user-interface thread, so that no
-// command of the user's can come between two steps of a chain of operations, and posts it to the
-// Runtime's queue from any other thread. `host` must outlive the Runtime's last task.
+// Makes the rebinder that all hosts use. On the user-interface thread it calls the work
+// immediately, so that no user command can run between two steps of a chain of operations; on any
+// other thread it posts the work to the Runtime's queue. `host` must outlive the Runtime's last
+// task.
 PluginInterface::Rebinder MakeRebinderFor(PluginInterface& host);

@@ -75,21 +75,22 @@ void Runtime::StartWaitingJobs()
 {
     for (const auto& job : jobs_) {
         if (!job->IsStarted() && !job->IsStopped() && MayStart(*job)) {
-            job->Start([this, raw = job.get()] { queue_.Post([this, raw] { JobEnded(raw); }); });
+            job->Start(
+                [this, raw = job.get()] { queue_.Post([this, raw] { OnJobFinished(raw); }); });
         }
     }
 }
 
-void Runtime::JobEnded(const ShellJob* job)
+void Runtime::OnJobFinished(const ShellJob* job)
 {
     const auto found = Find(jobs_, job);
-    const std::shared_ptr<ShellJob> ended = std::move(*found);
+    const std::shared_ptr<ShellJob> finished = std::move(*found);
     jobs_.erase(found);
-    ended->Join();
+    finished->Join();
     std::erase_if(jobs_,
                   [](const auto& other) { return !other->IsStarted() && other->IsStopped(); });
     StartWaitingJobs();
-    ended->Complete();
+    finished->Complete();
     if (IsIdle() && handlers.idle) {
         handlers.idle();
     }

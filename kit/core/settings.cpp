@@ -16,35 +16,35 @@ std::string ShortestForm(double value)
 std::optional<BRect> ParseRect(std::string_view text)
 {
     std::array<double, 4> edges{};
-    const char* at = text.data();
+    const char* position = text.data();
     const char* const end = text.data() + text.size();
     for (double& edge : edges) {
         const bool isFirst = &edge == edges.data();
         if (!isFirst) {
-            if (at == end || *at != ',') {
+            if (position == end || *position != ',') {
                 return std::nullopt;
             }
-            ++at;
+            ++position;
         }
-        const auto [stop, error] = std::from_chars(at, end, edge);
+        const auto [stop, error] = std::from_chars(position, end, edge);
         if (error != std::errc() || !std::isfinite(edge)) {
             return std::nullopt;
         }
-        at = stop;
+        position = stop;
     }
-    if (at != end) {
+    if (position != end) {
         return std::nullopt;
     }
     return BRect{edges[0], edges[1], edges[2], edges[3]};
 }
 
-// No window was ever that far away or that small: such a frame is damaged.
+// A frame that no window can have had comes from a corrupted settings file.
 bool IsUsable(BRect frame)
 {
-    constexpr double kFarthest = 1e6;
-    const bool isNear = frame.left >= -kFarthest && frame.top >= -kFarthest &&
-                        frame.right <= kFarthest && frame.bottom <= kFarthest;
-    return isNear && frame.Width() > 0 && frame.Height() > 0;
+    constexpr double kMaxCoordinate = 1e6;
+    const bool isInRange = frame.left >= -kMaxCoordinate && frame.top >= -kMaxCoordinate &&
+                           frame.right <= kMaxCoordinate && frame.bottom <= kMaxCoordinate;
+    return isInRange && frame.Width() > 0 && frame.Height() > 0;
 }
 
 }  // namespace

@@ -9,13 +9,13 @@
 
 namespace {
 
-constexpr std::size_t kMostDigits = 18;  // Fits 64 bits.
+constexpr std::size_t kMaxDigits = 18;  // Always fits into 64 bits.
 
 std::optional<std::uint64_t> ParseSize(const std::string& text)
 {
-    const bool digits = !text.empty() && text.size() <= kMostDigits &&
-                        text.find_first_not_of("0123456789") == std::string::npos;
-    return digits ? std::optional(std::stoull(text)) : std::nullopt;
+    const bool isNumber = !text.empty() && text.size() <= kMaxDigits &&
+                          text.find_first_not_of("0123456789") == std::string::npos;
+    return isNumber ? std::optional(std::stoull(text)) : std::nullopt;
 }
 
 std::string WithSeparators(std::uint64_t size)
@@ -27,7 +27,7 @@ std::string WithSeparators(std::uint64_t size)
     return text;
 }
 
-// The forms from the widest to the narrowest. Units are decimal, as desktops count.
+// The forms, from the widest to the narrowest. The units are decimal, as in desktop programs.
 std::vector<std::string> Forms(std::uint64_t size)
 {
     static constexpr std::array kUnits{"", "k", "M", "G", "T", "P"};
@@ -37,7 +37,7 @@ std::vector<std::string> Forms(std::uint64_t size)
     }
     auto scaled = static_cast<double>(size);
     std::size_t unit = 0;
-    while (scaled >= 999.95 && unit + 1 < kUnits.size()) {  // What would be rounded to 1000.0.
+    while (scaled >= 999.95 && unit + 1 < kUnits.size()) {  // It would be rounded to 1000.0.
         scaled /= 1000;
         ++unit;
     }
@@ -59,7 +59,7 @@ std::string SizeStringForBounds(const std::string& bytes, int& choice, float& wi
     }
     const auto forms = Forms(*size);
     const auto last = static_cast<int>(forms.size()) - 1;
-    // The width is a copy of what it is compared with.
+    // An exact comparison is intended: `width` is a copy of an earlier `available`.
     if (choice < 0 || choice > last || width < available || width > available) {
         const auto fits = std::ranges::find_if(
             forms, [&](const std::string& form) { return measure(form) <= available; });

@@ -4,9 +4,9 @@
 
 class UiQueue;
 
-// What this part of the framework needs of a toolkit. The toolkit's part defines these functions.
+// What core/ needs from a toolkit. The toolkit-specific part of the framework implements it. [ui]
 
-// Watches something for the event loop until it is destroyed.
+// A source of events for the event loop; active until it is destroyed.
 class EventSource {
   public:
     EventSource() = default;
@@ -15,9 +15,9 @@ class EventSource {
     virtual ~EventSource() = default;
 };
 
-// Calls `queue.Drain()` on this thread whenever `queue.wakeFd()` is readable, also from nested
-// event loops. The queue outlives the result.
+// Calls `queue.Drain()` whenever `queue.wakeFd()` is readable, in nested event loops as well. The
+// queue must outlive the result.
 std::unique_ptr<EventSource> WatchQueue(UiQueue& queue);
 
-// Destroys the widgets of windows that have closed.
+// Destroys the widgets of closed windows.
 void DestroyReleasedWidgets();

@@ -11,17 +11,17 @@
 
 namespace {
 
-// A piece of output holds at most 64 KiB, and usually one short line: 512 of them keep the other
-// side busy for a turn, and take 32 MiB at most.
+// A task usually carries a short line of output, and at most 64 KiB: 512 tasks are enough work for
+// one Drain and take at most 32 MiB.
 constexpr std::size_t kMaxTasks = 512;
-constexpr std::chrono::milliseconds kTurn{8};
+constexpr std::chrono::milliseconds kDrainTime{8};
 
 }  // namespace
 
 UiQueue::UiQueue()
 {
     if (!MakePipe(wake_)) {
-        throw std::runtime_error("cannot make a pipe for the user-interface thread");
+        throw std::runtime_error("cannot create a pipe for the user-interface thread");
     }
     source_ = WatchQueue(*this);
 }
@@ -44,10 +44,10 @@ void UiQueue::LowerWake()
     std::ignore = ReadAvailable(wake_[0]);
 }
 
-void UiQueue::WaitForRoom(const std::atomic<bool>& giveUp)
+void UiQueue::WaitForRoom(const std::atomic<bool>& cancelled)
 {
     std::unique_lock lock(mutex_);
-    room_.wait(lock, [&] { return tasks_.size() < kMaxTasks || closed_ || giveUp; });
+    room_.wait(lock, [&] { return tasks_.size() < kMaxTasks || closed_ || cancelled; });
 }
 
 void UiQueue::WakeWaiting()
@@ -90,12 +90,12 @@ void UiQueue::Purge()
 
 void UiQueue::Drain()
 {
-    const auto end = std::chrono::steady_clock::now() + kTurn;
+    const auto end = std::chrono::steady_clock::now() + kDrainTime;
     while (RunNext() && std::chrono::steady_clock::now() < end) {
     }
 }
 
-// One at a time: a task may run an event loop of its own, which must be able to reach the next one.
+// Takes one task at a time: a task may run a nested event loop, which must be able to run the rest.
 bool UiQueue::RunNext()
 {
     Task task;
@@ -109,7 +109,7 @@ bool UiQueue::RunNext()
         if (tasks_.empty()) {
             LowerWake();
         }
-        // Not at every task, or the threads would take turns for each one.
+        // Notifying for each task would cause a context switch for each task.
         if (tasks_.size() == kMaxTasks / 2) {
             room_.notify_all();
         }

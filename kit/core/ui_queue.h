@@ -13,44 +13,44 @@
 
 class EventSource;
 
-// The only way to the user-interface thread: what is posted runs there, first in, first out.
+// The only way to run code on the user-interface thread from other threads: posted tasks run there,
+// first in, first out.
 //
-// Made and destroyed on the user-interface thread, by the Runtime. Each turn of the event loop runs
-// tasks for at most about 8 ms, so that a flood of output cannot freeze the windows. A thread that
-// posts whatever it reads waits for room before each task, so that the queue does not grow without
-// bounds.
+// Owned by the Runtime. Each iteration of the event loop runs tasks for at most about 8 ms, so that
+// a flood of output cannot freeze the windows. A thread that produces tasks without limit must call
+// WaitForRoom before each task, so that the queue does not grow without bounds. [ui]
 class UiQueue {
   public:
     using Task = unique_function<void()>;
 
-    // Throws std::runtime_error when no pipe is available.
+    // Throws std::runtime_error if no pipe can be created.
     UiQueue();
     ~UiQueue();
     UiQueue(const UiQueue&) = delete;
     UiQueue& operator=(const UiQueue&) = delete;
 
-    // Callable on any thread.
+    // [any]
     bool IsUiThread() const { return std::this_thread::get_id() == thread_; }
 
-    // Callable on any thread. Never waits.
+    // Never blocks. [any]
     void Post(Task task);
 
-    // Not on the user-interface thread. Waits while the queue is full, but not after Close, and not
-    // when `giveUp` is true; whoever sets that calls WakeWaiting.
-    void WaitForRoom(const std::atomic<bool>& giveUp);
+    // Blocks while the queue is full, until Close is called or `cancelled` is true. After setting
+    // `cancelled`, call WakeWaiting. Must not be called on the user-interface thread.
+    void WaitForRoom(const std::atomic<bool>& cancelled);
     void WakeWaiting();
 
-    // From now on nothing runs and nobody waits; what is posted is kept for Purge.
+    // Stops running tasks and unblocks all waiting threads. Tasks posted later are kept for Purge.
     void Close();
 
-    // Destroys, on the user-interface thread, what has not run. Only after Close, and when no other
-    // thread posts any more.
+    // Destroys the tasks that have not run. Must be called after Close, when no other thread posts
+    // tasks any more.
     void Purge();
 
-    // For the toolkit: readable exactly while the queue holds a task. It is a level and not an
-    // event, so that the event loop of a menu that a task has opened sees it as well.
+    // For the toolkit only: a descriptor that is readable exactly while the queue contains a task.
+    // It is level-triggered, so the nested event loop of a menu opened by a task sees it, too.
     int wakeFd() const { return wake_[0]; }
-    // Runs tasks for one turn of the event loop.
+    // For the toolkit only: runs tasks for one iteration of the event loop.
     void Drain();
 
   private:

@@ -3,7 +3,7 @@
 #include <QTimer>
 #include <QWidget>
 
-// Twelve spokes that turn while something is under way; nothing otherwise.
+// Shows twelve rotating spokes while work is in progress, and nothing otherwise.
 class BusyWidget final : public QWidget {
   public:
     explicit BusyWidget(QWidget* parent);

@@ -1,4 +1,4 @@
-// The framework's use of Qt's event loop.
+// Implements toolkit.h with Qt's event loop.
 
 #include "toolkit.h"
 #include "ui_queue.h"

@@ -4,11 +4,10 @@
 
 class QWidget;
 
-// A window of the host's as plug-ins see it: they convert its coordinates, and nothing else. Used
-// on the user-interface thread.
+// One of the host's own windows, as plug-ins see it; they use it only to convert coordinates. [ui]
 class HostWindow final : public BWindow {
   public:
-    // Not owned, and may go earlier. Null in a host without windows: then the window's coordinates
-    // are those of the screen.
+    // The widget is not owned and may be destroyed before this object. It is null in a host without
+    // windows: then the window's coordinates are screen coordinates.
     explicit HostWindow(QWidget* widget);
 };

@@ -74,7 +74,7 @@ void DrawBadge(QPainter& painter, const QColor& color)
     painter.drawRoundedRect(QRectF(5, 8, 10, 6), 1.5, 1.5);
 }
 
-// A document whose kind is shown by the colour and the label of its badge.
+// A document with a badge, whose colour and label show the kind.
 void DrawKind(QPainter& painter, const QColor& color, const char* label)
 {
     DrawPaper(painter);
@@ -133,7 +133,7 @@ Picture PictureForFileName(const QString& name)
 
 QIcon FindIconForFileName(const QString& name)
 {
-    // The types are looked up only where a theme can have icons for them.
+    // Looking up the type is slow and useless without a theme that has icons for file types.
     if (QIcon::hasThemeIcon("text-x-generic")) {
         const auto type = QMimeDatabase().mimeTypeForFile(name, QMimeDatabase::MatchExtension);
         for (const auto& candidate : {type.iconName(), type.genericIconName()}) {
@@ -159,17 +159,17 @@ QIcon ThemedIcon(const char* name, Picture picture)
 
 QIcon IconForFileName(const QString& name)
 {
-    // Drawing asks for every row; a theme may have changed since the program began.
-    static QHash<QString, QIcon> known;
+    // Icons are cached, since each drawn row needs one. The user may change the theme.
+    static QHash<QString, QIcon> cache;
     static QString theme;
-    if (theme != QIcon::themeName() || known.size() > 1000) {
-        known.clear();
+    if (theme != QIcon::themeName() || cache.size() > 1000) {
+        cache.clear();
         theme = QIcon::themeName();
     }
     const QString suffix = QFileInfo(name).completeSuffix();
-    auto found = known.find(suffix);
-    if (found == known.end()) {
-        found = known.insert(suffix, FindIconForFileName(name));
+    auto found = cache.find(suffix);
+    if (found == cache.end()) {
+        found = cache.insert(suffix, FindIconForFileName(name));
     }
     return *found;
 }

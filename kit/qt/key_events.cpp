@@ -12,7 +12,7 @@ namespace {
 
 const QKeyEvent* handledEvent = nullptr;
 
-// Qt calls the command key Control, and where there is one the other one Meta.
+// On keyboards with a Command key, Qt calls that key Control, and the Control key Meta.
 constexpr std::array<std::pair<Qt::KeyboardModifier, unsigned>, 4> kModifiers{{
     {Qt::ShiftModifier, kShiftKey},
     {Qt::ControlModifier, kCommandKey},
@@ -22,9 +22,11 @@ constexpr std::array<std::pair<Qt::KeyboardModifier, unsigned>, 4> kModifiers{{
 
 }  // namespace
 
-HandledKey::HandledKey(const QKeyEvent& event) : outer_(std::exchange(handledEvent, &event)) {}
+KeyEventScope::KeyEventScope(const QKeyEvent& event) : outer_(std::exchange(handledEvent, &event))
+{
+}
 
-HandledKey::~HandledKey()
+KeyEventScope::~KeyEventScope()
 {
     handledEvent = outer_;
 }
@@ -41,26 +43,26 @@ QByteArray KeyBytes(const QKeyEvent& event)
     return code != codes.end() ? QByteArray(1, *code) : event.text().toUtf8();
 }
 
-unsigned ModifierMask(Qt::KeyboardModifiers held)
+unsigned FromQtModifiers(Qt::KeyboardModifiers modifiers)
 {
-    unsigned mask = 0;
-    for (const auto& [modifier, bit] : kModifiers) {
-        mask |= held.testFlag(modifier) ? bit : 0;
+    unsigned flags = 0;
+    for (const auto& [modifier, flag] : kModifiers) {
+        flags |= modifiers.testFlag(modifier) ? flag : 0;
     }
-    return mask;
+    return flags;
 }
 
-Qt::KeyboardModifiers ModifiersOfMask(unsigned mask)
+Qt::KeyboardModifiers ToQtModifiers(unsigned flags)
 {
-    Qt::KeyboardModifiers held;
-    for (const auto& [modifier, bit] : kModifiers) {
-        held.setFlag(modifier, (mask & bit) != 0);
+    Qt::KeyboardModifiers modifiers;
+    for (const auto& [modifier, flag] : kModifiers) {
+        modifiers.setFlag(modifier, (flags & flag) != 0);
     }
-    return held;
+    return modifiers;
 }
 
 unsigned modifiers()
 {
-    return ModifierMask(handledEvent != nullptr ? handledEvent->modifiers()
-                                                : QGuiApplication::keyboardModifiers());
+    return FromQtModifiers(handledEvent != nullptr ? handledEvent->modifiers()
+                                                   : QGuiApplication::keyboardModifiers());
 }

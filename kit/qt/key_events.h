@@ -2,21 +2,21 @@
 
 #include <QKeyEvent>
 
-// While it lives, modifiers() gives the modifiers of this event.
-class HandledKey {
+// Makes modifiers() return the modifiers of this event, until the object is destroyed. [ui]
+class KeyEventScope {
   public:
-    explicit HandledKey(const QKeyEvent& event);
-    HandledKey(const HandledKey&) = delete;
-    HandledKey& operator=(const HandledKey&) = delete;
-    ~HandledKey();
+    explicit KeyEventScope(const QKeyEvent& event);
+    KeyEventScope(const KeyEventScope&) = delete;
+    KeyEventScope& operator=(const KeyEventScope&) = delete;
+    ~KeyEventScope();
 
   private:
     const QKeyEvent* outer_;
 };
 
-// The bytes of a key as views get them, see BOutlineTableView; empty for a key without any.
+// The bytes of a key that are passed to views (see BOutlineTableView); empty if the key has none.
 QByteArray KeyBytes(const QKeyEvent& event);
 
-// modifiers() for these of Qt's, and the way back.
-unsigned ModifierMask(Qt::KeyboardModifiers held);
-Qt::KeyboardModifiers ModifiersOfMask(unsigned mask);
+// Convert between Qt's modifiers and the flags of Keyboard.h.
+unsigned FromQtModifiers(Qt::KeyboardModifiers modifiers);
+Qt::KeyboardModifiers ToQtModifiers(unsigned flags);

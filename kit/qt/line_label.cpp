@@ -4,7 +4,7 @@
 
 LineLabel::LineLabel(QWidget* parent) : QLabel(parent)
 {
-    setTextFormat(Qt::PlainText);  // Names come from boards.
+    setTextFormat(Qt::PlainText);  // Names on a board may contain markup.
 }
 
 QSize LineLabel::minimumSizeHint() const

@@ -2,7 +2,7 @@
 
 #include <QLabel>
 
-// One line of plain text, with "…" where it does not fit; then the whole of it is its tool tip.
+// One line of plain text. If it does not fit, it is elided, and a tool tip shows all of it.
 class LineLabel final : public QLabel {
   public:
     explicit LineLabel(QWidget* parent);

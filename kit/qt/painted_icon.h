@@ -13,5 +13,5 @@ struct IconColors {
 // Draws a picture on a square of 16 by 16 units.
 using IconDrawing = void (*)(QPainter& painter, const IconColors& colors);
 
-// An icon that is sharp at every size and scale, because it is drawn each time it is painted.
+// An icon that is drawn each time it is painted, so it is sharp at every size and scale. [ui]
 QIcon PaintedIcon(IconDrawing drawing);

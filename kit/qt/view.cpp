@@ -17,8 +17,8 @@ int BView::CountChildren() const
 
 BView* BView::ChildAt(int index) const
 {
-    const bool isThere = index >= 0 && index < CountChildren();
-    return isThere ? native_->children[static_cast<std::size_t>(index)].get() : nullptr;
+    const bool exists = index >= 0 && index < CountChildren();
+    return exists ? native_->children[static_cast<std::size_t>(index)].get() : nullptr;
 }
 
 void BView::DrawBitmap(const BBitmap* bitmap, BRect source, BRect destination)

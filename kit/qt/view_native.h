@@ -8,15 +8,15 @@
 #include <memory>
 #include <vector>
 
-// What a view is made of here. Owned by the view; the widget belongs to its window's widget, which
-// goes later than the views.
+// The implementation of a view with Qt. Owned by the view. The widget is owned by the widget of its
+// window, which is destroyed after the views.
 struct BView::Native {
-    explicit Native(QWidget* theWidget) : widget(theWidget) {}
+    explicit Native(QWidget* qtWidget) : widget(qtWidget) {}
     Native(const Native&) = delete;
     Native& operator=(const Native&) = delete;
     virtual ~Native() = default;
 
-    // The widget, which is of this kind.
+    // The widget, which must be of this class.
     template <class Widget>
     Widget& As() const
     {
@@ -25,5 +25,5 @@ struct BView::Native {
 
     QWidget* widget;
     std::vector<std::unique_ptr<BView>> children;
-    QPainter* painter = nullptr;  // While the view draws; not owned.
+    QPainter* painter = nullptr;  // Not owned. Null except while the view draws.
 };

@@ -29,8 +29,8 @@ BView* FindByTag(const std::vector<std::unique_ptr<BView>>& views, int tag)
 
 int Round(double coordinate)
 {
-    constexpr double kFarthest = 1e6;  // No screen is there.
-    return static_cast<int>(std::lround(std::clamp(coordinate, -kFarthest, kFarthest)));
+    constexpr double kMaxCoordinate = 1e6;  // Outside every screen, and fits into an int.
+    return static_cast<int>(std::lround(std::clamp(coordinate, -kMaxCoordinate, kMaxCoordinate)));
 }
 
 }  // namespace
@@ -87,7 +87,7 @@ void BWindow::Quit()
 
 BRect BWindow::Frame() const
 {
-    const auto& widget = native_->onScreen;
+    const auto& widget = native_->widget;
     return widget ? FromQt(QRectF(widget->pos(), widget->size())) : BRect();
 }
 
@@ -97,7 +97,7 @@ void BWindow::SetFrame(BRect frame)
         const QPoint corner(Round(frame.left), Round(frame.top));
         widget->resize(Round(frame.Width()), Round(frame.Height()));
         widget->move(corner);
-        // A window that was only just shown does not know yet how wide its border is.
+        // A window that has just been shown does not know the width of its border yet.
         if (auto* const handle = widget->windowHandle()) {
             handle->setFramePosition(corner);
         }
@@ -106,7 +106,7 @@ void BWindow::SetFrame(BRect frame)
 
 BPoint BWindow::ConvertToScreen(BPoint point) const
 {
-    const auto& widget = native_->onScreen;
+    const auto& widget = native_->widget;
     const QPoint origin = widget ? widget->mapToGlobal(QPoint(0, 0)) : QPoint();
     return {point.x + origin.x(), point.y + origin.y()};
 }
@@ -119,8 +119,8 @@ int BWindow::CountChildren() const
 BView* BWindow::ChildAt(int index) const
 {
     const auto& views = native_->content.views;
-    const bool isThere = index >= 0 && index < CountChildren();
-    return isThere ? views[static_cast<std::size_t>(index)].get() : nullptr;
+    const bool exists = index >= 0 && index < CountChildren();
+    return exists ? views[static_cast<std::size_t>(index)].get() : nullptr;
 }
 
 BView* BWindow::FindViewByTagDetails(int tag) const

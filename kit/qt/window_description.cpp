@@ -58,7 +58,7 @@ const ViewClass* FindClass(const QString& name)
     return nullptr;
 }
 
-// The class by which the description names a widget.
+// The property that holds a widget's class in the description.
 constexpr const char* kClassProperty = "viewClass";
 
 class DescriptionLoader final : public QUiLoader {
@@ -73,7 +73,7 @@ class DescriptionLoader final : public QUiLoader {
             widget->setProperty(kClassProperty, className);
         } else {
             unknownClass_ = className;
-            widget = new QWidget(parent);  // Without one the loader would complain as well.
+            widget = new QWidget(parent);  // Without a widget the loader would print a warning.
         }
         widget->setObjectName(name);
         return widget;
@@ -115,11 +115,12 @@ DescribedWindow LoadWindowDescription(const std::string& file)
     DescriptionLoader loader;
     std::unique_ptr<QWidget> root(loader.load(&source));
     if (!loader.unknownClass().isEmpty()) {
-        Fail(file, "there is no view " + loader.unknownClass());
+        Fail(file, "unknown view class " + loader.unknownClass());
     }
     auto* const window = dynamic_cast<WindowWidget*>(root.get());
     if (window == nullptr) {
-        Fail(file, root ? QStringLiteral("its top is no BWindow") : loader.errorString());
+        Fail(file,
+             root ? QStringLiteral("its top-level widget is not a BWindow") : loader.errorString());
     }
     std::ignore = root.release();
     return {std::unique_ptr<WindowWidget>(window), MakeViews(*window)};

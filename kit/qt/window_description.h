@@ -8,16 +8,16 @@
 
 class WindowWidget;
 
-// A window's widgets and views, made from its description: a Designer file whose classes are the
-// framework's, and where the integer property "tag" tells a view from others.
+// A window's widgets and views, created from its description: a Qt Designer file that uses the
+// framework's classes, in which the integer property "tag" identifies a view.
 struct DescribedWindow {
     std::unique_ptr<WindowWidget> widget;
     std::vector<std::unique_ptr<BView>> views;  // the direct children
 };
 
-// Throws std::runtime_error, with a sentence, when the file cannot be read or names an unknown
-// class.
+// Throws std::runtime_error, with a sentence for the user, if the file cannot be read or contains a
+// view of an unknown class. [ui]
 DescribedWindow LoadWindowDescription(const std::string& file);
 
-// The property of a widget that holds its tag; 0 for none.
+// The tag of a view; 0 if it has none.
 int TagOf(const BView& view);

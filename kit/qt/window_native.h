@@ -8,14 +8,14 @@
 
 #include <utility>
 
-// What a window is made of here. Owned by the window.
+// The implementation of a window with Qt. Owned by the window.
 struct BWindow::Native {
     explicit Native(DescribedWindow described)
-        : content(std::move(described)), onScreen(content.widget.get())
+        : content(std::move(described)), widget(content.widget.get())
     {
     }
-    explicit Native(QWidget* ofHost) : onScreen(ofHost) {}
+    explicit Native(QWidget* hostWidget) : widget(hostWidget) {}
 
-    DescribedWindow content;     // Empty for a window of the host's.
-    QPointer<QWidget> onScreen;  // Whoever owns it; null in a host without windows.
+    DescribedWindow content;   // Empty for one of the host's own windows.
+    QPointer<QWidget> widget;  // The content's or the host's; null in a host without windows.
 };

@@ -7,8 +7,8 @@
 
 #include <memory>
 
-// What is on the screen for a BWindow. It goes somewhat later than that, since it may be handling
-// the very event that ends it.
+// The widget of a BWindow. It is destroyed somewhat later than the BWindow, because it may be
+// handling the event that closes the window. [ui]
 class WindowWidget final : public QWidget {
   public:
     explicit WindowWidget(QWidget* parent = nullptr);
@@ -23,8 +23,8 @@ class WindowWidget final : public QWidget {
     std::weak_ptr<BLooper> looper_;
 };
 
-// Calls into code of the window that this widget belongs to: keeps the window alive meanwhile, and
-// does nothing when it is gone. Tells whether it called.
+// Calls code of the window that this widget belongs to, and keeps the window alive meanwhile. Does
+// nothing if the window no longer exists. Returns whether the function was called.
 template <class Function>
 bool CallWindow(const QWidget& widget, Function&& function)
 {

@@ -5,7 +5,7 @@
 #include <vector>
 
 // Splits a command line into words by a shell's rules for spaces, single and double quotes and
-// backslashes; a word that begins with "#" begins a comment. No other character of a shell is
-// special: ; | & $ and * are ordinary characters. There is at least one word. The error is a
-// sentence without a full stop.
+// backslashes; a word that begins with "#" starts a comment. Other characters that are special in a
+// shell, such as ; | & $ and *, are ordinary characters. The result has at least one word. The
+// error is a sentence without a full stop. [any]
 std::expected<std::vector<std::string>, std::string> SplitCommandLine(const std::string& line);

@@ -4,19 +4,20 @@
 #include <string_view>
 #include <vector>
 
-// Splits a stream of bytes, as it arrives, into pieces of one line each, endings included.
+// Splits a stream of bytes into pieces of one line each, including line endings, as it arrives.
 class LineSplitter {
   public:
     static constexpr std::size_t kMaxPiece = 65536;  // bytes
 
-    // The lines that these bytes complete. A line longer than kMaxPiece is split between two
-    // characters.
+    // Returns the lines that these bytes complete. A line longer than kMaxPiece is split between
+    // two UTF-8 characters.
     std::vector<std::string> Feed(std::string_view bytes);
 
-    // The unfinished line, without a UTF-8 character whose remaining bytes have yet to arrive.
+    // Returns the unfinished line, except for an incomplete UTF-8 character at its end, which is
+    // kept.
     std::string TakeUnfinished();
 
-    // All that is left, at the end of the stream.
+    // Returns all remaining bytes, at the end of the stream.
     std::string TakeRest();
 
     bool hasUnfinished() const { return !line_.empty(); }

@@ -16,10 +16,10 @@ namespace {
 constexpr std::chrono::milliseconds kFlushDelay{30};
 constexpr std::chrono::milliseconds kPipeGrace{100};
 constexpr std::chrono::milliseconds kTerminationGrace{500};
-// How often to check for what no descriptor reports.
+// How often to check for events that no descriptor reports.
 constexpr std::chrono::milliseconds kPollInterval{20};
 constexpr std::size_t kMaxDrained = 1 << 20;  // bytes
-constexpr int kNotStarted = 127;              // As shells report it.
+constexpr int kNotStarted = 127;              // The exit status that shells use.
 
 // Signals are handled on the program's main thread.
 void BlockSignalsInThisThread()
@@ -39,19 +39,19 @@ ShellJob::ShellJob(Program program, std::shared_ptr<const OnOutput> onOutput, Ui
 {
 }
 
-void ShellJob::Start(const std::function<void()>& onThreadEnd)
+void ShellJob::Start(const std::function<void()>& onThreadExit)
 {
     started_ = true;
-    std::ignore = MakePipe(wake_);  // Without a pipe, Wait checks for a stop at intervals.
+    std::ignore = MakePipe(wake_);  // Without a pipe, Wait polls for a stop.
     try {
-        thread_ = std::thread([this, onThreadEnd] {
+        thread_ = std::thread([this, onThreadExit] {
             BlockSignalsInThisThread();
             RunProgram();
-            onThreadEnd();
+            onThreadExit();
         });
     } catch (const std::system_error& error) {
-        (*onOutput_)(std::string("No thread can be started: ") + error.what() + "\n");
-        onThreadEnd();
+        (*onOutput_)(std::string("Cannot start a thread: ") + error.what() + "\n");
+        onThreadExit();
     }
 }
 
@@ -84,8 +84,8 @@ void ShellJob::Complete()
     if (auto done = std::exchange(done_, {})) {
         done();
     }
-    if (const auto onEnd = std::exchange(onEnd_, {})) {
-        onEnd({status_, stopped_});
+    if (const auto onFinished = std::exchange(onFinished_, {})) {
+        onFinished({status_, stopped_});
     }
 }
 
@@ -114,7 +114,7 @@ void ShellJob::Follow(ChildProcess& child)
     DrainAfterExit(child);
     Forward(splitter_.TakeRest());
     if (stopped_) {
-        // Members of the group that have closed the pipe may still be running.
+        // Processes of the group that have closed the pipe may still be running.
         child.SignalGroup(SIGKILL);
     }
     status_ = child.Reap();
@@ -125,14 +125,14 @@ bool ShellJob::IsFinished() const
     if (!exited_) {
         return false;
     }
-    return !outputOpen_ || killed_ || (!killAt_ && Clock::now() >= *giveUpPipeAt_);
+    return !outputOpen_ || killed_ || (!killAt_ && Clock::now() >= *abandonPipeAt_);
 }
 
 void ShellJob::Wait(const ChildProcess& child)
 {
     auto until = Clock::now() + std::chrono::hours(1);
     for (const auto& deadline :
-         {flushAt_, killAt_ ? std::nullopt : giveUpPipeAt_, killed_ ? std::nullopt : killAt_}) {
+         {flushAt_, killAt_ ? std::nullopt : abandonPipeAt_, killed_ ? std::nullopt : killAt_}) {
         until = std::min(until, deadline.value_or(until));
     }
     if (child.exitFd() < 0 || wake_[0] < 0) {
@@ -149,7 +149,7 @@ void ShellJob::Wait(const ChildProcess& child)
     }
     if (!exited_ && (fds[1].revents != 0 || child.exitFd() < 0) && child.HasExited()) {
         exited_ = true;
-        giveUpPipeAt_ = Clock::now() + kPipeGrace;
+        abandonPipeAt_ = Clock::now() + kPipeGrace;
     }
 }
 
@@ -167,7 +167,7 @@ void ShellJob::ReadOutput(const ChildProcess& child)
     }
 }
 
-// What the program printed before it exited is still in the pipe if this thread had to wait.
+// Output printed before the program exited is still in the pipe if this thread was blocked.
 void ShellJob::DrainAfterExit(const ChildProcess& child)
 {
     for (std::size_t drained = 0; outputOpen_ && !discardsOutput_ && drained < kMaxDrained;) {
@@ -205,7 +205,7 @@ void ShellJob::ForwardAll(std::string bytes)
 
 void ShellJob::Forward(std::string piece)
 {
-    // Pieces are usually posted to the queue, which must not grow without bounds.
+    // `onOutput_` usually posts to the queue, which must not grow without bounds.
     queue_.WaitForRoom(discardsOutput_);
     if (!piece.empty() && !discardsOutput_) {
         (*onOutput_)(std::move(piece));

@@ -17,26 +17,25 @@
 #include <thread>
 #include <vector>
 
-// Jobs of one group share something, such as the board's port: a job starts only after every
-// stopped job of its group has ended. The Runtime sees to that.
+// Jobs of one group share a resource, such as the board's port: the Runtime starts a job only after
+// every stopped job of its group has finished.
 enum class JobGroup { Board, UserShell };
 
-// How a job ended.
+// The result of a finished job.
 struct JobResult {
-    int status = 0;  // Exit status; 128 plus the signal's number; 127 if it could not be started.
+    int status = 0;  // Exit status, 128 plus the signal number, or 127 if it could not be started.
     bool stopped = false;
 };
 
-// One program that runs in the background: the child process and the thread that reads its output.
-// Created, stopped, joined and destroyed on the user-interface thread; owned by the Runtime while
-// it runs.
+// A program that runs in the background: a child process and the thread that reads its output.
+// Owned by the Runtime while it runs. [ui]
 class ShellJob {
   public:
     struct Program {
-        // The program and its arguments, or a sentence that is shown as its output instead.
+        // The program and its arguments, or a message to forward as its output instead.
         std::expected<std::vector<std::string>, std::string> words;
         std::vector<std::string> environment;  // "NAME=value"
-        std::string folder;                    // Empty for this process's own.
+        std::string folder;                    // Working directory; empty for this process's own.
         JobGroup group = JobGroup::Board;
         bool splitsLines = true;         // Otherwise output is forwarded as it arrives.
         bool forwardsAfterStop = false;  // Otherwise a stopped program's output is discarded.
@@ -47,26 +46,30 @@ class ShellJob {
     // `queue` must outlive the job's thread.
     ShellJob(Program program, std::shared_ptr<const OnOutput> onOutput, UiQueue& queue);
 
-    // Called on the user-interface thread after the last piece, unless the job is stopped: then it
-    // is destroyed without a call.
+    // The completion is called after the last piece of output, unless the job is stopped: then it
+    // is destroyed without being called.
     void SetCompletion(unique_function<void()> done) { done_ = std::move(done); }
-    // Called on the user-interface thread when a started job has ended, stopped or not.
-    void SetEndHandler(std::function<void(JobResult)> handler) { onEnd_ = std::move(handler); }
+    // The handler is called when a started job has finished, whether it was stopped or not.
+    void SetFinishedHandler(std::function<void(JobResult)> handler)
+    {
+        onFinished_ = std::move(handler);
+    }
 
     JobGroup group() const { return program_.group; }
 
-    // Starts the job's thread. `onThreadEnd` is the last thing that thread calls.
-    void Start(const std::function<void()>& onThreadEnd);
+    // Starts the job's thread. `onThreadExit` is the last function that the thread calls.
+    void Start(const std::function<void()>& onThreadExit);
     bool IsStarted() const { return started_; }
 
     // Terminates the program and drops the completion. Returns at once; further calls do nothing.
     void Stop();
     bool IsStopped() const { return stopped_; }
 
-    // Waits for the thread, which ends soon after it called `onThreadEnd` or the job was stopped.
+    // Waits for the thread, which exits soon after it has called `onThreadExit` or the job was
+    // stopped.
     void Join();
 
-    // Calls the completion and the end handler.
+    // Calls the completion and the finished handler.
     void Complete();
 
   private:
@@ -85,7 +88,7 @@ class ShellJob {
     const Program program_;
     const std::shared_ptr<const OnOutput> onOutput_;
     unique_function<void()> done_;
-    std::function<void(JobResult)> onEnd_;
+    std::function<void(JobResult)> onFinished_;
     UiQueue& queue_;
 
     bool started_ = false;
@@ -99,9 +102,9 @@ class ShellJob {
     LineSplitter splitter_;
     bool outputOpen_ = true;
     bool exited_ = false;
-    std::optional<Clock::time_point> flushAt_;  // Forward the unfinished line.
-    std::optional<Clock::time_point>
-        giveUpPipeAt_;                         // Others may hold the pipe of an exited program.
-    std::optional<Clock::time_point> killAt_;  // Set once SIGTERM was sent.
+    std::optional<Clock::time_point> flushAt_;  // When to forward the unfinished line.
+    // When to stop reading the pipe of an exited program: other processes may keep it open.
+    std::optional<Clock::time_point> abandonPipeAt_;
+    std::optional<Clock::time_point> killAt_;  // Set when SIGTERM has been sent.
     bool killed_ = false;
 };

@@ -8,7 +8,7 @@
 
 namespace {
 
-// Python programs, mpremote among them, then print at once and in UTF-8.
+// Makes Python programs such as mpremote print without buffering and in UTF-8.
 std::vector<std::string> ToolEnvironment()
 {
     std::vector<std::string> words = CurrentEnvironment();
@@ -46,7 +46,7 @@ void SimpleShell::Run(const std::string& commandLine, unique_function<void()>&& 
     Runtime& runtime = Runtime::Current();
     auto words = SplitCommandLine(commandLine);
     if (!words) {
-        words = std::unexpected("The command line cannot be read: " + words.error());
+        words = std::unexpected("Invalid command line: " + words.error());
     }
     const auto job = std::make_shared<ShellJob>(
         ShellJob::Program{

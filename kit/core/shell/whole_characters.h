@@ -3,5 +3,5 @@
 #include <cstddef>
 #include <string_view>
 
-// The length of UTF-8 `text` without the beginning of a character at its end. Used on any thread.
+// The length of a UTF-8 text without an incomplete character at its end. [any]
 std::size_t WholeCharacters(std::string_view text);

@@ -17,11 +17,11 @@ MenuButton::MenuButton(QWidget* parent) : QAbstractButton(parent)
 void MenuButton::SelectItem(int index)
 {
     const auto& items = menu_->Items();
-    const bool isThere = index >= 0 && index < std::ssize(items);
-    selected_ = isThere ? index : 0;
-    setText(isThere ? QString::fromStdString(items[static_cast<std::size_t>(index)]->Label())
-                    : QString());
-    setIcon(isThere ? MenuIcon(*items[static_cast<std::size_t>(index)]) : QIcon());
+    const bool exists = index >= 0 && index < std::ssize(items);
+    selected_ = exists ? index : 0;
+    setText(exists ? QString::fromStdString(items[static_cast<std::size_t>(index)]->Label())
+                   : QString());
+    setIcon(exists ? MenuIcon(*items[static_cast<std::size_t>(index)]) : QIcon());
     updateGeometry();
     update();
 }
@@ -82,7 +82,7 @@ void MenuButton::keyPressEvent(QKeyEvent* event)
 
 void MenuButton::OpenMenu()
 {
-    auto* const widget = menu_ != nullptr ? MakeMenuWidgetOf(*this, *menu_) : nullptr;
+    auto* const widget = menu_ != nullptr ? MakeWindowMenu(*this, *menu_) : nullptr;
     if (widget != nullptr) {
         widget->setMinimumWidth(width());
         widget->popup(mapToGlobal(QPoint(0, 0)), widget->actions().value(selected_));

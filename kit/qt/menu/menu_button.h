@@ -4,15 +4,15 @@
 
 #include <QAbstractButton>
 
-// What is on the screen for a menu field: looks like a combo box, and opens the menu over itself so
-// that the selected item lies on it. A combo box itself would not take menu items.
+// The widget of a menu field. It looks like a combo box and opens the menu so that the selected
+// item lies over the button. It is not a QComboBox because that cannot show menu items. [ui]
 class MenuButton final : public QAbstractButton {
   public:
     explicit MenuButton(QWidget* parent);
 
     // Not owned; null for none.
     void SetMenu(const BMenu* menu) { menu_ = menu; }
-    // Shows the item at this index as it is now.
+    // Shows a copy of the item at this index.
     void SelectItem(int index);
 
     QSize sizeHint() const override;

@@ -10,7 +10,7 @@ namespace {
 
 constexpr int kLastFunctionKey = 31;
 
-// Empty for what is no key.
+// Empty if the item has no shortcut.
 QKeySequence ShortcutOf(const BMenuItem& item)
 {
     int key = item.Shortcut();
@@ -20,10 +20,10 @@ QKeySequence ShortcutOf(const BMenuItem& item)
     } else if (!QChar(key).isPrint()) {
         return {};
     }
-    return QKeyCombination(ModifiersOfMask(item.Modifiers()), static_cast<Qt::Key>(key));
+    return QKeyCombination(ToQtModifiers(item.Modifiers()), static_cast<Qt::Key>(key));
 }
 
-// The shortcut is only shown: keys do not reach the actions of a menu that nothing leads to.
+// The shortcut is only shown: it cannot trigger the action, since the menu is not in a menu bar.
 void AddAction(QMenu& menu, const BMenuItem& item, const MenuChoice& choose)
 {
     QAction* action = menu.addAction(MenuIcon(item), MenuLabel(item));
@@ -63,7 +63,7 @@ QMenu* MakeMenuWidget(const BMenu& menu, QWidget* parent, const MenuChoice& choo
     return widget;
 }
 
-QMenu* MakeMenuWidgetOf(QWidget& owner, const BMenu& menu)
+QMenu* MakeWindowMenu(QWidget& owner, const BMenu& menu)
 {
     QMenu* widget = nullptr;
     CallWindow(owner, [&] {

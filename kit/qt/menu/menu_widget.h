@@ -7,15 +7,16 @@
 using MenuChoice =
     std::function<void(const std::string& label, const std::function<void()>& action)>;
 
-// What is on the screen for a menu: made when it opens, with copies of its items, so that these may
-// be replaced meanwhile. `choose` is called with what the chosen item is and does.
+// Creates the widget of a menu. It is created when the menu opens and copies the items, so they may
+// be replaced while it is open. `choose` is called with the label and action of the chosen item.
 QMenu* MakeMenuWidget(const BMenu& menu, QWidget* parent, const MenuChoice& choose);
 
-// The same for a menu of a window, filled anew: the chosen action is called into the window that
-// the owner belongs to. Deletes itself when it closes. Null when there is nothing to show.
-QMenu* MakeMenuWidgetOf(QWidget& owner, const BMenu& menu);
+// Populates a menu of a window and creates its widget. The action of the chosen item is called as
+// code of the window that `owner` belongs to. The widget deletes itself when it closes. Null if the
+// menu is empty.
+QMenu* MakeWindowMenu(QWidget& owner, const BMenu& menu);
 
-// An item's label as a menu shows it: no character of it is a mnemonic.
+// An item's label, escaped so that no character becomes a mnemonic.
 QString MenuLabel(const BMenuItem& item);
 
 QIcon MenuIcon(const BMenuItem& item);

@@ -10,26 +10,26 @@
 
 namespace {
 
-// The action of the item that the user chooses, if the host lets it run; empty for none. The menu
-// closes with the window that it lies over, for whatever reason that closes.
+// The action of the item that the user chooses, if the host allows it; empty otherwise. If the
+// window below the menu closes, for whatever reason, the menu closes, too.
 std::function<void()> LetUserChoose(const BMenu& menu, BPoint where)
 {
     std::string label;
     std::function<void()> chosen;
     auto* window = QApplication::activeWindow();
     if (window != nullptr && !window->isVisible()) {
-        window = nullptr;  // It was closed before it became active, and is about to be destroyed.
+        window = nullptr;  // It was closed before it became active, and will be destroyed soon.
     }
     const QPointer<QMenu> widget =
-        MakeMenuWidget(menu, window, [&](const auto& itsLabel, const auto& action) {
-            label = itsLabel;
+        MakeMenuWidget(menu, window, [&](const auto& chosenLabel, const auto& action) {
+            label = chosenLabel;
             chosen = action;
         });
     if (window != nullptr) {
         QObject::connect(window->windowHandle(), &QWindow::visibleChanged, widget, &QWidget::close);
     }
     widget->exec(QPointF(where.x, where.y).toPoint());
-    delete widget;  // Unless it has gone already.
+    delete widget;  // Null if it was destroyed with the window.
     const auto& mayPerform = Runtime::Current().handlers.mayPerform;
     const bool isRefused = chosen && mayPerform && !mayPerform(label);
     return isRefused ? nullptr : chosen;

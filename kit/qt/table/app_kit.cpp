@@ -18,8 +18,8 @@ std::shared_ptr<NSArray> NSArray_arrayWithObjects_count(objc_object* const* obje
 
 void NSOutlineView_registerForDraggedTypes(NSOutlineView* view, const NSArray* types)
 {
-    view->TakeDragsOfFiles(std::ranges::find(types->objects, FileURLPasteboardType()) !=
-                           types->objects.end());
+    view->SetAcceptsFiles(std::ranges::find(types->objects, FileURLPasteboardType()) !=
+                          types->objects.end());
 }
 
 void NSOutlineView_setDropItem_dropChildIndex(NSOutlineView* view, objc_object* item, long index)
@@ -39,7 +39,7 @@ std::vector<EntryRef> RefsFromPasteboard(NSPasteboard* pasteboard)
         if (url.isLocalFile() && !url.toLocalFile().isEmpty()) {
             QString path = url.toLocalFile();
             while (path.size() > 1 && path.endsWith('/')) {
-                path.chop(1);  // As a dragged folder may come.
+                path.chop(1);  // The URL of a folder may end with slashes.
             }
             refs.emplace_back(path.toStdString());
         }

@@ -6,7 +6,7 @@
 
 #include <vector>
 
-// What the opaque objects of AppKit.h are here.
+// The implementation of the opaque objects of AppKit.h.
 
 struct objc_object {
     objc_object() = default;
@@ -23,19 +23,19 @@ struct NSPasteboard {
     const QMimeData* data;
 };
 
-// A drag, during one call.
+// The dragging information object of one call.
 struct DraggingInfo final : objc_object {
     explicit DraggingInfo(const QMimeData* data) : pasteboard{data} {}
 
     NSPasteboard pasteboard;
 };
 
-// The part of a table that drag and drop speaks to.
+// The drag-and-drop interface of a table.
 struct NSOutlineView {
     NSOutlineView() = default;
     NSOutlineView(const NSOutlineView&) = delete;
     NSOutlineView& operator=(const NSOutlineView&) = delete;
     virtual ~NSOutlineView() = default;
-    virtual void TakeDragsOfFiles(bool take) = 0;
+    virtual void SetAcceptsFiles(bool accepts) = 0;
     virtual void SetDropTarget(objc_object* row, int index) = 0;
 };

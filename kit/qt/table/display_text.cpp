@@ -2,7 +2,7 @@
 
 namespace {
 
-constexpr char16_t kControlPictures = 0x2400;  // The first of the signs for codes below 32.
+constexpr char16_t kControlPictures = 0x2400;  // The first of the symbols for codes below 32.
 constexpr char16_t kDeletePicture = 0x2421;
 
 QChar Visible(QChar c)

@@ -4,6 +4,6 @@
 
 #include <string_view>
 
-// A text as it can be drawn in one line: what is no UTF-8, and what would break the line or do
-// nothing that can be seen, stands as a sign for it.
+// Converts a text so that it can be drawn on one line: invalid UTF-8, line breaks and control
+// characters are replaced by visible symbols.
 QString DisplayText(std::string_view text);

@@ -113,7 +113,7 @@ void BOutlineTableView::SetMenu(BMenu* menu)
     auto& own = static_cast<TableNative&>(native()).menu;
     own.reset(menu);
     Widget(*this).handlers.showMenu = [this, &own](const QPoint& at) {
-        if (auto* const widget = MakeMenuWidgetOf(Widget(*this), *own)) {
+        if (auto* const widget = MakeWindowMenu(Widget(*this), *own)) {
             widget->popup(at);
         }
     };
@@ -134,12 +134,12 @@ void BOutlineTableView::SetAcceptDrop(
 FTableItem* BOutlineTableView::ItemForID(objc_object* row, int column) const
 {
     const auto& rows = Widget(*this).rows();
-    if (!rows.Holds(row)) {
+    if (!rows.Contains(row)) {
         return nullptr;
     }
     const auto& cells = static_cast<const TableRow*>(row)->cells;
-    const bool isThere = column >= 0 && column < std::ssize(cells);
-    return isThere ? cells[static_cast<std::size_t>(column)].get() : nullptr;
+    const bool exists = column >= 0 && column < std::ssize(cells);
+    return exists ? cells[static_cast<std::size_t>(column)].get() : nullptr;
 }
 
 void* BOutlineTableView::KitViewPointer() const

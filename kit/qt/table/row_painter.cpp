@@ -9,10 +9,10 @@
 namespace {
 
 constexpr double kCellMargin = 6;
-constexpr double kCellHeight = 16;  // An icon's.
-constexpr int kLowestRow = 22;
+constexpr double kCellHeight = 16;  // The height of an icon.
+constexpr int kMinRowHeight = 22;
 
-// The text of the first column in full, of the others muted; on a selection in its own colour.
+// The text is muted in all columns but the first, except in selected rows.
 QColor TextColor(const QStyleOptionViewItem& option, int column)
 {
     const auto group =
@@ -58,5 +58,5 @@ void RowPainter::paint(QPainter* painter, const QStyleOptionViewItem& option,
 
 QSize RowPainter::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& /*index*/) const
 {
-    return {0, std::max(option.fontMetrics.height() + 6, kLowestRow)};
+    return {0, std::max(option.fontMetrics.height() + 6, kMinRowHeight)};
 }

@@ -4,7 +4,7 @@
 
 class TableWidget;
 
-// Draws the background of a cell as the style does, and has the cell's item draw itself upon it.
+// Draws the background of a cell in the widget style and lets the cell's item draw the content.
 class RowPainter final : public QStyledItemDelegate {
   public:
     explicit RowPainter(TableWidget& table);

@@ -8,8 +8,8 @@
 
 namespace {
 
-// Rows that come one by one would otherwise cost the tool and the board more time than they need.
-constexpr std::chrono::milliseconds kBetweenAnnouncements{30};
+// Publishing each row by itself would take processor time from the tool while it lists files.
+constexpr std::chrono::milliseconds kPublishInterval{30};
 
 }  // namespace
 
@@ -37,7 +37,7 @@ void TableModel::SetItem(std::unique_ptr<FTableItem> item, int row, int column)
     }
     if (row == CountRows()) {
         rows_.push_back(std::make_unique<TableRow>());
-        PublishSoon();
+        SchedulePublish();
     }
     auto& cells = RowAt(row)->cells;
     const auto at = static_cast<std::size_t>(column);
@@ -59,26 +59,26 @@ TableRow* TableModel::RowAt(int row) const
 FTableItem* TableModel::ItemAt(int row, int column) const
 {
     const auto* found = RowAt(row);
-    const bool isThere = found != nullptr && column >= 0 && column < std::ssize(found->cells);
-    return isThere ? found->cells[static_cast<std::size_t>(column)].get() : nullptr;
+    const bool exists = found != nullptr && column >= 0 && column < std::ssize(found->cells);
+    return exists ? found->cells[static_cast<std::size_t>(column)].get() : nullptr;
 }
 
-bool TableModel::Holds(const objc_object* row) const
+bool TableModel::Contains(const objc_object* row) const
 {
     return std::ranges::any_of(rows_,
                                [row](const auto& candidate) { return candidate.get() == row; });
 }
 
-void TableModel::PublishSoon()
+void TableModel::SchedulePublish()
 {
-    if (!std::exchange(willPublish_, true)) {
-        QTimer::singleShot(kBetweenAnnouncements, this, &TableModel::Publish);
+    if (!std::exchange(publishScheduled_, true)) {
+        QTimer::singleShot(kPublishInterval, this, &TableModel::Publish);
     }
 }
 
 void TableModel::Publish()
 {
-    willPublish_ = false;
+    publishScheduled_ = false;
     if (published_ < CountRows()) {
         beginInsertRows({}, published_, CountRows() - 1);
         published_ = CountRows();
@@ -96,7 +96,7 @@ int TableModel::columnCount(const QModelIndex& parent) const
     return parent.isValid() ? 0 : static_cast<int>(titles_.size());
 }
 
-// For searching by typing and for screen readers; what is seen is drawn by the items.
+// Used for keyboard search and by screen readers only: the items draw themselves.
 QVariant TableModel::data(const QModelIndex& index, int role) const
 {
     const auto* item = ItemAt(index.row(), index.column());

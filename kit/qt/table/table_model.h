@@ -8,30 +8,30 @@
 #include <memory>
 #include <vector>
 
-// One row; also the object that stands for it in drag and drop.
+// A row, which is also its row object in drag and drop.
 struct TableRow : objc_object {
     std::vector<std::unique_ptr<FTableItem>> cells;
 };
 
-// The rows of a table. New rows are announced together, some thirty times a second: a view lays out
-// all of its rows for each announcement, and paints.
+// The rows of a table. New rows are published to the view in batches, about thirty times a second,
+// because the view lays out all of its rows and repaints each time. [ui]
 class TableModel final : public QAbstractTableModel {
   public:
     explicit TableModel(QObject* parent);
 
     void SetColumns(const QStringList& titles);
 
-    // All rows, announced or not.
+    // The number of all rows, published or not.
     int CountRows() const { return static_cast<int>(rows_.size()); }
     void Clear();
     // `row` may be CountRows() at most.
     void SetItem(std::unique_ptr<FTableItem> item, int row, int column);
     FTableItem* ItemAt(int row, int column) const;
     TableRow* RowAt(int row) const;
-    // Whether the object stands for a row that is there.
-    bool Holds(const objc_object* row) const;
+    // Whether the object is one of the rows.
+    bool Contains(const objc_object* row) const;
 
-    // Announces what is new.
+    // Publishes all new rows to the view now.
     void Publish();
 
     int rowCount(const QModelIndex& parent = {}) const override;
@@ -40,10 +40,10 @@ class TableModel final : public QAbstractTableModel {
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
   private:
-    void PublishSoon();
+    void SchedulePublish();
 
     QStringList titles_;
     std::vector<std::unique_ptr<TableRow>> rows_;
     int published_ = 0;
-    bool willPublish_ = false;
+    bool publishScheduled_ = false;
 };

@@ -6,7 +6,7 @@
 
 class BMenu;
 
-// A table's own: the menu that was given to it.
+// The implementation of a table with Qt, which owns the context menu.
 struct TableNative : BView::Native {
     using BView::Native::Native;
 

@@ -14,9 +14,9 @@
 namespace {
 
 constexpr int kSizeColumnWidth = 110;
-constexpr int kNarrowestName = 60;
-// How near to the edge of a row a drop is one between rows.
-constexpr int kBetweenRows = 3;
+constexpr int kMinNameWidth = 60;
+// A drop this close to the edge of a row is a drop between rows.
+constexpr int kRowEdge = 3;
 
 }  // namespace
 
@@ -37,7 +37,7 @@ TableWidget::TableWidget(QWidget* parent) : QTreeView(parent), model_(new TableM
     setDragDropMode(NoDragDrop);
     header()->setSectionsMovable(false);
     header()->setStretchLastSection(false);
-    header()->setMinimumSectionSize(kNarrowestName);
+    header()->setMinimumSectionSize(kMinNameWidth);
 }
 
 void TableWidget::SetColumns(const QStringList& titles)
@@ -74,7 +74,7 @@ void TableWidget::SelectRow(int row, bool extend)
 
 void TableWidget::ClearRows()
 {
-    target_ = {};  // Its row goes.
+    target_ = {};  // Its row is about to be deleted.
     model_->Clear();
 }
 
@@ -84,7 +84,7 @@ bool TableWidget::event(QEvent* event)
 {
     if (event->type() == QEvent::ShortcutOverride) {
         const auto& key = static_cast<QKeyEvent&>(*event);
-        // Else a shortcut of the window would take what the window's code may be waiting for.
+        // Otherwise a shortcut of the window would take the key before the handler gets it.
         const bool isChord = key.modifiers().testFlag(Qt::ControlModifier) &&
                              (key.key() == Qt::Key_Backspace || key.key() == Qt::Key_Up ||
                               key.key() == Qt::Key_Down);
@@ -101,7 +101,7 @@ bool TableWidget::HandleKey(const QKeyEvent& event)
     const QByteArray bytes = KeyBytes(event);
     bool handled = false;
     if (handlers.keyDown && !bytes.isEmpty()) {
-        const HandledKey handledKey(event);
+        const KeyEventScope scope(event);
         const auto keyDown = handlers.keyDown;
         CallWindow(*this,
                    [&] { handled = keyDown(bytes.constData(), static_cast<int>(bytes.size())); });
@@ -157,17 +157,16 @@ TableWidget::DropTarget TableWidget::ProposeTarget(const QPoint& at) const
         return {nullptr, model_->CountRows()};
     }
     const QRect row = visualRect(index);
-    if (at.y() < row.top() + kBetweenRows) {
+    if (at.y() < row.top() + kRowEdge) {
         return {nullptr, index.row()};
     }
-    if (at.y() > row.bottom() - kBetweenRows) {
+    if (at.y() > row.bottom() - kRowEdge) {
         return {nullptr, index.row() + 1};
     }
     return {model_->RowAt(index.row()), -1};
 }
 
-// The drag operation for the place where the drag is; target_ is what the window's code makes of
-// that place.
+// The drag operation at the current position of the drag. The validator may change target_.
 int TableWidget::Validate(const QDropEvent& event)
 {
     target_ = ProposeTarget(event.position().toPoint());
@@ -215,7 +214,7 @@ void TableWidget::dropEvent(QDropEvent* event)
     stopAutoScroll();
     ShowDropTarget(false);
     event->ignore();
-    // Anew: the rows may have changed since the drag moved last.
+    // Validate again: the rows may have changed since the last move.
     if (Validate(*event) != NSDragOperationCopy || !handlers.acceptDrop) {
         return;
     }
@@ -261,6 +260,6 @@ void TableWidget::resizeEvent(QResizeEvent* event)
         others += header()->sectionSize(column);
     }
     if (header()->count() > 0) {
-        header()->resizeSection(0, std::max(viewport()->width() - others, kNarrowestName));
+        header()->resizeSection(0, std::max(viewport()->width() - others, kMinNameWidth));
     }
 }

@@ -8,9 +8,9 @@
 
 #include <functional>
 
-// What is on the screen for a table: rows that draw themselves, keys, the context menu and drops,
-// which are handed to the window's code while the window is there. The columns are those that the
-// property "columns" names; the first gets the room that there is.
+// The widget of a table. It passes drawing, keys, the context menu and drops to handlers, as long
+// as the window exists. The property "columns" names the columns; the first one takes the space
+// that the others leave. [ui]
 class TableWidget final : public QTreeView, public NSOutlineView {
     Q_OBJECT
     Q_PROPERTY(QStringList columns READ columns WRITE SetColumns)
@@ -21,12 +21,12 @@ class TableWidget final : public QTreeView, public NSOutlineView {
     QStringList columns() const { return columns_; }
     void SetColumns(const QStringList& titles);
     TableModel& rows() { return *model_; }
-    // The rows that are selected, from the top.
+    // The selected rows, from top to bottom.
     std::vector<int> SelectedRows() const;
     void SelectRow(int row, bool extend);
     void ClearRows();
 
-    // What the window's code wants of the table. Called with the window alive.
+    // Handlers of the window's code. The window is kept alive during each call.
     struct Handlers {
         std::function<void(int row, int column)> invoke;
         std::function<bool(const char* bytes, int numBytes)> keyDown;
@@ -37,7 +37,7 @@ class TableWidget final : public QTreeView, public NSOutlineView {
     };
     Handlers handlers;
 
-    void TakeDragsOfFiles(bool take) override { viewport()->setAcceptDrops(take); }
+    void SetAcceptsFiles(bool accepts) override { viewport()->setAcceptDrops(accepts); }
     void SetDropTarget(objc_object* row, int index) override { target_ = {row, index}; }
 
   protected:

@@ -103,7 +103,7 @@ TEST_F(SimpleShellTest, ForwardsOneLinePerPiece)
         {"no program", "/tmp ls\n", {"/tmp: Permission denied\n"}},
         {"unbalanced quotes",
          "tool rm -r :'it's'\n",
-         {"The command line cannot be read: its quotes are not balanced\n"}},
+         {"Invalid command line: its quotes are not balanced\n"}},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(Run(row.line), row.output) << row.name;
