@@ -17,12 +17,12 @@ constexpr char kInterrupt = '\x03';
 constexpr std::string_view kInterruptedTraceback =
     "Traceback (most recent call last):\nKeyboardInterrupt: \n";
 
-// An interpreter that has not come back to its loop by then hangs inside a library call; the board
-// is reset. Less than the ten seconds after which mpremote gives up.
-constexpr std::chrono::seconds kInterruptPatience{5};
+// After this time, an interrupted interpreter is considered to hang in a library call, and the
+// board is reset. It is less than mpremote's timeout of ten seconds.
+constexpr std::chrono::seconds kInterruptTimeout{5};
 
-// How often to look for a client where the system does not tell of one.
-constexpr int kLookIntervalMilliseconds = 20;
+// How often to check for a client if the system does not report one.
+constexpr int kPollIntervalMilliseconds = 20;
 
 }  // namespace
 
@@ -45,7 +45,7 @@ void Board::Unplug()
 {
     interpreter_.reset();
     port_.reset();
-    stuckAt_.reset();
+    interruptDeadline_.reset();
 }
 
 std::expected<void, std::string> Board::Run(int commands)
@@ -66,7 +66,7 @@ void Board::Poll(int commands)
     nfds_t count = 1;
     if (port_) {
         const short writing = port_->hasQueue() ? POLLOUT : 0;
-        // Without a client the line is hung up, which would end every wait.
+        // Without a client the line is hung up, so poll would return immediately.
         fds[count++] = {port_->hasClient() ? port_->fd() : -1, static_cast<short>(POLLIN | writing),
                         0};
         fds[count++] = {port_->clientEventsFd(), POLLIN, 0};
@@ -78,12 +78,12 @@ void Board::Poll(int commands)
     poll(fds.data(), count, TimeoutMilliseconds());
     const bool answered = port_ && (fds[3].revents & (POLLIN | POLLHUP)) != 0;
     if (port_) {
-        PassOnOutput();
+        ForwardOutput();
         if (answered) {
-            TakeAnswer();
+            ReceiveAnswer();
         }
         ReceiveFromClient();
-        EndStuckProgram();
+        ResetIfStuck();
         port_->Flush();
     }
     Serve(commands);
@@ -106,14 +106,15 @@ void Board::Serve(int commands)
 
 int Board::TimeoutMilliseconds() const
 {
-    const bool looksForClient = port_ && !port_->hasClient() && port_->clientEventsFd() < 0;
-    const int look = looksForClient ? kLookIntervalMilliseconds : -1;
-    if (!stuckAt_) {
-        return look;
+    const bool pollsForClient = port_ && !port_->hasClient() && port_->clientEventsFd() < 0;
+    const int pollTimeout = pollsForClient ? kPollIntervalMilliseconds : -1;
+    if (!interruptDeadline_) {
+        return pollTimeout;
     }
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*stuckAt_ - Clock::now());
-    const int stuck = std::max(0, static_cast<int>(left.count()));
-    return look < 0 ? stuck : std::min(stuck, look);
+    const auto left =
+        std::chrono::ceil<std::chrono::milliseconds>(*interruptDeadline_ - Clock::now());
+    const int interruptTimeout = std::max(0, static_cast<int>(left.count()));
+    return pollTimeout < 0 ? interruptTimeout : std::min(interruptTimeout, pollTimeout);
 }
 
 void Board::Send(std::string_view text)
@@ -123,7 +124,7 @@ void Board::Send(std::string_view text)
 
 void Board::Execute(SourceKind kind, std::string_view source)
 {
-    // A process that is gone shows itself at its answer descriptor.
+    // If the process has exited, its answer descriptor reports that.
     if (interpreter_) {
         std::ignore = interpreter_->Execute(kind, source);
     }
@@ -131,7 +132,7 @@ void Board::Execute(SourceKind kind, std::string_view source)
 
 void Board::RestartInterpreter()
 {
-    stuckAt_.reset();
+    interruptDeadline_.reset();
     interpreter_.reset();
     auto started = Interpreter::Start(options_.interpreter, options_.folder);
     if (started) {
@@ -151,7 +152,7 @@ void Board::ReceiveFromClient()
 void Board::Receive(char byte)
 {
     if (!interpreter_) {
-        return;  // It could not be started again; the board ends.
+        return;  // It could not be restarted; the board is about to exit.
     }
     if (!interpreter_->busy()) {
         repl_.Receive(byte);
@@ -162,65 +163,65 @@ void Board::Receive(char byte)
     }
 }
 
-// What the program had printed and nobody has read yet would only delay the reaction.
+// Discards unread output first, which would only delay the reaction.
 void Board::InterruptProgram()
 {
     port_->DropQueue();
     std::ignore = interpreter_->TakeOutput();
     interpreter_->Interrupt();
-    if (!stuckAt_) {
-        stuckAt_ = Clock::now() + kInterruptPatience;
+    if (!interruptDeadline_) {
+        interruptDeadline_ = Clock::now() + kInterruptTimeout;
     }
 }
 
-void Board::PassOnOutput()
+void Board::ForwardOutput()
 {
     if (!port_->isFull()) {
-        port_->Send(WithSerialLineEnds(interpreter_->TakeOutput()));
+        port_->Send(WithSerialLineEndings(interpreter_->TakeOutput()));
     }
 }
 
-void Board::TakeAnswer()
+void Board::ReceiveAnswer()
 {
     auto answer = interpreter_->TakeAnswer();
     if (!answer) {
-        return InterpreterLost(answer.error());
+        return OnInterpreterExited(answer.error());
     }
     if (!*answer) {
         return;
     }
-    // The program printed this before it ended.
+    // The program printed this before it finished.
     for (std::string rest = interpreter_->TakeOutput(); !rest.empty();
          rest = interpreter_->TakeOutput()) {
-        port_->Send(WithSerialLineEnds(rest));
+        port_->Send(WithSerialLineEndings(rest));
     }
-    stuckAt_.reset();
+    interruptDeadline_.reset();
     const std::string unread = interpreter_->TakeUnreadInput();
-    repl_.ProgramEnded((*answer)->ending, (*answer)->traceback);
+    repl_.OnProgramFinished((*answer)->outcome, (*answer)->traceback);
     for (const char byte : unread) {
         Receive(byte);
     }
 }
 
-void Board::InterpreterLost(std::string_view why)
+void Board::OnInterpreterExited(std::string_view reason)
 {
     if (!interpreter_->isReady()) {
-        failure_ = std::string(why) + " before it did anything: " + options_.interpreter.program;
+        failure_ = std::string(reason) + " during startup: " + options_.interpreter.program;
         return;
     }
-    const bool programRan = interpreter_->busy();
+    const bool wasBusy = interpreter_->busy();
     RestartInterpreter();
-    if (programRan && failure_.empty()) {
-        repl_.ProgramEnded(Ending::Error, std::string(why) + "\n");
+    if (wasBusy && failure_.empty()) {
+        repl_.OnProgramFinished(Outcome::Error, std::string(reason) + "\n");
     }
 }
 
-void Board::EndStuckProgram()
+void Board::ResetIfStuck()
 {
-    if (stuckAt_ && Clock::now() >= *stuckAt_) {
+    if (interruptDeadline_ && Clock::now() >= *interruptDeadline_) {
         const std::string unread = interpreter_->TakeUnreadInput();
         RestartInterpreter();
-        repl_.ProgramEnded(Ending::Error, kInterruptedTraceback);
+        repl_.OnProgramFinished(Outcome::Error, kInterruptedTraceback);
         for (const char byte : unread) {
             Receive(byte);
         }

@@ -11,26 +11,27 @@
 
 struct BoardOptions {
     InterpreterFiles interpreter;
-    std::string folder;  // what the board's file system shows; exists
-    std::string link;    // a stable path to the line-device; may be empty
+    std::string folder;  // The folder that is the board's file system; must exist.
+    std::string link;    // A stable path that links to the serial device; may be empty.
 };
 
-// A MicroPython board: an interpreter behind a serial line, with a file system that is a folder.
-// Everything happens on the thread that calls Run.
+// A MicroPython board: an interpreter that is accessed through a serial line and whose file system
+// is a folder. Used on one thread.
 class Board final : private ReplTarget {
   public:
     explicit Board(BoardOptions options) : options_(std::move(options)), repl_(*this) {}
 
-    // Connects the board: a serial line and power. The error is a sentence.
+    // Plugs the board in: opens the serial line and starts the interpreter. The error is a
+    // sentence.
     std::expected<void, std::string> Plug();
-    // Takes the board off, as a cable that is pulled: line and interpreter are gone.
+    // Unplugs the board: closes the serial line and stops the interpreter.
     void Unplug();
 
-    // Where a client finds the board. Only while it is plugged.
+    // The path of the serial device. Must be called only while the board is plugged in.
     const std::string& devicePath() const { return port_->devicePath(); }
 
-    // Serves until a byte 'q' arrives on `commands`; 'u' unplugs and 'p' plugs the board again.
-    // The error is a sentence.
+    // Runs the board until the byte 'q' arrives on the descriptor `commands`; 'u' unplugs the
+    // board, and 'p' plugs it in again. The error is a sentence.
     std::expected<void, std::string> Run(int commands);
 
   private:
@@ -45,17 +46,18 @@ class Board final : private ReplTarget {
     void ReceiveFromClient();
     void Receive(char byte);
     void InterruptProgram();
-    void PassOnOutput();
-    void TakeAnswer();
-    void InterpreterLost(std::string_view why);
-    void EndStuckProgram();
+    void ForwardOutput();
+    void ReceiveAnswer();
+    void OnInterpreterExited(std::string_view reason);
+    void ResetIfStuck();
     int TimeoutMilliseconds() const;
 
     BoardOptions options_;
     Repl repl_;
     std::optional<SerialPort> port_;
     std::optional<Interpreter> interpreter_;
-    std::optional<Clock::time_point> stuckAt_;  // An interrupt must have worked by then.
+    // The program must have finished by then, since it was interrupted.
+    std::optional<Clock::time_point> interruptDeadline_;
     std::string failure_;
     bool quit_ = false;
 };

@@ -19,7 +19,7 @@
 namespace {
 
 constexpr std::size_t kHeaderSize = 18;
-constexpr std::size_t kMaximumTraceback = 1'000'000;
+constexpr std::size_t kMaxTraceback = 1'000'000;  // bytes
 constexpr const char* kHeapSize = "heapsize=4m";
 
 struct Pipes {
@@ -33,8 +33,8 @@ std::optional<Pipes> MakePipes()
     Pipes pipes;
     if (MakePipe(pipes.input) && MakePipe(pipes.output) &&
         socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, pipes.control.data()) == 0) {
-        // Little is under way between program and line, so an interrupt is seen at once.
-        LimitPipe(pipes.output[1], 4096);
+        // With a small pipe, little output is in transit, so an interrupt takes effect at once.
+        SetPipeCapacity(pipes.output[1], 4096);
         SetNonBlocking(pipes.input[1]);
         return pipes;
     }
@@ -45,10 +45,10 @@ std::optional<Pipes> MakePipes()
     return std::nullopt;
 }
 
-// In the new process, between fork and exec: only async-signal-safe calls.
+// Called in the child process between fork and exec: only async-signal-safe calls are allowed.
 [[noreturn]] void BecomeInterpreter(pid_t parent, const Pipes& pipes, const char* const* arguments)
 {
-    EndWithParent(parent, SIGKILL);
+    SignalOnParentExit(parent, SIGKILL);
     dup2(pipes.input[0], STDIN_FILENO);
     dup2(pipes.output[1], STDOUT_FILENO);
     dup2(pipes.output[1], STDERR_FILENO);
@@ -107,7 +107,7 @@ std::expected<Interpreter, std::string> Interpreter::Start(const InterpreterFile
 {
     const auto pipes = MakePipes();
     if (!pipes) {
-        return std::unexpected(std::string("cannot make pipes: ") + std::strerror(errno));
+        return std::unexpected(std::string("cannot create pipes: ") + std::strerror(errno));
     }
     const std::array<const char*, 6> arguments{files.program.c_str(), "-X",           kHeapSize,
                                                files.script.c_str(),  folder.c_str(), nullptr};
@@ -138,7 +138,7 @@ Interpreter::Interpreter(Interpreter&& other) noexcept
 Interpreter& Interpreter::operator=(Interpreter&& other) noexcept
 {
     if (this != &other) {
-        End();
+        Kill();
         pid_ = std::exchange(other.pid_, -1);
         control_ = std::exchange(other.control_, -1);
         output_ = std::exchange(other.output_, -1);
@@ -154,10 +154,10 @@ Interpreter& Interpreter::operator=(Interpreter&& other) noexcept
 
 Interpreter::~Interpreter()
 {
-    End();
+    Kill();
 }
 
-void Interpreter::End()
+void Interpreter::Kill()
 {
     if (pid_ > 0) {
         kill(pid_, SIGKILL);
@@ -189,13 +189,13 @@ std::expected<std::optional<Answer>, std::string> Interpreter::TakeAnswer()
     int sequence = 0;
     std::size_t length = 0;
     if (!ReadFully(control_, header.data(), header.size())) {
-        return std::unexpected("the interpreter has ended");
+        return std::unexpected("the interpreter has exited");
     }
     std::from_chars(header.data() + 1, header.data() + 9, sequence);
     std::from_chars(header.data() + 10, header.data() + kHeaderSize, length);
-    std::string traceback(std::min(length, kMaximumTraceback), '\0');
+    std::string traceback(std::min(length, kMaxTraceback), '\0');
     if (!ReadFully(control_, traceback.data(), traceback.size())) {
-        return std::unexpected("the interpreter has ended");
+        return std::unexpected("the interpreter has exited");
     }
     ready_ = true;
     if (std::exchange(interruptWhenReady_, false)) {
@@ -205,7 +205,7 @@ std::expected<std::optional<Answer>, std::string> Interpreter::TakeAnswer()
         return std::nullopt;
     }
     busy_ = false;
-    return Answer{static_cast<Ending>(header[0]), std::move(traceback)};
+    return Answer{static_cast<Outcome>(header[0]), std::move(traceback)};
 }
 
 void Interpreter::WriteInput(std::string_view bytes)

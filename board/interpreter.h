@@ -10,19 +10,20 @@
 #include <string>
 #include <string_view>
 
-// Where the interpreter and the script that serves requests in it are.
+// The paths of the interpreter and of the script that executes requests in it.
 struct InterpreterFiles {
     std::string program;
     std::string script;
 };
 
+// The interpreter's answer to a request.
 struct Answer {
-    Ending ending;
-    std::string traceback;  // with bare line feeds
+    Outcome outcome;
+    std::string traceback;  // Lines end with LF.
 };
 
-// One MicroPython process, made for one life between two resets; owned by the board, used on its
-// only thread. Ends (with what runs in it) with this object, and with the board's process.
+// A MicroPython process, which runs from one reset of the board to the next. It is killed when this
+// object is destroyed or the board's process exits. Owned by the board and used on its thread.
 class Interpreter {
   public:
     // Starts the process with `folder` as the board's file system. The error is a sentence.
@@ -36,29 +37,29 @@ class Interpreter {
     int outputFd() const { return output_; }
     int answerFd() const { return control_; }
 
-    // Starts a program. False when the process is gone.
+    // Starts a program. False if the process has exited.
     bool Execute(SourceKind kind, std::string_view source);
+    // Whether a program is running.
     bool busy() const { return busy_; }
-    // Whether the interpreter has ever worked.
+    // Whether the interpreter has finished starting.
     bool isReady() const { return ready_; }
 
-    // What the program has printed and is there to read now; at most 64 KiB.
+    // Returns the program's output that is available now; at most 64 KiB.
     std::string TakeOutput();
-    // The answer to the program that runs, when answerFd() is readable. Nothing for an answer that
-    // was overtaken; an error when the process has ended.
+    // Returns the answer to the running program. Must be called when answerFd() is readable. Empty
+    // for the answer to an earlier request; an error if the process has exited.
     std::expected<std::optional<Answer>, std::string> TakeAnswer();
 
-    // Bytes for the program's standard input; what does not fit is lost, as on a serial line.
+    // Writes to the program's standard input. Bytes that do not fit are lost, as on a serial line.
     void WriteInput(std::string_view bytes);
-    // Input that the program has left unread.
+    // Returns the input that the program has not read.
     std::string TakeUnreadInput();
-    // Raises KeyboardInterrupt in the program that runs; as soon as the interpreter is ready, when
-    // it has only just been started.
+    // Raises KeyboardInterrupt in the running program, or as soon as the interpreter is ready.
     void Interrupt();
 
   private:
     Interpreter() = default;
-    void End();
+    void Kill();
 
     pid_t pid_ = -1;
     int control_ = -1;

@@ -1,11 +1,11 @@
-"""Runs inside the board's MicroPython: executes what the serial side asks for.
+"""Runs in the board's MicroPython and executes the requests of the serial side.
 
-Descriptor 3 is a socket to the serial side. A request is "MODE SEQUENCE LENGTH"
-in a header of 18 bytes and the source text; MODE is E (statements), S (one
-interactive line) or F (a file of the board, by name). The answer is
-"STATUS SEQUENCE LENGTH" in the same form and the traceback; STATUS is N (ended
-normally), E (traceback follows) or X (the program asked to exit). Standard
-input and output belong to the program alone.
+Descriptor 3 is a socket to the serial side. A request consists of a header of
+18 bytes, "MODE SEQUENCE LENGTH", and the source text; MODE is E (statements),
+S (one interactive line) or F (the name of a file on the board). The answer
+consists of a header of the same form, "STATUS SEQUENCE LENGTH", and the
+traceback; STATUS is N (finished normally), E (failed with a traceback) or X
+(called sys.exit). Standard input and output are used only by the program.
 """
 import io
 import os
@@ -15,13 +15,13 @@ import vfs
 HEADER_SIZE = 18
 BLOCK_SIZE = 4096
 FLASH_BLOCKS = 4096
-# The answer must fit into the socket's buffer in one piece, so that an interrupt cannot cut it.
+# The whole answer must fit into the socket's buffer, so that an interrupt cannot split it.
 TRACEBACK_LIMIT = 32000
 INTERRUPTED = "Traceback (most recent call last):\nKeyboardInterrupt: \n"
 
 
 class Flash:
-    """The board's file system: a folder of the computer, which a path cannot leave."""
+    """The board's file system: a folder of the computer. Paths cannot refer to anything outside."""
 
     def __init__(self, folder):
         self.posix = vfs.VfsPosix(folder)
@@ -58,7 +58,7 @@ class Flash:
     def ilistdir(self, path):
         path = self.absolute(path)
         prefix = path if path.endswith("/") else path + "/"
-        # The size is a fourth item, as on a board; the POSIX file system gives three.
+        # As on a board, the size is a fourth item; the POSIX file system returns only three.
         for entry in self.posix.ilistdir(path):
             try:
                 size = 0 if entry[1] & 0x4000 else self.posix.stat(prefix + entry[0])[6]
@@ -94,7 +94,7 @@ class Flash:
         return count
 
     def statvfs(self, path):
-        # The size that a board of today has, not that of the computer's disk.
+        # Report the size of a typical board, not that of the computer's disk.
         free = max(0, FLASH_BLOCKS - self.used_blocks("/"))
         return (BLOCK_SIZE, BLOCK_SIZE, FLASH_BLOCKS, free, free, 0, 0, 0, 0, 255)
 
@@ -137,21 +137,21 @@ def receive(channel, length):
     try:
         return channel.read(length)
     except MemoryError:
-        while length > 0:  # Out of the way of the next request.
+        while length > 0:  # Skip the source, so that the next request can be read.
             length -= len(channel.read(min(length, 4096)))
         return None
 
 
 def serve(channel):
     namespace = {"__name__": "__main__"}
-    # Of the request that has no answer yet. The first answer, to a request that nobody made, tells
-    # that an interrupt does no harm from here on.
+    # The sequence number of the request that has not been answered. The first answer, which has no
+    # request, reports that from now on an interrupt is handled.
     sequence = 0
     status, text = "N", ""
     while True:
         try:
             if sequence is not None:
-                # Sent again when an interrupt falls in here: the other side takes the first.
+                # Sent again if an interrupt occurs here; the serial side ignores the second one.
                 answer = text.encode()
                 channel.write(b"%s%08d %08d" % (status, sequence, len(answer)) + answer)
                 sequence = None

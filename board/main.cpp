@@ -1,4 +1,4 @@
-// virtual-board: a MicroPython board that needs no hardware.
+// virtual-board: a MicroPython board without hardware.
 
 #include "board.h"
 #include "descriptors.h"
@@ -19,18 +19,18 @@ namespace {
 
 constexpr const char* kUsage =
     "usage: virtual-board [--link PATH] [--parent PID] DIR\n"
-    "Serves the folder DIR as the files of a MicroPython board on a serial line, and prints the\n"
-    "line-device's path when the board is ready. SIGUSR1 unplugs the board, SIGUSR2 plugs it\n"
-    "again, SIGINT and SIGTERM end it.\n"
-    "  --link PATH    make PATH a link to the line-device while the board is plugged\n"
-    "  --parent PID   end when the process PID ends, which started this one; then remove the\n"
-    "                 link's folder, too\n"
-    "  --version      show the version\n"
-    "  --help         show this text\n";
+    "Runs a virtual MicroPython board with the folder DIR as its file system, and prints the path\n"
+    "of its serial device when the board is ready. SIGUSR1 unplugs the board, SIGUSR2 plugs it in\n"
+    "again, and SIGINT and SIGTERM terminate the program.\n"
+    "  --link PATH    make PATH a symbolic link to the serial device while the board is plugged "
+    "in\n"
+    "  --parent PID   exit when the parent process PID exits, and remove the folder of the link\n"
+    "  --version      show the version and exit\n"
+    "  --help         show this help and exit\n";
 
 int commandsWriteEnd = -1;
 
-void PassOnSignal(int number)
+void ForwardSignal(int number)
 {
     const char command = number == SIGUSR1 ? 'u' : number == SIGUSR2 ? 'p' : 'q';
     const int error = errno;
@@ -38,7 +38,7 @@ void PassOnSignal(int number)
     errno = error;
 }
 
-// Signals become bytes on a pipe, read by the board's loop.
+// Turns signals into bytes on a pipe, which the board's loop reads.
 int CommandsFromSignals()
 {
     std::array<int, 2> ends{-1, -1};
@@ -48,7 +48,7 @@ int CommandsFromSignals()
     commandsWriteEnd = ends[1];
     SetNonBlocking(commandsWriteEnd);
     struct sigaction action {};
-    action.sa_handler = PassOnSignal;
+    action.sa_handler = ForwardSignal;
     action.sa_flags = SA_RESTART;
     for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGUSR1, SIGUSR2}) {
         sigaction(number, &action, nullptr);
@@ -62,7 +62,7 @@ struct Arguments {
     bool removesLinkFolder = false;
 };
 
-// Exits for bad usage.
+// Exits on a usage error.
 Arguments ParseArguments(int argc, char** argv)
 {
     Arguments arguments;
@@ -75,7 +75,7 @@ Arguments ParseArguments(int argc, char** argv)
         if (c == 'l') {
             arguments.board.link = optarg;
         } else if (c == 'p') {
-            EndWithParent(static_cast<pid_t>(std::atol(optarg)), SIGTERM);
+            SignalOnParentExit(static_cast<pid_t>(std::atol(optarg)), SIGTERM);
             arguments.removesLinkFolder = true;
         } else if (c == 'V') {
             std::puts("virtual-board " QUILP_VERSION);
@@ -93,17 +93,17 @@ Arguments ParseArguments(int argc, char** argv)
     return arguments;
 }
 
-std::filesystem::path OwnFolder()
+std::filesystem::path ProgramFolder()
 {
     std::error_code error;
     const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
     return error ? std::filesystem::path(".") : self.parent_path();
 }
 
-std::string FromEnvironment(const char* name, const std::string& otherwise)
+std::string FromEnvironment(const char* name, const std::string& defaultValue)
 {
     const char* value = std::getenv(name);
-    return value != nullptr && *value != '\0' ? value : otherwise;
+    return value != nullptr && *value != '\0' ? value : defaultValue;
 }
 
 int Fail(const std::string& message)
@@ -127,10 +127,11 @@ int main(int argc, char** argv)
     if (error) {
         return Fail(options.folder + ": " + error.message());
     }
-    // One that is carried along is named from here; one of the system's has its full path.
-    const auto micropython = OwnFolder() / QUILP_MICROPYTHON;
+    // The path of a bundled MicroPython is relative to this program; that of an installed one is
+    // absolute.
+    const auto micropython = ProgramFolder() / QUILP_MICROPYTHON;
     options.interpreter.program = FromEnvironment("QUILP_MICROPYTHON", micropython.string());
-    options.interpreter.script = (OwnFolder() / QUILP_INTERPRETER_SCRIPT).string();
+    options.interpreter.script = (ProgramFolder() / QUILP_INTERPRETER_SCRIPT).string();
 
     Board board(std::move(options));
     if (const auto plugged = board.Plug(); !plugged) {

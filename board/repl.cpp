@@ -18,9 +18,9 @@ constexpr std::string_view kPrompt = ">>> ";
 constexpr std::string_view kRawBanner = "raw REPL; CTRL-B to exit\r\n";
 constexpr std::string_view kBanner = "\r\nMicroPython on a virtual board\r\n";
 
-// The window of raw-paste mode: the client may send this much before it is told to go on. The
-// header is "R", "\x01" (supported), the window as 16-bit little endian, and "\x01" for one window
-// more.
+// The window of raw-paste mode: the client may send this many bytes before it receives "\x01",
+// which permits one window more. The header is "R", "\x01" (supported), the window as a 16-bit
+// little-endian number, and "\x01".
 constexpr std::size_t kPasteWindow = 16384;
 constexpr std::string_view kPasteHeader{"R\x01\x00\x40\x01", 5};
 
@@ -111,18 +111,18 @@ void Repl::ReceiveRaw(char byte)
     }
 }
 
-// "\x05A\x01" asks for raw paste; anything else after "\x05" is answered with "not supported".
+// "\x05A\x01" requests raw-paste mode; anything else after "\x05" is not supported.
 void Repl::ReceivePasteRequest(char byte)
 {
     if (byte == 'A' && line_.empty()) {
         line_ += byte;
         return;
     }
-    const bool granted = byte == kCtrlA && line_ == "A";
+    const bool isSupported = byte == kCtrlA && line_ == "A";
     line_.clear();
-    mode_ = granted ? Mode::Paste : Mode::Raw;
+    mode_ = isSupported ? Mode::Paste : Mode::Raw;
     pasteWindowUsed_ = 0;
-    target_.Send(granted ? kPasteHeader : std::string_view("R\x00", 2));
+    target_.Send(isSupported ? kPasteHeader : std::string_view("R\x00", 2));
 }
 
 void Repl::ReceivePaste(char byte)
@@ -160,17 +160,17 @@ void Repl::EnterFriendly()
     target_.Send(kPrompt);
 }
 
-void Repl::ProgramEnded(Ending ending, std::string_view traceback)
+void Repl::OnProgramFinished(Outcome outcome, std::string_view traceback)
 {
-    const std::string text = WithSerialLineEnds(traceback);
+    const std::string text = WithSerialLineEndings(traceback);
     if (running_ == Running::Program) {
-        ProgramInFrontEnded(ending, text);
+        OnCommandFinished(outcome, text);
     } else {
-        StartFileEnded(ending, text);
+        OnStartupFileFinished(outcome, text);
     }
 }
 
-void Repl::ProgramInFrontEnded(Ending ending, const std::string& traceback)
+void Repl::OnCommandFinished(Outcome outcome, const std::string& traceback)
 {
     running_ = Running::Nothing;
     if (mode_ == Mode::Raw) {
@@ -178,18 +178,18 @@ void Repl::ProgramInFrontEnded(Ending ending, const std::string& traceback)
     } else {
         target_.Send(traceback);
     }
-    if (ending == Ending::Exit) {
+    if (outcome == Outcome::Exit) {
         SoftReset();
     } else {
         target_.Send(mode_ == Mode::Raw ? ">" : kPrompt);
     }
 }
 
-// main.py follows boot.py at the friendly prompt only, and not after a boot.py that failed.
-void Repl::StartFileEnded(Ending ending, const std::string& traceback)
+// main.py runs after boot.py only in friendly mode, and not if boot.py has failed.
+void Repl::OnStartupFileFinished(Outcome outcome, const std::string& traceback)
 {
     target_.Send(traceback);
-    if (running_ == Running::BootFile && mode_ == Mode::Friendly && ending == Ending::Normal) {
+    if (running_ == Running::BootFile && mode_ == Mode::Friendly && outcome == Outcome::Normal) {
         return Run(Running::MainFile, SourceKind::BoardFile, "main.py");
     }
     running_ = Running::Nothing;

@@ -4,46 +4,48 @@
 #include <string>
 #include <string_view>
 
-// How the interpreter is to take a source text.
+// The kinds of source text.
 enum class SourceKind : char {
-    Statements = 'E',       // a whole program
-    InteractiveLine = 'S',  // one line, whose value is printed
-    BoardFile = 'F',        // the name of a file on the board; a missing file is empty
+    Statements = 'E',       // A whole program.
+    InteractiveLine = 'S',  // One line, whose value is printed.
+    BoardFile = 'F',        // The name of a file on the board; a missing file counts as empty.
 };
 
-enum class Ending : char {
+// The outcome of a program.
+enum class Outcome : char {
     Normal = 'N',
-    Error = 'E',  // a traceback comes with it
-    Exit = 'X',   // the program asked to exit, which resets a board
+    Error = 'E',  // It failed with a traceback.
+    Exit = 'X',   // It called sys.exit, which resets a board.
 };
 
-// What a Repl acts on: the serial line and the interpreter of one board.
+// The serial line and the interpreter of one board, as a Repl uses them.
 class ReplTarget {
   public:
-    // Puts text on the serial line as it stands.
+    // Sends text over the serial line, unchanged.
     virtual void Send(std::string_view text) = 0;
-    // Starts a program; Repl::ProgramEnded follows when it has ended.
+    // Starts a program. When it has finished, Repl::OnProgramFinished must be called.
     virtual void Execute(SourceKind kind, std::string_view source) = 0;
-    // Begins with a fresh interpreter; a program that runs is lost.
+    // Replaces the interpreter with a new one; a running program is aborted.
     virtual void RestartInterpreter() = 0;
 
   protected:
     ~ReplTarget() = default;
 };
 
-// The command line of a MicroPython board as a serial line shows it: the friendly prompt (one line
-// at a time), the raw REPL and its raw-paste mode. The bytes are those of MicroPython's documented
-// "REPL" and "raw-paste" protocols. Decides only; all acts go to the target, which it does not own.
+// The read-eval-print loop of a MicroPython board: the friendly mode (one line at a time), the raw
+// mode and the raw-paste mode. It implements MicroPython's documented "REPL" and "raw-paste"
+// protocols, and acts only through the target, which it does not own.
 class Repl {
   public:
     explicit Repl(ReplTarget& target) : target_(target) {}
 
-    // Power-on: boot.py, then main.py, then the friendly prompt.
+    // Powers on: runs boot.py and main.py, then shows the friendly prompt.
     void PowerOn();
-    // One byte from the line. Must not be called while a program runs.
+    // Processes one byte from the line. Must not be called while a program runs.
     void Receive(char byte);
-    // The program last given to the target has ended. The traceback has bare line feeds.
-    void ProgramEnded(Ending ending, std::string_view traceback);
+    // To be called when the program that was started last has finished. The lines of the traceback
+    // end with LF.
+    void OnProgramFinished(Outcome outcome, std::string_view traceback);
 
   private:
     enum class Mode : std::uint8_t { Friendly, Raw, PasteRequest, Paste };
@@ -57,8 +59,8 @@ class Repl {
     void ReceivePaste(char byte);
     void EnterRaw();
     void EnterFriendly();
-    void ProgramInFrontEnded(Ending ending, const std::string& traceback);
-    void StartFileEnded(Ending ending, const std::string& traceback);
+    void OnCommandFinished(Outcome outcome, const std::string& traceback);
+    void OnStartupFileFinished(Outcome outcome, const std::string& traceback);
 
     ReplTarget& target_;
     Mode mode_ = Mode::Friendly;

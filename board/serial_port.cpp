@@ -21,7 +21,7 @@
 
 namespace {
 
-constexpr std::size_t kFullQueue = 16384;
+constexpr std::size_t kMaxQueue = 16384;  // bytes
 
 }  // namespace
 
@@ -34,7 +34,7 @@ std::expected<SerialPort, std::string> SerialPort::Open(const std::string& link)
     }
     port.WatchForClients();
     if (!link.empty() && !port.Link(link)) {
-        return std::unexpected("cannot make the link " + link);
+        return std::unexpected("cannot create the link " + link);
     }
     return port;
 }
@@ -68,7 +68,7 @@ bool SerialPort::OpenTerminal()
     if (openpty(&master_, &clientEnd, name.data(), &raw, nullptr) != 0) {
         return false;
     }
-    // From here on the line is hung up exactly while no client has it open.
+    // From now on, the line is hung up exactly while no client has it open.
     CloseDescriptor(clientEnd);
     fcntl(master_, F_SETFD, FD_CLOEXEC);
     SetNonBlocking(master_);
@@ -76,7 +76,7 @@ bool SerialPort::OpenTerminal()
     return true;
 }
 
-// Events are merged and can get lost, so they only say that it is time to look.
+// Events can be merged or lost, so they only indicate that it is time to check for a client.
 void SerialPort::WatchForClients()
 {
 #ifdef __linux__
@@ -87,7 +87,7 @@ void SerialPort::WatchForClients()
 #endif
 }
 
-// The link appears whole or not at all, also when an old one stands there.
+// Replaces an existing link atomically.
 bool SerialPort::Link(const std::string& link)
 {
     std::error_code error;
@@ -103,7 +103,7 @@ bool SerialPort::Link(const std::string& link)
     return !error;
 }
 
-void SerialPort::LookForClient()
+void SerialPort::CheckForClient()
 {
     if (events_ >= 0) {
         std::ignore = ReadAvailable(events_);
@@ -113,14 +113,14 @@ void SerialPort::LookForClient()
     const bool hadClient = std::exchange(hasClient_, (line.revents & POLLHUP) == 0);
     if (hadClient && !hasClient_) {
         queue_.clear();
-        tcflush(master_, TCOFLUSH);  // What it left unread is not for the next one.
+        tcflush(master_, TCOFLUSH);  // The next client must not receive the unread output.
     }
 }
 
 std::string SerialPort::Read()
 {
     std::string bytes = ReadAvailable(master_);
-    LookForClient();  // Not before: who has sent these bytes is to get the answer.
+    CheckForClient();  // After reading, since the client that sent the bytes expects an answer.
     return bytes;
 }
 
@@ -144,5 +144,5 @@ void SerialPort::Flush()
 
 bool SerialPort::isFull() const
 {
-    return queue_.size() > kFullQueue;
+    return queue_.size() > kMaxQueue;
 }

@@ -4,12 +4,13 @@
 #include <string>
 #include <string_view>
 
-// The board's end of its serial line: a pseudo-terminal whose other end ("/dev/pts/N" on Linux) a
-// client opens like a board on USB. Owned by the board, used on its only thread.
+// The board's end of its serial line: a pseudo-terminal. A client opens the other end, the serial
+// device ("/dev/pts/N" on Linux), as it opens a board on USB. Owned by the board and used on its
+// thread.
 class SerialPort {
   public:
-    // With a link path, that path is made a symbolic link to the line-device, and removed at the
-    // end. The error is a sentence.
+    // If `link` is not empty, creates a symbolic link to the serial device with this path; it is
+    // removed on destruction. The error is a sentence.
     static std::expected<SerialPort, std::string> Open(const std::string& link);
     SerialPort(SerialPort&& other) noexcept;
     SerialPort& operator=(SerialPort&&) = delete;
@@ -17,30 +18,30 @@ class SerialPort {
 
     const std::string& devicePath() const { return device_; }
 
-    // To poll while there is a client. Without one the line is hung up.
+    // To be polled only while there is a client; without one, the line is hung up.
     int fd() const { return master_; }
-    // Readable when a client may have come; -1 where the system does not tell.
+    // Readable when a client may have connected; -1 if the system does not report that.
     int clientEventsFd() const { return events_; }
 
     // Whether there was a client at the last Read.
     bool hasClient() const { return hasClient_; }
 
-    // Bytes a client has sent; empty when there are none.
+    // Returns the bytes that a client has sent and that are available now.
     std::string Read();
 
-    // Queues text for the client; with none listening it is lost, as on a real line.
+    // Queues text for the client. Without a client it is lost, as on a real line.
     void Send(std::string_view text);
-    // Passes on as much of the queue as the client takes now.
+    // Writes as much of the queue as possible without blocking.
     void Flush();
     void DropQueue() { queue_.clear(); }
     bool hasQueue() const { return !queue_.empty(); }
-    // More is queued than a program should be allowed to get ahead.
+    // Whether the queue is so long that no more of the program's output should be read.
     bool isFull() const;
 
   private:
     SerialPort() = default;
     bool OpenTerminal();
-    void LookForClient();
+    void CheckForClient();
     void WatchForClients();
     bool Link(const std::string& link);
 

@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-// A board's serial line ends lines with CR LF: a line feed becomes both.
-inline std::string WithSerialLineEnds(std::string_view text)
+// Replaces each LF with CR LF, the line ending on a board's serial line.
+inline std::string WithSerialLineEndings(std::string_view text)
 {
     std::string result;
     result.reserve(text.size() + 16);

@@ -94,7 +94,7 @@ VirtualBoard::~VirtualBoard()
     if (linkFolder_.empty()) {
         return;  // Moved away.
     }
-    process_.End(kEndPatience);
+    process_.Terminate(kEndPatience);
     unsetenv(kLinkVariable);
     std::error_code ignored;
     std::filesystem::remove_all(linkFolder_, ignored);

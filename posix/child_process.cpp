@@ -31,8 +31,8 @@ std::vector<char*> AsArguments(const std::vector<std::string>& words)
     return pointers;
 }
 
-// How the program starts: its descriptors, its session, and signals as a fresh program expects
-// them, whatever the calling thread has blocked or ignored.
+// The attributes of the new process: its descriptors, its session, and default signal handling,
+// whatever the calling thread has blocked or ignored.
 class SpawnSettings {
   public:
     SpawnSettings(int output, const std::string& folder)
@@ -134,16 +134,16 @@ int ChildProcess::Reap()
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-void ChildProcess::End(std::chrono::milliseconds patience)
+void ChildProcess::Terminate(std::chrono::milliseconds timeout)
 {
     if (pid_ < 0) {
         return;
     }
     SignalGroup(SIGTERM);
-    const auto end = std::chrono::steady_clock::now() + patience;
+    const auto end = std::chrono::steady_clock::now() + timeout;
     while (!HasExited() && std::chrono::steady_clock::now() < end) {
-        pollfd ended{exit_, POLLIN, 0};
-        poll(&ended, 1, 10);
+        pollfd exited{exit_, POLLIN, 0};
+        poll(&exited, 1, 10);
     }
     SignalGroup(SIGKILL);
     Reap();

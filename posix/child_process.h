@@ -7,13 +7,14 @@
 #include <string>
 #include <vector>
 
-// A program in a session and process group of its own, with an empty standard input and with
-// standard output and error merged into one pipe. One thread at a time may use it. It must be
-// reaped before it is destroyed.
+// A child process in its own session and process group. Its standard input is empty, and its
+// standard output and error are merged into one pipe. Used by one thread at a time. It must be
+// reaped before this object is destroyed.
 class ChildProcess {
   public:
-    // `environment` holds "NAME=value" words. A program without "/" is looked for in PATH. It
-    // starts in `folder`; empty for this process's own. The error is "program: reason".
+    // Starts the program words[0]; if the name contains no "/", it is searched for in PATH.
+    // `environment` consists of words of the form "NAME=value". `folder` is the working directory;
+    // empty for this process's own. The error is "program: reason".
     static std::expected<ChildProcess, std::string> Start(
         const std::vector<std::string>& words, const std::vector<std::string>& environment,
         const std::string& folder = {});
@@ -24,20 +25,20 @@ class ChildProcess {
     pid_t pid() const { return pid_; }
     // The reading end of the pipe.
     int outputFd() const { return output_; }
-    // Readable when the program has ended; -1 where the system has no such descriptor, and
-    // HasExited is to be asked from time to time.
+    // Readable when the process has exited; -1 if the system does not support such descriptors.
+    // Then HasExited must be polled.
     int exitFd() const { return exit_; }
-    // Whether the program has ended. It keeps its number until it is reaped, so a signal cannot
-    // reach a stranger.
+    // Whether the process has exited. Its process ID remains reserved until Reap, so a signal
+    // cannot reach an unrelated process.
     bool HasExited() const;
-    // Signals every process of the group. Not after Reap.
+    // Sends a signal to all processes of the group. Must not be called after Reap.
     void SignalGroup(int number) const;
-    // Waits for the program's end and gives its number back. Returns the exit status, or 128 and
-    // the signal's number.
+    // Waits until the process has exited and releases its process ID. Returns the exit status, or
+    // 128 plus the signal number.
     int Reap();
-    // Tells the program to terminate, waits, kills its group when the time is up, and reaps it.
-    // Does nothing for a program that is reaped or was moved away.
-    void End(std::chrono::milliseconds patience);
+    // Sends SIGTERM to the group, waits until the process has exited or the time is up, kills the
+    // group, and reaps the process. Does nothing if it has been reaped or moved from.
+    void Terminate(std::chrono::milliseconds timeout);
 
   private:
     ChildProcess() = default;
@@ -47,5 +48,5 @@ class ChildProcess {
     int exit_ = -1;
 };
 
-// This process's environment as words.
+// This process's environment, as words of the form "NAME=value".
 std::vector<std::string> CurrentEnvironment();

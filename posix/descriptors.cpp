@@ -38,20 +38,20 @@ void CloseDescriptor(int fd)
     }
 }
 
-void LimitPipe([[maybe_unused]] int fd, [[maybe_unused]] int bytes)
+void SetPipeCapacity([[maybe_unused]] int fd, [[maybe_unused]] int bytes)
 {
 #ifdef F_SETPIPE_SZ
     fcntl(fd, F_SETPIPE_SZ, bytes);
 #endif
 }
 
-void EndWithParent(pid_t parent, int signal)
+void SignalOnParentExit(pid_t parent, int signal)
 {
 #ifdef __linux__
     prctl(PR_SET_PDEATHSIG, signal);
 #endif
     if (getppid() != parent) {
-        raise(signal);  // It ended before it could be watched.
+        raise(signal);  // The parent exited before prctl was called.
     }
 }
 
@@ -61,8 +61,8 @@ std::string ReadAvailable(int fd)
     if (poll(&ready, 1, 0) <= 0 || (ready.revents & POLLIN) == 0) {
         return {};
     }
-    // A serial line brings bytes one by one: clearing a buffer for each would cost more than
-    // reading.
+    // Not initialised on each call: bytes may arrive one by one, and clearing the buffer for each
+    // would cost more than reading.
     thread_local std::array<char, 65536> buffer;
     const ssize_t n = read(fd, buffer.data(), buffer.size());
     return {buffer.data(), n > 0 ? static_cast<std::size_t>(n) : 0};

@@ -6,23 +6,24 @@
 #include <string>
 #include <string_view>
 
-// Small calls on file descriptors. Where a system lacks a call, the portable way stands beside it.
+// Helper functions for file descriptors and processes. [any]
 
-// Both ends closed on exec. False, with errno set, when there is none to be had.
+// Creates a pipe; both ends are closed on exec. On failure returns false and sets errno.
 bool MakePipe(std::array<int, 2>& ends);
 
 void SetNonBlocking(int fd);
-void CloseDescriptor(int fd);  // -1 is allowed
+void CloseDescriptor(int fd);  // -1 is ignored.
 
-// Asks for a pipe that holds at most `bytes`; systems that cannot keep their own size.
-void LimitPipe(int fd, int bytes);
+// Sets the capacity of a pipe, if the system supports that.
+void SetPipeCapacity(int fd, int bytes);
 
-// Has this process get `signal` when its parent ends, where the system can; at once when that has
-// happened already. `parent` is the parent's number as it knows it.
-void EndWithParent(pid_t parent, int signal);
+// Makes the system send `signal` to this process when its parent exits, if it supports that. If the
+// parent has already exited, the signal is raised immediately. `parent` is the parent's process ID.
+void SignalOnParentExit(pid_t parent, int signal);
 
-// Reads once what is there to read now, at most 64 KiB, without waiting.
+// Reads the bytes that are available, at most 64 KiB, without blocking.
 std::string ReadAvailable(int fd);
 
-// Writes all of it, waiting where the descriptor waits. False, with errno set, when it cannot.
+// Writes all of the data and blocks while the descriptor is not writable. On failure returns false
+// and sets errno.
 bool WriteFully(int fd, std::string_view data);

@@ -164,7 +164,7 @@ TEST(Board, ExitResetsAndACrashIsSurvived)
                             "OK\x04\x04MPY: soft reboot\r\nraw REPL; CTRL-B to exit\r\n>"},
                            {"print('kept' in globals())\x04", "\x04>", "OKFalse\r\n\x04\x04>"}});
     line.Send("import ffi; ffi.open(None).func('v', 'abort', '')()\x04");
-    EXPECT_NE(line.ReadTo("\x04>").find("the interpreter has ended"), std::string::npos);
+    EXPECT_NE(line.ReadTo("\x04>").find("the interpreter has exited"), std::string::npos);
     ExpectExchanges(line, {{"print('alive')\x04", "\x04>", "OKalive\r\n\x04\x04>"}});
 }
 

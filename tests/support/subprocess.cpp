@@ -60,7 +60,7 @@ BackgroundProgram::BackgroundProgram(const std::vector<std::string>& words,
 
 BackgroundProgram::~BackgroundProgram()
 {
-    process_.End(std::chrono::seconds(2));
+    process_.Terminate(std::chrono::seconds(2));
 }
 
 bool BackgroundProgram::WaitForOutput(const std::string& text, std::chrono::milliseconds patience)
