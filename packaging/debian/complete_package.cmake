@@ -1,14 +1,14 @@
-# Run by CPack on the files that are going to be packed.
-if(CPACK_QUILP_TOOL_OF_NO_PACKAGE)
-  message(FATAL_ERROR "${CPACK_QUILP_TOOL_OF_NO_PACKAGE} belongs to no Debian package, so ours cannot "
-    "depend on it. Take it out of the way, so that it is fetched and carried along.")
+# Run by CPack on the files to be packaged.
+if(CPACK_QUILP_UNPACKAGED_TOOL)
+  message(FATAL_ERROR "${CPACK_QUILP_UNPACKAGED_TOOL} does not belong to a Debian package, so the "
+    "package cannot depend on it. Uninstall it, so that scripts/set_up downloads and bundles it.")
 endif()
 set(root "${CPACK_TEMPORARY_INSTALL_DIRECTORY}")
 
-# The packages of the libraries that our own programs load.
+# Depend on the packages of the libraries that the project's programs load.
 set(work "${CPACK_TOPLEVEL_DIRECTORY}/libraries")
 file(WRITE "${work}/debian/control" "Source: quilp\n\nPackage: quilp\nArchitecture: any\n")
-file(MAKE_DIRECTORY "${root}/DEBIAN")  # By this dpkg-shlibdeps knows the root, and our own library.
+file(MAKE_DIRECTORY "${root}/DEBIAN")  # Marks the package's root for dpkg-shlibdeps.
 file(GLOB programs "${root}/usr/bin/*" "${root}/usr/lib/quilp/*.so" "${root}/usr/lib/quilp/*/*.so")
 execute_process(COMMAND dpkg-shlibdeps -O --ignore-missing-info ${programs}
   WORKING_DIRECTORY "${work}"
