@@ -1,5 +1,5 @@
 // list_directory PLUGIN PATH: lists a directory of the board as the Device window does, parses
-// every line, and prints how many entries there are.
+// every line, and prints the number of entries.
 
 #include "device_files.h"
 #include "device_output.h"

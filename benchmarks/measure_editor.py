@@ -1,14 +1,16 @@
-"""The time from the start of the editor, with a small document and no board, until its window is
-painted, and its memory; beside those of Thonny, an editor for the same users, in alternating pairs.
+"""Measures the time from the start of the editor, with a small document and without a board, until
+its window is painted, and its memory, and compares them with those of Thonny, an editor for the same
+users. The programs are started in alternating pairs.
 
-Both are judged from outside: the screen is a file that an Xvfb of our own, without a window manager,
-paints into. Every 8th of its rows is looked at about every 2 ms.
+Both are measured from outside: a separate Xvfb without a window manager paints into a file, and
+every 8th row of its screen is compared about every 2 ms.
 
-- First painted: the first time when the screen has something on it that is not of one colour.
-- Complete: the first time when it shows what it shows 4 s later, but for 1 % of it, as for a caret.
+- First painted: the first time when the screen shows a window that is not of a single colour.
+- Complete: the first time when it shows what it shows 4 s later, except for 1 % of it, such as a
+  caret.
 
-Each program has a home of its own, and one start that does not count. The memory is the sum of the
-proportional set sizes of all of the program's processes, 4 s after it was first painted.
+Each program has a separate home folder and is started once before the measurement. The memory is the
+sum of the proportional set sizes of all of the program's processes, 4 s after the first painting.
 
 Usage: measure_editor.py BUILD_FOLDER [PAIRS]
 """
@@ -27,13 +29,13 @@ from programs import Build
 
 DOCUMENT = os.path.abspath(os.path.join(os.path.dirname(__file__), "..", "examples", "hello.py"))
 WIDTH, HEIGHT = 1400, 1000
-EVERY = 8  # rows
-WATCH = 4  # seconds after the first picture
-PATIENCE = 60  # seconds for it to come
+ROW_STEP = 8
+WATCH_TIME = 4  # seconds after the first painting
+TIMEOUT = 60  # seconds
 
 
 class Screen:
-    """An Xvfb, as a context."""
+    """An Xvfb, as a context manager."""
 
     def __enter__(self):
         self.folder = tempfile.TemporaryDirectory()
@@ -60,7 +62,7 @@ class Screen:
     def picture(self):
         row = WIDTH * 4
         return b"".join(
-            self.memory[at : at + row] for at in range(self.start, len(self.memory), row * EVERY)
+            self.memory[at : at + row] for at in range(self.start, len(self.memory), row * ROW_STEP)
         )
 
 
@@ -68,21 +70,21 @@ def colours(picture):
     return set(memoryview(picture).cast("I"))
 
 
-def changed(one, other):
-    """The part of the picture that differs."""
+def difference(one, other):
+    """The fraction of the pixels that differ."""
     pairs = zip(memoryview(one).cast("I"), memoryview(other).cast("I"))
     return sum(a != b for a, b in pairs) * 4 / len(one)
 
 
-def family(process):
-    """The process and all that it started, and they started."""
+def process_tree(process):
+    """The process and all of its descendants."""
     parents = {}
     for name in filter(str.isdigit, os.listdir("/proc")):
         try:
             with open(f"/proc/{name}/stat") as file:
                 parents[int(name)] = int(file.read().rpartition(")")[2].split()[1])
         except OSError:
-            pass  # It has ended.
+            pass  # It has exited.
     found = [process]
     for one in found:
         found += [child for child, parent in parents.items() if parent == one]
@@ -90,20 +92,20 @@ def family(process):
 
 
 def memory(process):
-    """In MiB."""
+    """The memory of the process and its descendants in MiB."""
     total = 0
-    for one in family(process):
+    for one in process_tree(process):
         with open(f"/proc/{one}/smaps_rollup") as file:
             total += sum(int(line.split()[1]) for line in file if line.startswith("Pss:"))
     return total / 1024
 
 
 def watch(screen, begin):
-    """The pictures that the screen shows, each with the seconds until it came: the first one with a
-    painted window, and what comes in the time after it."""
+    """The pictures that the screen shows, from the first one with a painted window, each with the
+    seconds until it appeared."""
     background = colours(screen.picture())
     pictures = []
-    until = begin + PATIENCE
+    until = begin + TIMEOUT
     while time.perf_counter() < until:
         picture = screen.picture()
         now = time.perf_counter()
@@ -111,7 +113,7 @@ def watch(screen, begin):
             pictures.append((now - begin, picture))
         elif not pictures and len(colours(picture) - background) > 1:
             pictures.append((now - begin, picture))
-            until = now + WATCH
+            until = now + WATCH_TIME
         time.sleep(0.001)
     if not pictures:
         raise SystemExit("no window was painted")
@@ -119,29 +121,29 @@ def watch(screen, begin):
 
 
 def completion(pictures):
-    """The seconds until the picture was, but for a caret, what it is in the end."""
+    """The seconds until the picture was the final one, except for a caret."""
     complete = 0
-    for came, picture in reversed(pictures):
-        if changed(picture, pictures[-1][1]) > 0.01:
+    for appeared, picture in reversed(pictures):
+        if difference(picture, pictures[-1][1]) > 0.01:
             break
-        complete = came
-    if complete > pictures[0][0] + WATCH - 1:
+        complete = appeared
+    if complete > pictures[0][0] + WATCH_TIME - 1:
         raise SystemExit("the window was not complete in time")
     return complete
 
 
-def end(process):
-    """All of it: a process that a program started may live on without it."""
-    for one in family(process.pid):
+def terminate(process):
+    """Terminates the process and its descendants, which might outlive it."""
+    for one in process_tree(process.pid):
         os.kill(one, signal.SIGTERM)
-    process.wait(PATIENCE)
+    process.wait(TIMEOUT)
 
 
 def measure(screen, program, home):
-    """Seconds until first painted, seconds until complete, MiB."""
-    kept = {name: value for name, value in os.environ.items() if not name.startswith("XDG_")}
-    kept.pop("PYTHONDONTWRITEBYTECODE", None)  # It would have Thonny compile some of itself each time.
-    environment = dict(kept, HOME=home, XDG_RUNTIME_DIR=home, DISPLAY=screen.display)
+    """The seconds until first painted, the seconds until complete, and the memory in MiB."""
+    inherited = {name: value for name, value in os.environ.items() if not name.startswith("XDG_")}
+    inherited.pop("PYTHONDONTWRITEBYTECODE", None)  # It would prevent Thonny from caching bytecode.
+    environment = dict(inherited, HOME=home, XDG_RUNTIME_DIR=home, DISPLAY=screen.display)
     environment["QT_QPA_PLATFORM"] = "xcb"
     begin = time.perf_counter()
     process = subprocess.Popen(
@@ -149,12 +151,12 @@ def measure(screen, program, home):
     )
     pictures = watch(screen, begin)
     size = memory(process.pid)
-    end(process)
+    terminate(process)
     return pictures[0][0], completion(pictures), size
 
 
 def homes(folder):
-    """One for each program. Thonny asks what it should look like unless it has a configuration."""
+    """Creates a home folder for each program. Without a configuration, Thonny would show a dialog."""
     names = [os.path.join(folder, name) for name in ("quilp", "thonny")]
     for name in names:
         os.mkdir(name, 0o700)
@@ -177,11 +179,11 @@ def main():
     build = Build(sys.argv[1])
     pairs = int(sys.argv[2]) if len(sys.argv) > 2 else 10
     if shutil.which("Xvfb") is None:
-        print("the start of the editor is not measured: there is no Xvfb")
+        print("Xvfb is not installed; the start of the editor is not measured")
         return
     programs = [build.editor, shutil.which("thonny")]
     if programs[1] is None:
-        print("there is no Thonny to compare with")
+        print("Thonny is not installed; only our editor is measured")
         programs.pop()
     with tempfile.TemporaryDirectory() as folder, Screen() as screen:
         starts = list(zip(programs, homes(folder)))

@@ -1,5 +1,5 @@
-"""The whole time of the editor's batch run of a one-line script, its own start included, against the
-bare tool's run of the same script on the same virtual board.
+"""Measures the total time of running a one-line script with the editor in batch mode, including its
+start, and compares it with mpremote's own run of the same script on the same virtual board.
 
 Usage: measure_run.py BUILD_FOLDER [PAIRS]
 """

@@ -1,5 +1,6 @@
-"""What a typed character costs the user-interface thread, and the longest stall while 200 of them are
-typed: in a small document, in a large one, and in a small one while a program floods the worksheet.
+"""Measures the time that the user-interface thread needs for a typed character, and its longest stall
+while 200 characters are typed: in a small document, in a large one, and in a small one while a program
+floods the worksheet.
 
 Usage: measure_typing.py BUILD_FOLDER
 """
@@ -24,7 +25,7 @@ ROUNDS = 3
 
 
 def write_functions(path, size):
-    """A Python file of that size; returns the number of its lines."""
+    """Writes a Python file of this size; returns the number of its lines."""
     number = 0
     functions = []
     while size > 0:
@@ -42,28 +43,28 @@ def main():
     with tempfile.TemporaryDirectory() as folder:
         environment = dict(os.environ, QT_QPA_PLATFORM="offscreen", XDG_RUNTIME_DIR=folder)
 
-        def show(what, path, line, *words):
+        def show(where, path, line, *words):
             command = [program, build.plugin, path, str(line), *words]
             rounds = []
             for _ in range(ROUNDS):
-                # Qt says of its platform without a screen what that cannot do.
+                # Standard error contains messages of Qt's offscreen platform.
                 done = subprocess.run(command, env=environment, check=True, capture_output=True, timeout=60)
                 rounds.append([float(word) for word in done.stdout.split()])
             each, stalls = (sorted(side) for side in zip(*rounds))
             print(
-                f"typing into {what}: {each[ROUNDS // 2]:.2f} ms a character, longest stall "
-                f"{stalls[ROUNDS // 2]:.1f} ms median, {stalls[-1]:.1f} ms at most of {ROUNDS}",
+                f"typing into {where}: {each[ROUNDS // 2]:.2f} ms per character, longest stall "
+                f"{stalls[ROUNDS // 2]:.1f} ms (median), {stalls[-1]:.1f} ms (maximum) of {ROUNDS} runs",
                 flush=True,
             )
 
         small, large = (os.path.join(folder, name) for name in ("small.py", "large.py"))
-        lines_of_small = write_functions(small, 2000)
-        lines = write_functions(large, LARGE)
-        show("a small document", small, lines_of_small)
-        show("5 MB, at the start", large, 1)
-        show("5 MB, in the middle", large, lines // 2)
-        show("5 MB, at the end", large, lines)
-        show("a small document during a flood", small, lines_of_small, "flood")
+        small_lines = write_functions(small, 2000)
+        large_lines = write_functions(large, LARGE)
+        show("a small document", small, small_lines)
+        show("a 5 MB document, at the start", large, 1)
+        show("a 5 MB document, in the middle", large, large_lines // 2)
+        show("a 5 MB document, at the end", large, large_lines)
+        show("a small document during a flood of output", small, small_lines, "flood")
 
 
 main()

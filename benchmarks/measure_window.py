@@ -1,6 +1,6 @@
-"""The time from opening the Device window to its last row, of a directory of 5,000 files, against
-the bare tool's ls of the same directory; the longest stall of the user-interface thread meanwhile;
-the cost of a row of the table.
+"""Measures the time from opening the Device window on a directory of 5,000 files until its last row
+is painted, compared with mpremote's own ls of the same directory; the longest stall of the
+user-interface thread meanwhile; and the cost of a row of the table.
 
 Usage: measure_window.py BUILD_FOLDER [PAIRS]
 """
@@ -36,23 +36,23 @@ def main():
             return 1000 * seconds([build.tool, "ls"], environment, is_right)
 
         ours = lambda: numbers(str(FILES))[0]
-        ours(), bare()  # Does not count.
+        ours(), bare()  # Warm-up.
         times = [(ours(), bare()) for _ in range(pairs)]
         our_median, bare_median = (statistics.median(side) for side in zip(*times))
         print(
-            f"window until its last of {FILES} rows: {our_median:.1f} ms, the bare tool "
+            f"opening the window until the last of {FILES} rows: {our_median:.1f} ms, mpremote alone "
             f"{bare_median:.1f} ms, median ratio "
             f"{statistics.median(one / other for one, other in times):.3f} of {pairs} pairs"
         )
         stalls = [numbers(str(FILES), "stalls")[0] for _ in range(5)]
         print(
             f"longest stall of the user-interface thread meanwhile: "
-            f"{statistics.median(stalls):.1f} ms median, {max(stalls):.1f} ms at most of 5"
+            f"{statistics.median(stalls):.1f} ms (median), {max(stalls):.1f} ms (maximum) of 5 runs"
         )
         rows = [numbers(str(ROWS), "rows") for _ in range(5)]
         print(
             f"{ROWS} rows: {statistics.median(row[0] for row in rows):.1f} ms of the "
-            f"user-interface thread, {statistics.median(row[1] for row in rows):.0f} bytes a row"
+            f"user-interface thread, {statistics.median(row[1] for row in rows):.0f} bytes per row"
         )
 
 

@@ -1,13 +1,13 @@
-// open_window PLUGIN ENTRIES: opens the Device window on a board with that many files. Prints how
-// many milliseconds it took until the last row was painted.
+// open_window PLUGIN ENTRIES: opens the Device window on a board with this number of files. Prints
+// the time in milliseconds until the last row was painted.
 //
-// open_window PLUGIN ENTRIES stalls: the same, but prints for how many milliseconds the
-// user-interface thread was busy at most at one go. By itself, since measuring it slows the tool
-// down.
+// open_window PLUGIN ENTRIES stalls: does the same, but prints the longest time in milliseconds
+// during which the user-interface thread did not return to the event loop. This is a separate mode
+// because the measurement slows down mpremote.
 //
-// open_window PLUGIN ENTRIES rows: adds that many rows to the window's table instead, as a listing
-// does, 500 in each turn of the event loop. Prints how long the thread was busy with it all, in
-// milliseconds, and how many bytes a row takes.
+// open_window PLUGIN ENTRIES rows: adds this number of rows to the window's table, as a listing
+// does, 500 in each iteration of the event loop. Prints the total time in milliseconds and the
+// number of bytes per row.
 
 #include "quilp_window.h"
 #include "run_with_plugin.h"
@@ -43,7 +43,7 @@ std::size_t ResidentBytes()
     return pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
 
-// Tells when the last row has been painted.
+// Quits the event loop when the last row has been painted.
 class LastRow : public QObject {
   public:
     LastRow(TableWidget& table, int entries) : table_(table), entries_(entries)
@@ -72,12 +72,11 @@ TableWidget& Table()
             return *table;
         }
     }
-    std::fputs("there is no table\n", stderr);
+    std::fputs("the table was not found\n", stderr);
     std::exit(1);
 }
 
-// The first window of a program loads fonts and styles, which the editor's own window has done long
-// before.
+// The first window of a program loads fonts and styles. In the editor, the main window does this.
 void ShowAnotherWindow()
 {
     QLabel window("Loading");
@@ -123,7 +122,7 @@ void AddRows(BOutlineTableView& table, int count, int until)
 void MeasureRows(PluginHost& host, int entries)
 {
     auto* const table = QuilpWindow::ShowInstance(&host)->FindFirst<BOutlineTableView>();
-    Stop();  // Its own listing.
+    Stop();  // The window has started a listing.
     QApplication::processEvents();
     table->Clear();
     const auto before = ResidentBytes();
@@ -146,9 +145,9 @@ int main(int argc, char** argv)
         return 2;
     }
     const int entries = std::stoi(argv[2]);
-    const std::string what = argc > 3 ? argv[3] : "";
-    const auto measure = what == "rows"     ? MeasureRows
-                         : what == "stalls" ? MeasureStalls
+    const std::string mode = argc > 3 ? argv[3] : "";
+    const auto measure = mode == "rows"     ? MeasureRows
+                         : mode == "stalls" ? MeasureStalls
                                             : MeasureOpening;
     return RunWithPlugin(argv[1], [&](PluginHost& host) { measure(host, entries); });
 }

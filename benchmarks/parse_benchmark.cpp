@@ -1,4 +1,4 @@
-// Lines per second of the parsing.
+// Measures how many lines per second are parsed.
 
 #include "device_output.h"
 

@@ -1,4 +1,4 @@
-"""What the measurements share: a virtual board, and alternating pairs of whole programs."""
+"""Functions shared by the benchmarks: a virtual board, and timing programs in alternating pairs."""
 
 import os
 import statistics
@@ -20,7 +20,7 @@ class Build:
 
 
 class VirtualBoard:
-    """A virtual board with a folder of its own, as a context."""
+    """A virtual board with a temporary folder, as a context manager."""
 
     def __init__(self, build):
         self.program = build.board
@@ -44,7 +44,7 @@ class VirtualBoard:
 
 
 def seconds(command, environment, is_right):
-    """The time from start to end of a program, whose output must be right."""
+    """The run time of a program, whose output must be correct."""
     begin = time.perf_counter()
     output = subprocess.run(command, env=environment, stdout=subprocess.PIPE, check=True).stdout
     elapsed = time.perf_counter() - begin
@@ -54,8 +54,8 @@ def seconds(command, environment, is_right):
 
 
 def compare(what, environment, ours, bare, pairs):
-    """Times two programs, given as (command, is_right), in alternating pairs after one of each that
-    does not count, and prints the medians and the median ratio."""
+    """Times two programs, given as (command, is_right), in alternating pairs after a warm-up, and
+    prints the medians and the median ratio."""
     seconds(ours[0], environment, ours[1])
     seconds(bare[0], environment, bare[1])
     times = [
@@ -65,7 +65,7 @@ def compare(what, environment, ours, bare, pairs):
     our_median, bare_median = (1000 * statistics.median(side) for side in zip(*times))
     ratio = statistics.median(one / other for one, other in times)
     print(
-        f"{what}: {our_median:.1f} ms, the bare tool {bare_median:.1f} ms, "
+        f"{what}: {our_median:.1f} ms, mpremote alone {bare_median:.1f} ms, "
         f"median ratio {ratio:.3f} of {pairs} pairs",
         flush=True,
     )

@@ -4,11 +4,11 @@
 
 #include <functional>
 
-// Both load the plug-in and return the program's exit status. Called when there is an application
-// object.
+// Both functions load the plug-in and return the program's exit status. The application object must
+// exist.
 
 int WithPlugin(const char* plugin,
                const std::function<int(const PluginModule&, Runtime&)>& measure);
 
-// Lets a measurement use the plug-in, with an editor that drops what is written to the worksheet.
+// The host that is passed to `measure` discards text that is written to the worksheet.
 int RunWithPlugin(const char* plugin, const std::function<void(PluginHost&)>& measure);

@@ -6,8 +6,7 @@
 #include <algorithm>
 #include <chrono>
 
-// For how long the event loop does not come round at most, to a millisecond. Used on the
-// user-interface thread.
+// Measures the longest time between two iterations of the event loop, to a millisecond. [ui]
 class StallMeter : public QObject {
   public:
     StallMeter()

@@ -1,8 +1,7 @@
 // type_in_editor PLUGIN FILE LINE [flood]: opens the file in the editor's window and types 200
-// characters into that line, one every 20 ms; with "flood" while a program prints without end to
-// the worksheet. Prints how many milliseconds a character took until it was painted, on average,
-// and for how many the event loop did not come round at most, from the first key until the copy for
-// recovery has begun.
+// characters into the line, one every 20 ms; with "flood", while a program prints to the worksheet
+// continuously. Prints the average time until a character was painted, and the longest stall of the
+// event loop from the first key press until the recovery copy is made, both in milliseconds.
 
 #include "SimpleShell.h"
 #include "main_window.h"
@@ -23,18 +22,18 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr int kCharacters = 200;
-constexpr std::chrono::milliseconds kBetweenKeys{20};
-constexpr std::chrono::seconds kAfterwards{3};  // A copy is made 2 s after a change.
+constexpr std::chrono::milliseconds kKeyInterval{20};
+constexpr std::chrono::seconds kExitDelay{3};  // A recovery copy is made 2 s after a change.
 const QString kText = "value = compute(first, second)  # ";
 
-// Types from the event loop, and ends it.
+// Types from the event loop and then exits it.
 class Typist : public QObject {
   public:
     explicit Typist(TextEditor& editor) : editor_(editor)
     {
         connect(&timer_, &QTimer::timeout, this, &Typist::TypeOne);
         timer_.setTimerType(Qt::PreciseTimer);
-        timer_.start(kBetweenKeys);
+        timer_.start(kKeyInterval);
     }
 
     double MillisecondsEach() const
@@ -53,8 +52,8 @@ class Typist : public QObject {
         busy_ += Clock::now() - begin;
         if (++typed_ == kCharacters) {
             timer_.stop();
-            // Not quit, which would have the window ask whether to save.
-            QTimer::singleShot(kAfterwards, qApp, [] { QCoreApplication::exit(0); });
+            // quit() would make the window ask whether to save the document.
+            QTimer::singleShot(kExitDelay, qApp, [] { QCoreApplication::exit(0); });
         }
     }
 
@@ -64,7 +63,7 @@ class Typist : public QObject {
     Clock::duration busy_{};
 };
 
-// As the plug-in brings a program's output to the worksheet.
+// Writes a program's output to the worksheet as the plug-in does.
 std::shared_ptr<SimpleShell> Flood(Runtime& runtime, Worksheet& worksheet)
 {
     auto& queue = runtime.queue();

@@ -1,4 +1,4 @@
-# Blinks until it is stopped: with the board's LED where there is one, else in words.
+# Blinks until it is stopped. Uses the board's LED if there is one, and prints the state.
 
 import time
 

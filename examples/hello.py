@@ -1,4 +1,4 @@
-# Prints line after line, so that one sees the output arrive while the board works.
+# Prints one line after another, to show that output appears while the program is still running.
 
 import sys
 import time

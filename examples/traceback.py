@@ -1,4 +1,4 @@
-# Fails two functions deep: every line of the traceback leads to a line of this file.
+# Fails in a nested function call: click a line of the traceback to go to that line of this file.
 
 
 def ratio(part, whole):
