@@ -6,8 +6,8 @@ Both are measured from outside: a separate Xvfb without a window manager paints 
 every 8th row of its screen is compared about every 2 ms.
 
 - First painted: the first time when the screen shows a window that is not of a single colour.
-- Complete: the first time when it shows what it shows 4 s later, except for 1 % of it, such as a
-  caret.
+- Complete: the first time when the screen shows the final picture, which is that of 4 s later. Up to
+  1 % of it may differ, such as a caret.
 
 Each program has a separate home folder and is started once before the measurement. The memory is the
 sum of the proportional set sizes of all of the program's processes, 4 s after the first painting.

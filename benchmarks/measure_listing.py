@@ -21,7 +21,7 @@ def main():
             with open(os.path.join(board.files, "many", f"file_{number:04}.txt"), "w") as file:
                 file.write("x" * (number % 100))
         compare(
-            f"listing of {FILES} files",
+            f"listing {FILES} files",
             board.environment,
             (
                 [os.path.join(build.folder, "benchmarks", "list_directory"), build.plugin, "/many"],

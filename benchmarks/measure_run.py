@@ -23,7 +23,7 @@ def main():
             return output == b"one line\r\n"
 
         compare(
-            "run of one line",
+            "running a one-line script",
             board.environment,
             ([build.editor, "--document", script, "--batch", "run"], is_right),
             ([build.tool, "run", script], is_right),

@@ -1,6 +1,6 @@
 """Measures the time from opening the Device window on a directory of 5,000 files until its last row
 is painted, compared with mpremote's own ls of the same directory; the longest stall of the
-user-interface thread meanwhile; and the cost of a row of the table.
+user-interface thread during that time; and the cost of a row of the table.
 
 Usage: measure_window.py BUILD_FOLDER [PAIRS]
 """
@@ -46,7 +46,7 @@ def main():
         )
         stalls = [numbers(str(FILES), "stalls")[0] for _ in range(5)]
         print(
-            f"longest stall of the user-interface thread meanwhile: "
+            f"longest stall of the user-interface thread during that time: "
             f"{statistics.median(stalls):.1f} ms (median), {max(stalls):.1f} ms (maximum) of 5 runs"
         )
         rows = [numbers(str(ROWS), "rows") for _ in range(5)]

@@ -53,7 +53,7 @@ def seconds(command, environment, is_right):
     return elapsed
 
 
-def compare(what, environment, ours, bare, pairs):
+def compare(title, environment, ours, bare, pairs):
     """Times two programs, given as (command, is_right), in alternating pairs after a warm-up, and
     prints the medians and the median ratio."""
     seconds(ours[0], environment, ours[1])
@@ -65,7 +65,7 @@ def compare(what, environment, ours, bare, pairs):
     our_median, bare_median = (1000 * statistics.median(side) for side in zip(*times))
     ratio = statistics.median(one / other for one, other in times)
     print(
-        f"{what}: {our_median:.1f} ms, mpremote alone {bare_median:.1f} ms, "
+        f"{title}: {our_median:.1f} ms, mpremote alone {bare_median:.1f} ms, "
         f"median ratio {ratio:.3f} of {pairs} pairs",
         flush=True,
     )

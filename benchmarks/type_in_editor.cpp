@@ -52,7 +52,7 @@ class Typist : public QObject {
         busy_ += Clock::now() - begin;
         if (++typed_ == kCharacters) {
             timer_.stop();
-            // quit() would make the window ask whether to save the document.
+            // quit() would make the window prompt to save the document.
             QTimer::singleShot(kExitDelay, qApp, [] { QCoreApplication::exit(0); });
         }
     }

@@ -41,9 +41,9 @@ void Repl::SoftReset()
     Run(Running::BootFile, SourceKind::BoardFile, "boot.py");
 }
 
-void Repl::Run(Running what, SourceKind kind, std::string_view source)
+void Repl::Run(Running running, SourceKind kind, std::string_view source)
 {
-    running_ = what;
+    running_ = running;
     target_.Execute(kind, source);
 }
 

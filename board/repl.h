@@ -52,7 +52,7 @@ class Repl {
     enum class Running : std::uint8_t { Nothing, BootFile, MainFile, Program };
 
     void SoftReset();
-    void Run(Running what, SourceKind kind, std::string_view source);
+    void Run(Running running, SourceKind kind, std::string_view source);
     void ReceiveFriendly(char byte);
     void ReceiveRaw(char byte);
     void ReceivePasteRequest(char byte);

@@ -15,7 +15,7 @@ struct NSArray;
 struct NSPasteboard;
 struct NSOutlineView;
 
-// What a drop validator returns.
+// The drag operations that a drop validator returns.
 inline constexpr int NSDragOperationNone = 0;
 inline constexpr int NSDragOperationCopy = 1;
 

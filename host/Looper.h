@@ -28,7 +28,7 @@ class BLooper : public BHandler, public std::enable_shared_from_this<BLooper> {
     // Called when the user requests to close the looper. Returns false to refuse.
     virtual bool QuitRequested();
 
-    // Ends the looper without calling QuitRequested. It is destroyed when the last call into it
+    // Stops the looper without calling QuitRequested. It is destroyed when the last call into it
     // returns.
     virtual void Quit();
 

@@ -98,9 +98,9 @@ class BPopUpMenu final : public BMenu {
     BPopUpMenu(const char* name, bool, bool);
 
     // Opens the menu with its top left corner at this screen position. Returns after the menu has
-    // closed and the action of the chosen item has run. No action runs if the program has ended, or
-    // the window below the menu has closed, in the meantime. The flags are always false and the
-    // view is always null.
+    // closed and the action of the chosen item has run. No action runs if the program exits or the
+    // window below the menu closes in the meantime. The flags are always false and the view is
+    // always null.
     void Go(BPoint where, bool, bool, bool, BView*);
 };
 

@@ -49,8 +49,8 @@ class BOutlineTableView final : public BView {
     void Clear();
     int CountRows() const;
     // Puts an item into a cell and deletes the previous one; the row number CountRows() appends a
-    // row. The table takes ownership. Appended rows are shown in batches, within about 30 ms; all
-    // other operations see them at once.
+    // row. The table takes ownership. Appended rows are painted in batches, within about 30 ms; all
+    // other operations include them immediately.
     void AddItem(FTableItem* item, int row, int column);
     // The item of a cell; null if there is none.
     FTableItem* ItemAt(int row, int column) const;

@@ -23,8 +23,8 @@ class WindowWidget final : public QWidget {
     std::weak_ptr<BLooper> looper_;
 };
 
-// Calls code of the window that this widget belongs to, and keeps the window alive meanwhile. Does
-// nothing if the window no longer exists. Returns whether the function was called.
+// Calls code of the window that this widget belongs to, and keeps the window alive during the call.
+// Does nothing if the window no longer exists. Returns whether the function was called.
 template <class Function>
 bool CallWindow(const QWidget& widget, Function&& function)
 {

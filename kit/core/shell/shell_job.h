@@ -105,6 +105,6 @@ class ShellJob {
     std::optional<Clock::time_point> flushAt_;  // When to forward the unfinished line.
     // When to stop reading the pipe of an exited program: other processes may keep it open.
     std::optional<Clock::time_point> abandonPipeAt_;
-    std::optional<Clock::time_point> killAt_;  // Set when SIGTERM has been sent.
+    std::optional<Clock::time_point> killAt_;  // When to send SIGKILL; set with SIGTERM.
     bool killed_ = false;
 };
