@@ -22,5 +22,5 @@ std::pair<std::uint32_t, std::uint32_t> ShortcutCode(const QKeySequence& keys)
         return {0, 0};
     }
     const std::uint32_t key = KeyCode(keys[0].key());
-    return {key, key != 0 ? ModifierMask(keys[0].keyboardModifiers()) : 0};
+    return {key, key != 0 ? FromQtModifiers(keys[0].keyboardModifiers()) : 0};
 }
