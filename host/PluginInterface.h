@@ -23,7 +23,7 @@
 class BWindow;
 class PluginInterface;
 
-// The entry points that a plug-in exports, without type decoration. [ui]
+// The functions that a plug-in exports, with C linkage. [ui]
 extern "C" {
 // The return value depends on the message; 0 for an unknown message.
 using PluginMainFunction = std::int32_t(int message, PluginInterface* pi, ...);

@@ -1,4 +1,4 @@
-// drag_source FILE...: a small window from which these files can be dragged.
+// drag_source FILE...: shows a small window from which the files can be dragged.
 
 #include <QApplication>
 #include <QDrag>

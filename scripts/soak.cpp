@@ -1,4 +1,4 @@
-// Long runs that only wear a program out: scripts/soak builds and runs them.
+// Stress tests, which scripts/soak builds and runs.
 
 #include "SimpleShell.h"
 #include "board_process.h"
@@ -19,7 +19,7 @@ namespace {
 
 using Words = std::vector<std::string>;
 
-// Nothing may be left at the end.
+// Checks that no resources are left at the end.
 class Soak : public testing::Test {
   protected:
     ~Soak() override { EXPECT_EQ(SettledHoldings(before), before); }
@@ -51,7 +51,7 @@ long ResidentKibibytes(pid_t process)
 
 }  // namespace
 
-TEST_F(Soak, AThousandStartsAndStopsInVariedOrder)
+TEST_F(Soak, AThousandStartsAndStopsInRandomOrder)
 {
     Runtime runtime;
     const char* lines[] = {"true",          "yes",        "sh -c 'echo one; echo two >&2'",
@@ -71,7 +71,7 @@ TEST_F(Soak, AThousandStartsAndStopsInVariedOrder)
                     [&](std::string&&) { runtime.queue().Post([] {}); }, "Soak");
                 shell->Run(lines[random() % std::size(lines)], [] {});
         }
-        for (auto turns = random() % 3; turns > 0; --turns) {
+        for (auto iterations = random() % 3; iterations > 0; --iterations) {
             QCoreApplication::processEvents();
         }
     }
@@ -79,7 +79,7 @@ TEST_F(Soak, AThousandStartsAndStopsInVariedOrder)
     EXPECT_TRUE(WaitUntil([&] { return runtime.IsIdle(); }));
 }
 
-TEST_F(SoakOnBoard, TwoHundredCommandsInARowAllWork)
+TEST_F(SoakOnBoard, TwoHundredConsecutiveCommandsSucceed)
 {
     Words commands;
     std::string expected;
@@ -91,7 +91,7 @@ TEST_F(SoakOnBoard, TwoHundredCommandsInARowAllWork)
     EXPECT_EQ(RunProgram(Editor("print('ran')\n", commands), board.variables()).output, expected);
 }
 
-TEST_F(SoakOnBoard, AProgramThatPrintsForAMinuteNeedsNoMoreMemory)
+TEST_F(SoakOnBoard, MemoryStaysBoundedWhileAProgramPrintsForAMinute)
 {
     BackgroundProgram editor(
         Editor("while True: print('x' * 70)\n", {"help", "run", "wait=60", "stop"}),
@@ -99,15 +99,15 @@ TEST_F(SoakOnBoard, AProgramThatPrintsForAMinuteNeedsNoMoreMemory)
     ASSERT_TRUE(editor.WaitForOutput("WIP.\n"));
     const long idle = ResidentKibibytes(editor.pid());
     ASSERT_GT(idle, 0);
-    long most = idle;
+    long maximum = idle;
     while (!editor.WaitForExit(std::chrono::milliseconds(50))) {
-        most = std::max(most, ResidentKibibytes(editor.pid()));
+        maximum = std::max(maximum, ResidentKibibytes(editor.pid()));
     }
-    EXPECT_LT(most - idle, 64 * 1024);
+    EXPECT_LT(maximum - idle, 64 * 1024);
     EXPECT_TRUE(board.IsAtPrompt());
 }
 
-TEST_F(SoakOnBoard, TheToolMayBeKilledAtAnyTime)
+TEST_F(SoakOnBoard, BoardStaysUsableWheneverTheToolIsKilled)
 {
     const auto large = local.Write("large.bin", std::string(100'000, 'l'));
     const auto endless = local.Write("e.py", "while True: print('x' * 50)\n");

@@ -39,7 +39,7 @@ std::vector<EntryRef> RefsFromPasteboard(NSPasteboard* pasteboard)
         if (url.isLocalFile() && !url.toLocalFile().isEmpty()) {
             QString path = url.toLocalFile();
             while (path.size() > 1 && path.endsWith('/')) {
-                path.chop(1);  // The URL of a folder may end with slashes.
+                path.chop(1);  // The URL of a folder may end with a slash.
             }
             refs.emplace_back(path.toStdString());
         }
