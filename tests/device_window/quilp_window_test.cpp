@@ -6,34 +6,23 @@
 #include "commands.h"
 #include "device_window_fixture.h"
 #include "leaks.h"
-#include "menu_button.h"
-#include "menus.h"
-#include "runner.h"
-#include "table_widget.h"
-#include "window_widget.h"
 
-#include <QApplication>
-#include <QMenu>
 #include <QScreen>
 #include <QShortcut>
-#include <QTest>
 #include <QThread>
-#include <QUrl>
-
-#include <filesystem>
-#include <functional>
 
 namespace {
 
 const char* const kBoardLine = "/dev/ttyACM0 e6614103e7 2e8a:0005 MicroPython Board in FS mode\n";
 
-// Records its words, prints what was set for its command, and may then go on for a minute.
+// Records its arguments and prints the text set for its command. May then hang, once.
 const char* const kTool =
     "#!/bin/sh\n"
     "cd \"${0%/*}\"\n"
+    "rm \"hangs-$1\" 2>/dev/null && hangs=1\n"
     "echo \"$*\" >>calls\n"
-    "cat \"says-$1\" 2>/dev/null\n"
-    "[ ! -e \"hangs-$1\" ] || exec sleep 60\n";
+    "cat \"prints-$1\" 2>/dev/null\n"
+    "[ -z \"$hangs\" ] || exec sleep 60\n";
 
 class ScriptedDeviceWindow : public DeviceWindowTest {
   protected:
@@ -50,44 +39,47 @@ class ScriptedDeviceWindow : public DeviceWindowTest {
         ToolPrints("devs", kBoardLine);
         host.language = kPythonLanguage;
         host.document = "/tmp/a.py";
+        Open();
+        TakeCalls();
+        idleThreads_ = CurrentHoldings().threads;
     }
-    ~ScriptedDeviceWindow() override { runtime.ShutDown(); }
 
     void ToolPrints(const std::string& command, const std::string& text)
     {
-        bundle_.Write(kToolFolder + "says-" + command, text);
+        bundle_.Write(kToolFolder + "prints-" + command, text);
     }
-    void ToolHangs(const std::string& command)
-    {
-        bundle_.Write(kToolFolder + "hangs-" + command, "");
-    }
-    void ToolEnds(const std::string& command)
-    {
-        std::filesystem::remove(bundle_ / (kToolFolder + "hangs-" + command));
-    }
-    // The tool's calls since the last time.
-    Strings NewCalls()
+    // Returns the tool's calls since the last time.
+    Strings TakeCalls()
     {
         const auto all = ReadFile(bundle_ / (kToolFolder + "calls"));
-        Strings calls;
-        for (const auto line : SplitLines(std::string_view(all).substr(seen_))) {
-            calls.emplace_back(line);
-        }
+        const auto lines = SplitLines(std::string_view(all).substr(seen_));
         seen_ = all.size();
-        return calls;
+        return {lines.begin(), lines.end()};
     }
-    // Waits until that is the tool's last call, and a new one.
-    bool ToolIsCalled(const std::string& words)
+    Strings SettledCalls()
     {
-        return WaitUntil([&] {
-            const auto calls = ReadFile(bundle_ / (kToolFolder + "calls"));
-            return ("\n" + calls.substr(seen_)).ends_with("\n" + words + "\n");
-        });
+        Settle();
+        return TakeCalls();
     }
-    void OpenAndForgetCalls()
+    // Starts an operation and waits for this call of the tool, which hangs.
+    void StartHanging(const std::function<void()>& start, const std::string& call)
     {
-        Open();
-        NewCalls();
+        TakeCalls();
+        bundle_.Write(kToolFolder + "hangs-" + call.substr(0, call.find(' ')), "");
+        start();
+        EXPECT_TRUE(WaitUntil([&] { return std::ranges::count(TakeCalls(), call) > 0; })) << call;
+    }
+    // Waits until the running command has exited, but delivers nothing of it.
+    void LetCommandExit() const
+    {
+        for (int i = 0; i < 4000 && CurrentHoldings().threads > idleThreads_; ++i) {
+            QThread::msleep(5);
+        }
+    }
+    void Refresh()
+    {
+        PressButton("refresh");
+        Settle();
     }
     QMenu* OpenContextMenu()
     {
@@ -107,136 +99,101 @@ class ScriptedDeviceWindow : public DeviceWindowTest {
     const std::string kToolFolder = "Resources/mpremote/";
     TemporaryFolder bundle_;
     std::size_t seen_ = 0;
+    std::size_t idleThreads_ = 0;
 };
 
 }  // namespace
 
-TEST_F(ScriptedDeviceWindow, ListsTheRootAndNamesTheBoardWhenItOpens)
+TEST_F(ScriptedDeviceWindow, ListsTheRootAndShowsTheBoardOfTheLastDeviceLine)
 {
-    Open();
-    EXPECT_EQ(NewCalls(), (Strings{"ls /", "devs"}));
     EXPECT_EQ(Rows(), (Strings{"boot.py", "lib/", "data.d/", "main.py"}));
     EXPECT_EQ(Entry(1).path, "/lib");
-    Strings sizes;
-    for (int row = 0; row < 4; ++row) {
-        sizes.push_back(dynamic_cast<SizeTableItem*>(table().rows().ItemAt(row, 1))->sizeText);
+    for (const auto& [row, size] : {std::pair(0, "139"), {1, "--"}, {3, "1234567"}}) {
+        EXPECT_EQ(dynamic_cast<SizeTableItem*>(table().rows().ItemAt(row, 1))->sizeText, size);
     }
-    EXPECT_EQ(sizes, (Strings{"139", "--", "--", "1234567"}));
     EXPECT_EQ(DeviceLabel(), "MicroPython Board in FS mode /dev/ttyACM0");
     EXPECT_EQ(pathButton().text(), "/dev/ttyACM0");
     EXPECT_FALSE(IsBusy());
-}
 
-TEST_F(ScriptedDeviceWindow, TheLastLineOfTheDeviceQueryDecides)
-{
     ToolPrints("devs", std::string(kBoardLine) + "/dev/ttyS0 NOT-HEX 0000:0000 no MicroPython\n");
-    Open();
+    Refresh();
     EXPECT_EQ(DeviceLabel(), "--");
     EXPECT_EQ(pathButton().text(), "Not Connected");
     EXPECT_FALSE(IsBusy());
 
     ToolPrints("devs", "");
     ToolPrints("ls", "");
-    PressButton("refresh");
-    Settle();
+    Refresh();
     EXPECT_EQ(Rows(), Strings{});
-    EXPECT_EQ(DeviceLabel(), "--") << "without a line nothing changes";
+    EXPECT_EQ(DeviceLabel(), "--") << "without a device line nothing changes";
     EXPECT_TRUE(IsBusy()) << "no device line has arrived";
 }
 
-TEST_F(ScriptedDeviceWindow, IsOneWindowWhoseFrameComesBackAfterACloseRequest)
+TEST_F(ScriptedDeviceWindow, IsOneWindowWhoseFrameIsRestoredAfterACloseRequest)
 {
-    Open();
     PressButton("close");
     Settle();
     ASSERT_EQ(QuilpWindow::gInstance, nullptr);
-    EXPECT_FALSE(QuilpWindow::gWindowRect) << "its own button does not remember";
-    Open();
-    auto* const window = QuilpWindow::gInstance;
-    window->SetFrame({51, 61, 451, 561});
+    EXPECT_FALSE(QuilpWindow::gWindowRect) << "its own button does not save the frame";
+    auto* const window = QuilpWindow::ShowInstance(&host);
+    EXPECT_EQ(SettledCalls(), (Strings{"ls /", "devs"}));
+    const BRect moved{51, 61, 451, 561};
+    window->SetFrame(moved);
     EXPECT_EQ(QuilpWindow::ShowInstance(&host), window);
-    EXPECT_EQ(window->Frame(), (BRect{51, 61, 451, 561})) << "opening it again does not move it";
-    widget().close();
+    EXPECT_EQ(window->Frame(), moved) << "opening it again does not move it";
+    QTest::keyClick(&table(), Qt::Key_W, Qt::ControlModifier);
     ASSERT_EQ(QuilpWindow::gInstance, nullptr);
-    EXPECT_EQ(QuilpWindow::ShowInstance(&host)->Frame(), (BRect{51, 61, 451, 561}));
-    QuilpWindow::gInstance->Quit();
+    EXPECT_EQ(QuilpWindow::ShowInstance(&host)->Frame(), moved);
+    runtime.CloseWindows();
 
     QuilpWindow::gWindowRect = BRect{90000, -7000, 90400, -6500};
     const auto frame = QuilpWindow::ShowInstance(&host)->Frame();
     const QRect screen = QApplication::primaryScreen()->availableGeometry();
     EXPECT_EQ(frame.right, screen.x() + screen.width() - 10);
     EXPECT_EQ(frame.top, screen.y() + 10);
-    EXPECT_EQ(frame.Width(), 400);
 }
 
 TEST_F(ScriptedDeviceWindow, DirectoriesAreEnteredAndLeft)
 {
-    OpenAndForgetCalls();
-    struct Row {
-        const char* name;
-        std::function<void()> act;
-        Strings calls;
-        Strings selection;
+    const auto go = [](const char* path, const char* select) {
+        return [path, select] { QuilpWindow::gInstance->ChangeDirectory(path, select); };
     };
-    const Row rows[] = {
+    const auto press = [&](Qt::Key key) { return [this, key] { CommandKey(key); }; };
+    const auto openTwo = [&] {
+        SelectRows({"data.d/", "lib/"});
+        CommandKey(Qt::Key_Down);
+        CommandKey(Qt::Key_Down);
+    };
+    const std::tuple<const char*, std::function<void()>, Strings, Strings> rows[] = {
         {"double click on a file", [&] { DoubleClick("main.py"); }, {}, {"main.py"}},
-        {"Command-Down on a file", [&] { CommandKey(Qt::Key_Down); }, {}, {"main.py"}},
-        {"Command-Up at the root", [&] { CommandKey(Qt::Key_Up); }, {}, {"main.py"}},
+        {"Command-Down on a file", press(Qt::Key_Down), {}, {"main.py"}},
+        {"Command-Up at the root", press(Qt::Key_Up), {}, {"main.py"}},
         {"double click", [&] { DoubleClick("lib/"); }, {"ls /lib", "devs"}, {}},
-        {"Command-Down with nothing selected", [&] { CommandKey(Qt::Key_Down); }, {}, {}},
-        {"Command-Down opens the first, once",
-         [&] {
-             SelectRows({"data.d/", "lib/"});
-             CommandKey(Qt::Key_Down);
-             CommandKey(Qt::Key_Down);
-         },
-         {"ls /lib/lib", "devs"},
-         {}},
-        {"Command-Up", [&] { CommandKey(Qt::Key_Up); }, {"ls /lib", "devs"}, {"lib/"}},
-        {"Command-Up to the root", [&] { CommandKey(Qt::Key_Up); }, {"ls /", "devs"}, {"lib/"}},
+        {"Command-Down without a selection", press(Qt::Key_Down), {}, {}},
+        {"Command-Down opens the first, once", openTwo, {"ls /lib/lib", "devs"}, {}},
+        {"Command-Up", press(Qt::Key_Up), {"ls /lib", "devs"}, {"lib/"}},
+        {"Command-Up to the root", press(Qt::Key_Up), {"ls /", "devs"}, {"lib/"}},
         {"Return", [&] { QTest::keyClick(&table(), Qt::Key_Return); }, {"ls /lib", "devs"}, {}},
+        {"the current path", go("/lib", "boot.py"), {}, {}},
+        {"..", go("../x", "none"), {"ls ../x", "devs"}, {}},
+        {"a slash at the end", go("/a/", "lib"), {"ls /a/", "devs"}, {"lib/"}},
+        {"relative", go("b", ""), {"ls /a/b", "devs"}, {}},
+        {"relative, below", go("c", "boot.py"), {"ls /a/b/c", "devs"}, {"boot.py"}},
+        {"no such row", [] { QuilpWindow::gInstance->Select("none"); }, {}, {"boot.py"}},
+        {"no name", [] { QuilpWindow::gInstance->Select(""); }, {}, {"boot.py"}},
     };
-    for (const auto& row : rows) {
-        row.act();
-        Settle();
-        EXPECT_EQ(NewCalls(), row.calls) << row.name;
-        EXPECT_EQ(Selection(), row.selection) << row.name;
+    for (const auto& [name, act, calls, selection] : rows) {
+        act();
+        EXPECT_EQ(SettledCalls(), calls) << name;
+        EXPECT_EQ(Selection(), selection) << name;
     }
 }
 
-TEST_F(ScriptedDeviceWindow, PathsAreJoinedByTheirFirstCharactersAndNamesSelected)
-{
-    OpenAndForgetCalls();
-    struct Row {
-        const char* path;
-        const char* select;
-        Strings calls;
-        Strings selection;
-    };
-    const Row rows[] = {
-        {"/", "lib", {}, {}},
-        {"../x", "none", {"ls ../x", "devs"}, {}},
-        {"/a/", "lib", {"ls /a/", "devs"}, {"lib/"}},
-        {"b", "", {"ls /a/b", "devs"}, {}},
-        {"c", "boot.py", {"ls /a/b/c", "devs"}, {"boot.py"}},
-    };
-    auto* const window = QuilpWindow::gInstance;
-    for (const auto& row : rows) {
-        window->ChangeDirectory(row.path, row.select);
-        Settle();
-        EXPECT_EQ(NewCalls(), row.calls) << row.path;
-        EXPECT_EQ(Selection(), row.selection) << row.path;
-    }
-    window->Select("none");
-    window->Select("");
-    EXPECT_EQ(Selection(), Strings{"boot.py"});
-}
-
-TEST_F(ScriptedDeviceWindow, ARowWithAShortenedNameStandsForItsFullPath)
+TEST_F(ScriptedDeviceWindow, ARowWithAShortenedNameIsOpenedAndDeletedByItsFullPath)
 {
     const std::string name(200, 'n');
     ToolPrints("ls", " 0 " + name + "/\n");
-    OpenAndForgetCalls();
+    Refresh();
     const auto draw = [&] {
         table().rows().Publish();
         table().viewport()->grab();
@@ -244,347 +201,192 @@ TEST_F(ScriptedDeviceWindow, ARowWithAShortenedNameStandsForItsFullPath)
     };
     draw();
     DoubleClick(name + "/");
-    Settle();
     draw();
+    TakeCalls();
     DeleteRows({name + "/"});
-    Settle();
-    EXPECT_EQ(NewCalls().at(2), "rm -r :/" + name + "/" + name);
+    EXPECT_EQ(SettledCalls().at(0), "rm -r :/" + name + "/" + name);
 }
 
 TEST_F(ScriptedDeviceWindow, ThePathMenuLeadsToEveryDirectoryAbove)
 {
-    Open();
     QuilpWindow::gInstance->ChangeDirectory("/lib/data.d", "");
-    Settle();
-    NewCalls();
-    struct Row {
-        const char* chosen;
-        Strings offered;
-        Strings calls;
-        const char* shown;
+    SettledCalls();
+    const std::tuple<const char*, Strings, Strings> rows[] = {
+        {"data.d", {"data.d", "lib", "/dev/ttyACM0"}, {"ls //lib/data.d", "devs"}},
+        {"lib", {"data.d", "lib", "/dev/ttyACM0"}, {"ls //lib", "devs"}},
+        {"/dev/ttyACM0", {"lib", "/dev/ttyACM0"}, {"ls /", "devs"}},
+        {"/dev/ttyACM0", {"/dev/ttyACM0"}, {}},
     };
-    const Row rows[] = {
-        {"data.d", {"data.d", "lib", "/dev/ttyACM0"}, {"ls //lib/data.d", "devs"}, "data.d"},
-        {"lib", {"data.d", "lib", "/dev/ttyACM0"}, {"ls //lib", "devs"}, "lib"},
-        {"/dev/ttyACM0", {"lib", "/dev/ttyACM0"}, {"ls /", "devs"}, "/dev/ttyACM0"},
-        {"/dev/ttyACM0", {"/dev/ttyACM0"}, {}, "/dev/ttyACM0"},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(OpenPathMenu(), row.offered);
-        ClickItem(*OpenMenu(), row.chosen);
-        Settle();
-        EXPECT_EQ(NewCalls(), row.calls) << row.chosen;
-        EXPECT_EQ(pathButton().text(), row.shown);
+    const auto icon = [](const QAction* item) { return item->icon().pixmap(16).toImage(); };
+    for (const auto& [chosen, labels, calls] : rows) {
+        EXPECT_EQ(OpenPathMenu(), labels);
+        const auto items = OpenMenu()->actions();
+        EXPECT_EQ(icon(items.front()) == icon(items.back()), labels.size() == 1);
+        ClickItem(*OpenMenu(), chosen);
+        EXPECT_EQ(SettledCalls(), calls) << chosen;
+        EXPECT_EQ(pathButton().text(), chosen);
     }
 }
 
-TEST_F(ScriptedDeviceWindow, DeletesTheSelectionFromItsEndAndListsAgain)
+TEST_F(ScriptedDeviceWindow, DeletesTheSelectionByKeyOrMenuAndListsAgain)
 {
-    OpenAndForgetCalls();
-    // The window's own shortcuts must not take the chord away.
-    int taken = 0;
     QShortcut rival(QKeySequence(Qt::CTRL | Qt::Key_Backspace), &widget());
-    QObject::connect(&rival, &QShortcut::activated, [&] { ++taken; });
+    QObject::connect(&rival, &QShortcut::activated, [] { FAIL() << "a shortcut took the key"; });
     widget().activateWindow();
-
     CommandKey(Qt::Key_Backspace);
     EXPECT_FALSE(IsBusy());
     SelectRows({"main.py", "boot.py", "lib/"});
     QTest::keyClick(&table(), Qt::Key_Backspace);
-    Settle();
-    EXPECT_EQ(NewCalls(), Strings{}) << "nothing selected, or no Command";
-
+    EXPECT_EQ(SettledCalls(), Strings{}) << "nothing is selected, or Command is not held";
     CommandKey(Qt::Key_Backspace);
     EXPECT_TRUE(IsBusy());
     EXPECT_EQ(Rows().size(), 4U) << "the rows stay until the reload";
-    Settle();
-    EXPECT_EQ(NewCalls(),
+    EXPECT_EQ(SettledCalls(),
               (Strings{"rm -r :/main.py", "rm -r :/lib", "rm -r :/boot.py", "ls /", "devs"}));
     EXPECT_EQ(Selection(), Strings{});
     EXPECT_FALSE(IsBusy());
-    EXPECT_EQ(taken, 0);
     EXPECT_EQ(host.worksheet, "");
+
+    EXPECT_EQ(OpenContextMenu(), nullptr) << "nothing is selected";
+    SelectRows({"lib/"});
+    ASSERT_NE(OpenContextMenu(), nullptr);
+    OpenMenu()->close();
+    ASSERT_NE(OpenContextMenu(), nullptr);
+    EXPECT_EQ(LabelsOf(*OpenMenu()), Strings{"Delete"});
+    ClickItem(*OpenMenu(), "Delete");
+    EXPECT_EQ(SettledCalls(), (Strings{"rm -r :/lib", "ls /", "devs"}));
 }
 
 TEST_F(ScriptedDeviceWindow, RefusesToDeleteAPathWithASingleQuote)
 {
     ToolPrints("ls", " 1 'a'\n 1 it's\n 0 ''/\n 1 b\n");
-    OpenAndForgetCalls();
-    DeleteRows({"'a'", "it's", "''/"});
-    EXPECT_TRUE(runtime.IsIdle());
+    Refresh();
+    TakeCalls();
+    DeleteRows({"'a'", "it's", "''/", "b"});
+    EXPECT_EQ(SettledCalls(), (Strings{"rm -r :/b", "ls /", "devs"}));
+    EXPECT_NE(host.worksheet.find("single quote"), std::string::npos);
+    EXPECT_EQ(host.worksheet.find('\n'), host.worksheet.size() - 1);
+    DeleteRows({"'a'"});
     EXPECT_FALSE(IsBusy());
-    EXPECT_EQ(Rows().size(), 4U);
-    const auto line = host.worksheet;
-    EXPECT_NE(line.find("single quote"), std::string::npos);
-    EXPECT_EQ(line.find('\n'), line.size() - 1);
-
-    host.worksheet.clear();
-    DeleteRows({"'a'", "it's", "b"});
-    Settle();
-    EXPECT_EQ(NewCalls(), (Strings{"rm -r :/b", "ls /", "devs"}));
-    EXPECT_EQ(host.worksheet, line);
 }
 
-TEST_F(ScriptedDeviceWindow, TheContextMenuOffersToDeleteWhatIsSelected)
+TEST_F(ScriptedDeviceWindow, DroppedFilesAreCopiedToTheRowOrTheCurrentDirectory)
 {
-    OpenAndForgetCalls();
-    EXPECT_EQ(OpenContextMenu(), nullptr) << "empty";
-    SelectRows({"lib/"});
-    for (int time = 1; time <= 2; ++time) {
-        ASSERT_NE(OpenContextMenu(), nullptr);
-        EXPECT_EQ(LabelsOf(*OpenMenu()), Strings{"Delete"});
-        OpenMenu()->close();
-    }
-    ASSERT_NE(OpenContextMenu(), nullptr);
-    ClickItem(*OpenMenu(), "Delete");
-    Settle();
-    EXPECT_EQ(NewCalls(), (Strings{"rm -r :/lib", "ls /", "devs"}));
-}
-
-TEST_F(ScriptedDeviceWindow, DroppedFilesGoWhereTheyWereDropped)
-{
-    Open();
     DoubleClick("lib/");
-    Settle();
-    NewCalls();
+    TakeCalls();
     const QUrl url = file.data.urls().constFirst();
     const QUrl folder = QUrl::fromLocalFile(QString::fromStdString(file.folder.path() + "/"));
-    struct Row {
-        const char* name;
-        QList<QUrl> urls;
-        const char* onto;
-        int offset;
-        std::string call;  // empty: refused
-    };
-    const Row rows[] = {
-        {"on a directory", {url, folder}, "data.d/", 0, "cp " + file.path + " :/lib/data.d"},
-        {"on a file", {url, folder}, "main.py", 0, "cp " + file.path + " :/lib"},
-        {"between rows", {url}, "data.d/", 10, "cp " + file.path + " :/lib"},
-        {"below the rows", {url}, "", 0, "cp " + file.path + " :/lib"},
+    const std::string copy = "cp " + file.path;
+    const std::tuple<const char*, QList<QUrl>, const char*, int, std::string> rows[] = {
+        {"on a directory", {url, folder}, "data.d/", 0, copy + " :/lib/data.d"},
+        {"on a file", {url, folder}, "main.py", 0, copy + " :/lib"},
+        {"between rows", {url}, "data.d/", 10, copy + " :/lib"},
+        {"below the rows", {url}, "", 0, copy + " :/lib"},
         {"a folder", {folder}, "data.d/", 0, "cp -r " + file.folder.path() + " :/lib/data.d"},
         {"no file", {}, "data.d/", 0, ""},
-        {"a file of the net", {QUrl("https://localhost/a.py")}, "data.d/", 0, ""},
+        {"a remote file", {QUrl("https://localhost/a.py")}, "data.d/", 0, ""},
     };
-    for (const auto& row : rows) {
+    for (const auto& [name, urls, onto, offset, call] : rows) {
+        SCOPED_TRACE(name);
         QMimeData data;
         data.setText("text");
-        data.setUrls(row.urls);
-        EXPECT_EQ(DragOver(data, row.onto, row.offset), !row.call.empty()) << row.name;
-        EXPECT_EQ(Drop(data), !row.call.empty()) << row.name;
-        Settle();
-        EXPECT_EQ(NewCalls(), row.call.empty() ? Strings{} : (Strings{row.call, "ls /lib", "devs"}))
-            << row.name;
+        data.setUrls(urls);
+        EXPECT_EQ(DragOver(data, onto, offset), !call.empty());
+        EXPECT_EQ(Drop(data), !call.empty());
+        EXPECT_EQ(SettledCalls(), call.empty() ? Strings{} : (Strings{call, "ls /lib", "devs"}));
     }
-}
 
-TEST_F(ScriptedDeviceWindow, ADropAfterTheRowsHaveGoneFindsNoRow)
-{
-    OpenAndForgetCalls();
-    EXPECT_TRUE(DragOver(file.data, "lib/"));
-    ToolHangs("ls");
-    ToolPrints("ls", "");
+    EXPECT_TRUE(DragOver(file.data, "data.d/"));
     QuilpWindow::gInstance->Reload({});
-    ToolEnds("ls");
-    table().viewport()->grab();  // Paints where the drag was.
+    table().viewport()->grab();
     EXPECT_TRUE(Drop(file.data));
-    Settle();
-    EXPECT_TRUE(std::ranges::count(NewCalls(), "cp " + file.path + " :/"));
+    EXPECT_TRUE(std::ranges::count(SettledCalls(), copy + " :/lib")) << "the row does not exist";
 }
 
-// Each row closes the window at another moment; then it is opened again, at once.
-TEST_F(ScriptedDeviceWindow, MayBeClosedAtAnyMoment)
+TEST_F(ScriptedDeviceWindow, AnInterruptedOperationLeavesNoOutdatedRowsAndMayOutliveTheWindow)
 {
-    struct Row {
-        const char* name;
-        const char* hanging;  // the tool's command that is under way meanwhile
-        const char* call;
-        std::function<void()> before;
-        std::function<void()> close;
+    const auto refresh = [&] { PressButton("refresh"); };
+    const auto deleteTwo = [&] { DeleteRows({"boot.py", "main.py"}); };
+    const auto upload = [] { QuilpWindow::gInstance->Upload({"a"}, "/"); };
+    const auto quit = [] { QuilpWindow::gInstance->Quit(); };
+    const auto pressClose = [&] { PressButton("close"); };
+    using Act = std::function<void()>;
+    const std::tuple<const char*, Act, bool, Act> rows[] = {
+        {"ls /", refresh, false, pressClose},
+        {"devs", refresh, false, quit},
+        {"rm -r :/main.py", deleteTwo, true, pressClose},
+        {"cp a :/", upload, true, quit},
     };
-    const auto closeButton = [&] { PressButton("close"); };
-    const auto closeWindow = [&] { widget().close(); };
-    const auto closeKey = [&] { QTest::keyClick(&table(), Qt::Key_W, Qt::ControlModifier); };
-    const auto quit = [&] { QuilpWindow::gInstance->Quit(); };
-    const Row rows[] = {
-        {"at once", "", "", [] {}, closeKey},
-        {"while it lists", "ls", "ls /", [&] { PressButton("refresh"); }, closeButton},
-        {"while it asks for the board", "devs", "devs", [&] { PressButton("refresh"); }, quit},
-        {"in the middle of a deletion", "rm", "rm -r :/main.py",
-         [&] {
-             DeleteRows({"boot.py", "main.py"});
-         },
-         closeButton},
-        {"while it uploads", "cp", "cp a :/", [&] { QuilpWindow::gInstance->Upload({"a"}, "/"); },
-         closeWindow},
-        {"with the path menu open", "", "", [&] { OpenPathMenu(); }, closeWindow},
-        {"with the path menu open, by itself", "", "", [&] { OpenPathMenu(); }, quit},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        Open();
-        NewCalls();
-        ToolHangs(row.hanging);
-        row.before();
-        ASSERT_TRUE(*row.call == '\0' || ToolIsCalled(row.call));
-        ToolEnds(row.hanging);
-        row.close();
-        ASSERT_TRUE(WaitUntil([] { return QuilpWindow::gInstance == nullptr; }));
-        EXPECT_EQ(OpenMenu(), nullptr);
+    for (const auto& [call, start, changesFiles, closeWindow] : rows) {
+        SCOPED_TRACE(call);
+        ToolPrints("devs", "");
+        StartHanging(start, call);
+        StartHanging([&] { ::Run(&host); }, "run /tmp/a.py");
+        EXPECT_TRUE(IsBusy()) << "no device line has arrived";
+        EXPECT_TRUE(!changesFiles || Rows().empty());
+        ::Stop();
+        ToolPrints("devs", kBoardLine);
+        Refresh();
+        EXPECT_EQ(Rows().size(), 4U);
+        EXPECT_FALSE(IsBusy());
+        StartHanging(start, call);
+        closeWindow();
+        EXPECT_TRUE(WaitUntil([] { return QuilpWindow::gInstance == nullptr; }));
         Open();
         EXPECT_EQ(Rows().size(), 4U);
-        widget().close();
     }
+    StartHanging(deleteTwo, "rm -r :/main.py");
+    upload();
+    EXPECT_EQ(Rows().size(), 4U) << "the upload reloads them";
+    EXPECT_EQ(SettledCalls(), (Strings{"cp a :/", "ls /", "devs"}));
 }
 
-TEST_F(ScriptedDeviceWindow, AMenuOrADragThatOutlivesTheWindowFindsNobody)
+TEST_F(ScriptedDeviceWindow, AMenuOrADragThatOutlivesTheWindowDoesNothing)
 {
-    OpenAndForgetCalls();
+    OpenPathMenu();
+    QuilpWindow::gInstance->Quit();
+    EXPECT_EQ(OpenMenu(), nullptr);
+    Open();
+    TakeCalls();
     SelectRows({"lib/"});
     ASSERT_NE(OpenContextMenu(), nullptr);
     const QPointer<QAction> remove = OpenMenu()->actions().value(0);
-    const QPointer<QWidget> over = table().viewport();
+    const QPointer<QWidget> viewport = table().viewport();
     EXPECT_TRUE(DragOver(file.data, "lib/"));
     widget().close();
     ASSERT_EQ(QuilpWindow::gInstance, nullptr);
     EXPECT_EQ(OpenMenu(), nullptr);
-    ASSERT_FALSE(remove.isNull()) << "it is still handled";
+    ASSERT_TRUE(remove && viewport) << "events may still reach them";
     remove->trigger();
-    ASSERT_FALSE(over.isNull()) << "the drag has not left it yet";
-    over->grab();  // Paints where the drag was.
+    viewport->grab();
     EXPECT_FALSE(MoveDrag(file.data));
     EXPECT_FALSE(Drop(file.data));
-    EXPECT_TRUE(WaitUntil([&] { return over.isNull() && remove.isNull(); }));
-    Settle();
-    EXPECT_EQ(NewCalls(), Strings{});
+    EXPECT_TRUE(WaitUntil([&] { return !viewport && !remove; }));
+    EXPECT_EQ(SettledCalls(), Strings{});
 }
 
-TEST_F(ScriptedDeviceWindow, MayBeOpenWhenTheProgramEnds)
+TEST_F(ScriptedDeviceWindow, WhatTheUserDoesDuringACommandPrevails)
 {
-    ToolHangs("ls");
-    QuilpWindow::ShowInstance(&host);
-    ASSERT_TRUE(ToolIsCalled("ls /"));
-    runtime.CloseWindows();
-    EXPECT_EQ(QuilpWindow::gInstance, nullptr);
-    EXPECT_TRUE(QuilpWindow::gWindowRect) << "asked to close, it remembers its frame";
-    QuilpWindow::ShowInstance(&host);
-    runtime.ShutDown();
-    EXPECT_EQ(QuilpWindow::gInstance, nullptr);
-}
-
-TEST_F(ScriptedDeviceWindow, RowsOfAnEarlierListingDoNotAppear)
-{
-    Open();
-    ToolHangs("ls");
-    const int before = host.rebound;
     QuilpWindow::gInstance->ChangeDirectory("/slow", "boot.py");
-    // All its lines are posted; the event loop does not get to them.
-    for (int i = 0; i < 2000 && host.rebound < before + 7; ++i) {
-        QThread::msleep(5);
-    }
-    ASSERT_EQ(host.rebound, before + 7);
-    ToolEnds("ls");
-    ToolPrints("ls", " 7 file.py\n");
+    LetCommandExit();
+    ToolPrints("ls", " 7 file.py\n 0 sub/\n");
     QuilpWindow::gInstance->ChangeDirectory("/next", "file.py");
     QuilpWindow::gInstance->ChangeDirectory("/last", "file.py");
     Settle();
-    EXPECT_EQ(Rows(), Strings{"file.py"});
+    EXPECT_EQ(Rows(), (Strings{"file.py", "sub/"}));
     EXPECT_EQ(Entry(0).path, "/last/file.py");
     EXPECT_EQ(Selection(), Strings{"file.py"});
     EXPECT_EQ(pathButton().text(), "last");
-}
 
-TEST_F(ScriptedDeviceWindow, WhatTheUserSelectsMeanwhileStaysSelected)
-{
-    Open();
-    DoubleClick("lib/");
-    Settle();
-    CommandKey(Qt::Key_Up);
-    ASSERT_TRUE(WaitUntil([&] { return Rows().size() == 4U && Selection().empty(); }));
-    SelectRows({"boot.py"});
-    Settle();
-    EXPECT_EQ(Selection(), Strings{"boot.py"});
-}
-
-TEST_F(ScriptedDeviceWindow, ADirectoryOpenedWhileADeletionRunsIsListed)
-{
-    Open();
-    const auto threads = CurrentHoldings().threads;
-    DeleteRows({"boot.py", "main.py"});
-    ASSERT_TRUE(ToolIsCalled("rm -r :/main.py"));
-    // The end of the first deletion is posted; the event loop does not get to it.
-    for (int i = 0; i < 2000 && CurrentHoldings().threads > threads; ++i) {
-        QThread::msleep(5);
-    }
-    DoubleClick("lib/");
-    Settle();
-    EXPECT_EQ(Rows().size(), 4U);
-    EXPECT_EQ(Entry(0).path, "/lib/boot.py");
+    DeleteRows({"file.py", "sub/"});
+    LetCommandExit();
+    DoubleClick("sub/");
+    EXPECT_EQ(Entry(0).path, "/last/sub/file.py");
     EXPECT_FALSE(IsBusy());
-}
 
-TEST_F(ScriptedDeviceWindow, ADeletionRightAfterARefreshEndsInAListing)
-{
-    Open();
-    SelectRows({"boot.py"});
-    PressButton("refresh");
-    runtime.queue().Post([&] { CommandKey(Qt::Key_Backspace); });
+    QuilpWindow::gInstance->ChangeDirectory("/a", "sub");
+    ASSERT_TRUE(WaitUntil([&] { return Rows().size() == 2U; }));
+    SelectRows({"file.py"});
     Settle();
-    EXPECT_EQ(Rows().size(), 4U);
-    EXPECT_FALSE(IsBusy());
-}
-
-TEST_F(ScriptedDeviceWindow, ARunIsNotStoppedAndLeavesNoRowsOfChangedFiles)
-{
-    struct Row {
-        const char* hanging;
-        const char* call;
-        std::function<void()> act;
-    };
-    const Row rows[] = {
-        {"ls", "ls /", [&] { PressButton("refresh"); }},
-        {"devs", "devs", [&] { PressButton("refresh"); }},
-        {"rm", "rm -r :/main.py",
-         [&] {
-             DeleteRows({"boot.py", "main.py"});
-         }},
-        {"cp", "cp a :/", [&] { QuilpWindow::gInstance->Upload({"a"}, "/"); }},
-    };
-    ToolHangs("run");
-    Open();
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.hanging);
-        NewCalls();
-        ToolPrints("devs", "");
-        ToolHangs(row.hanging);
-        row.act();
-        ASSERT_TRUE(ToolIsCalled(row.call));
-        ::Run(&host);
-        ToolEnds(row.hanging);
-        ASSERT_TRUE(ToolIsCalled("run /tmp/a.py"));
-        EXPECT_FALSE(runtime.IsIdle());
-        EXPECT_TRUE(IsBusy()) << "no device line has arrived";
-        if (&row >= &rows[2]) {
-            EXPECT_EQ(Rows(), Strings{}) << "a file may be gone";
-        }
-        ::Stop();
-        ToolPrints("devs", kBoardLine);
-        PressButton("refresh");
-        Settle();
-        EXPECT_EQ(Rows().size(), 4U);
-        EXPECT_FALSE(IsBusy());
-    }
-}
-
-TEST_F(ScriptedDeviceWindow, AnUploadThatReplacesADeletionKeepsTheRowsUntilTheReload)
-{
-    OpenAndForgetCalls();
-    ToolHangs("rm");
-    DeleteRows({"boot.py"});
-    ASSERT_TRUE(ToolIsCalled("rm -r :/boot.py"));
-    EXPECT_TRUE(DragOver(file.data, "lib/"));
-    EXPECT_TRUE(Drop(file.data));
-    EXPECT_EQ(Rows().size(), 4U);
-    Settle();
-    EXPECT_EQ(NewCalls(),
-              (Strings{"rm -r :/boot.py", "cp " + file.path + " :/lib", "ls /", "devs"}));
+    EXPECT_EQ(Selection(), Strings{"file.py"});
 }

@@ -5,38 +5,24 @@
 #include "runnable.h"
 #include "wait.h"
 
+#include <algorithm>
+#include <cstring>
 #include <filesystem>
 
 namespace {
 
 class Commands : public PluginTest {
   protected:
-    LineCallback Collect()
-    {
-        return [this](const std::string_view& line) { lines.emplace_back(line); };
-    }
-    std::function<void()> Done()
-    {
-        return [this] { ++done; };
-    }
-
-    Strings lines;
     int done = 0;
+    const std::function<void()> onDone = [this] { ++done; };
 };
 
 }  // namespace
 
-TEST_F(Commands, WhatIsRunnableIsFoundWithAsFewQuestionsAsNeeded)
+TEST_F(Commands, TheRunnableFileIsFoundWithAsFewQueriesAsNeeded)
 {
-    struct Row {
-        std::uint32_t language;
-        bool project, current;
-        std::uint32_t targetLanguage;
-        bool runnable;
-        const char* path;
-        const char* questions;
-    };
-    const Row rows[] = {
+    using Language = std::uint32_t;
+    const std::tuple<Language, bool, bool, Language, bool, const char*, const char*> rows[] = {
         {19, true, true, 19, true, "/d.py", "DocumentLanguage"},
         {0, false, false, 19, false, "", "DocumentLanguage HasProjectTarget HasCurrentTarget"},
         {0, true, true, 19, true, "/t",
@@ -46,69 +32,99 @@ TEST_F(Commands, WhatIsRunnableIsFoundWithAsFewQuestionsAsNeeded)
     };
     host.document = "/d.py";
     host.target = "/t";
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.questions);
-        host.language = row.language;
-        host.projectTarget = row.project;
-        host.currentTarget = row.current;
-        host.targetLanguage = row.targetLanguage;
+    for (const auto& [language, project, current, targetLanguage, runnable, path, queries] : rows) {
+        host.language = language;
+        host.projectTarget = project;
+        host.currentTarget = current;
+        host.targetLanguage = targetLanguage;
         host.TakeLog();
-        EXPECT_EQ(IsDocumentOrTargetRunnable(&host), row.runnable);
-        EXPECT_EQ(host.TakeLog(), row.questions);
-        EXPECT_EQ(RunnableDocumentOrTargeRef(&host).path(), row.path);
+        EXPECT_EQ(IsDocumentOrTargetRunnable(&host), runnable);
+        EXPECT_EQ(host.TakeLog(), queries);
+        EXPECT_EQ(RunnableDocumentOrTargeRef(&host).path(), path) << queries;
     }
 }
 
-TEST_F(Commands, EachStartsItsLineInANewShellAfterStoppingTheOld)
+TEST_F(Commands, EachRunsItsLineInANewShellAndForwardsOutputAndCompletion)
 {
     const TemporaryFolder local;
     const auto link = local / "link";
     std::filesystem::create_directory_symlink(local.path(), link);
+    const Strings files{"/a b", "/c"};
+    const std::string board = "/dev/ttyACM0 e661 2e8a:0005 MicroPython Board";
+    const std::string fixed = "/dev/cu.usbmodem1101 None 0000:0000 None None";
+    const std::string port = "/dev/ttyS0 None 0000:0000 None None";
+    const std::string error = "\"<stdin>\", \"<stdin>\"";
+    const std::string other = "MicroPython usbmodem1101\n /dev/x MicroPython\n";
+    const Strings pieces{error + "\n", other, "", board + "\r\n", fixed + "\n" + port, port + "\n"};
+    const std::string withoutPort = error + "\n" + other + board + "\r\n" + fixed + "\n" + port;
+    const std::string all = withoutPort + port + "\n";
+    const std::string withPath = "/p/a b.py" + all.substr(std::strlen("\"<stdin>\""));
+    Strings lines;
+    const auto collect = [&](const std::string_view& line) { lines.emplace_back(line); };
     struct Row {
-        const char* name;
-        std::function<void()> act;
         std::string words;
+        std::function<void()> act;
+        std::string worksheet;
+        Strings lines = {};
+        int completions = 0;
     };
     const Row rows[] = {
-        {"Run", [&] { EXPECT_TRUE(::Run(&host)); }, " run /p/a b.py\n"},
-        {"Upload", [&] { Upload(&host, ""); }, " cp /p/a b.py :'a b.py'\n"},
-        {"Upload by name", [&] { Upload(&host, "main.py"); }, " cp /p/a b.py :'main.py'\n"},
-        {"List", [&] { List(&host); }, " ls \n"},
-        {"Status", [&] { Status(&host); }, " devs df \n"},
-        {"DirectoryListing", [&] { DirectoryListing(&host, "/a b", {}, {}); }, " ls '/a b'\n"},
-        {"DeleteOne", [&] { DeleteOne(&host, "/a b", {}); }, " rm -r :'/a b'\n"},
-        {"CopyToDevice",
-         [&] {
-             CopyToDevice(&host, {"/a b", "/c"}, "/lib", {});
-         },
-         " cp '/a b' :'/lib'\n"},
-        {"CopyToDevice of a folder", [&] { CopyToDevice(&host, {link}, "/", {}); },
-         " cp  -r '" + link + "' :'/'\n"},
-        {"GetDeviceName", [&] { GetDeviceName(&host, {}, {}); }, " devs \n"},
+        {" run /p/a b.py\n", [&] { EXPECT_TRUE(::Run(&host)); }, withPath},
+        {" cp /p/a b.py :'a b.py'\n", [&] { Upload(&host, ""); }, all},
+        {" cp /p/a b.py :'main.py'\n", [&] { Upload(&host, "main.py"); }, all},
+        {" ls \n", [&] { List(&host); }, all},
+        {" devs df \n", [&] { Status(&host); }, withoutPort},
+        {" rm -r :'/a b'\n", [&] { DeleteOne(&host, "/a b", onDone); }, all, {}, 1},
+        {" cp '/a b' :'/lib'\n",
+         [&] { CopyToDevice(&host, files, "/lib", onDone); },
+         host.Tool() + " cp '/a b' :'/lib'" + all,
+         {},
+         1},
+        {" cp  -r '" + link + "' :'/'\n",
+         [&] { CopyToDevice(&host, {link}, "/", onDone); },
+         host.Tool() + " cp  -r '" + link + "' :'/'" + all,
+         {},
+         1},
+        {" ls '/a b'\n",
+         [&] { DirectoryListing(&host, "/a b", collect, onDone); },
+         "",
+         {error, "MicroPython usbmodem1101", " /dev/x MicroPython", board, fixed, port, port},
+         1},
+        {" devs \n", [&] { GetDeviceName(&host, collect, onDone); }, "", {board, fixed}, 1},
     };
     OpenPython("/p/a b.py");
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
+        SCOPED_TRACE(row.words);
         row.act();
         EXPECT_EQ(shells::TakeCalls(), (Strings{"new Execute", RunLine(row.words)}));
+        host.worksheet.clear();
         row.act();
         EXPECT_EQ(shells::TakeCalls(),
                   (Strings{"stop", "new Execute", "release", RunLine(row.words)}));
+        lines.clear();
+        std::ranges::for_each(pieces, shells::Print);
+        EXPECT_EQ(host.worksheet, row.worksheet);
+        EXPECT_EQ(lines, row.lines);
+        EXPECT_EQ(done, 0);
+        shells::Finish();
+        EXPECT_EQ(std::exchange(done, 0), row.completions);
         Stop();
         shells::TakeCalls();
     }
-    host.bundle = nullptr;
-    List(&host);
-    EXPECT_EQ(shells::TakeCalls().back(), "run /mpremote/mpremote.py ls \n");
 }
 
-TEST_F(Commands, StopStartsDisconnectThenStopsAndForgets)
+TEST_F(Commands, StopStartsDisconnectAndForgetsTheShellWhichAResetKeeps)
 {
     for (const std::string path : {"", "/p/a b.c"}) {
         host.document = path;
         gRunningCommand = "a.py";
         List(&host);
+        shells::Finish();
         shells::TakeCalls();
+        ResetShell();
+        EXPECT_EQ(shells::TakeCalls(), Strings{"stop"});
+        EXPECT_TRUE(Running());
+        EXPECT_EQ(gRunningCommand, "a.py");
         Stop(&host);
         EXPECT_EQ(shells::TakeCalls(),
                   (Strings{"stop", "new Execute", "release", RunLine(" disconnect " + path + "\n"),
@@ -116,29 +132,8 @@ TEST_F(Commands, StopStartsDisconnectThenStopsAndForgets)
         EXPECT_FALSE(Running());
         EXPECT_EQ(gRunningCommand, "");
     }
-}
-
-TEST_F(Commands, TheRunnerStopsTheShellAndForgetsItOnlyWhenToldTo)
-{
-    gRunningCommand = "a.py";
-    ResetShell();
-    EXPECT_EQ(gRunningCommand, "a.py");
     Stop();
-    EXPECT_EQ(gRunningCommand, "");
     EXPECT_EQ(shells::TakeCalls(), Strings{}) << "there is no shell";
-
-    OpenPython("/p/a.py");
-    ::Run(&host);
-    shells::TakeCalls();
-    shells::Finish();
-    EXPECT_TRUE(Running());
-    ResetShell();
-    EXPECT_EQ(shells::TakeCalls(), Strings{"stop"});
-    EXPECT_TRUE(Running());
-    EXPECT_EQ(gRunningCommand, "a.py");
-    Stop();
-    EXPECT_EQ(shells::TakeCalls(), (Strings{"stop", "release"}));
-    EXPECT_FALSE(Running());
 }
 
 TEST_F(Commands, WithoutAFileNothingIsStarted)
@@ -148,125 +143,34 @@ TEST_F(Commands, WithoutAFileNothingIsStarted)
     EXPECT_EQ(gRunningCommand, "a.py");
     Upload(&host, "");
     Upload(&host, "main.py");
-    CopyToDevice(&host, {}, "/", Done());
+    CopyToDevice(&host, {}, "/", onDone);
     EXPECT_EQ(host.worksheet, "");
     DumpUpload(&host);
     EXPECT_EQ(host.worksheet, host.Tool() + " cp '<from>':'<to>'");
     EXPECT_EQ(shells::TakeCalls(), Strings{});
     EXPECT_EQ(done, 0);
-
-    OpenPython("");
-    host.TakeLog();
-    Upload(&host, "");
-    EXPECT_EQ(host.TakeLog(), "DocumentLanguage DocumentRef DocumentLanguage DocumentRef");
-    Upload(&host, "main.py");
-    EXPECT_EQ(host.TakeLog(), "DocumentLanguage DocumentRef");
 }
 
-TEST_F(Commands, EachForwardsItsOutputWhereItBelongs)
+TEST_F(Commands, DeletesTheLastPathFirstAndIsFreedWhenFinishedOrInterrupted)
 {
-    const std::string board = "/dev/ttyACM0 e661 2e8a:0005 MicroPython Board\r\n";
-    const std::string fixed = "/dev/cu.usbmodem1101 None 0000:0000 None None\n";
-    const std::string others = "MicroPython usbmodem1101\n /dev/x MicroPython\n";
-    const std::string port = "/dev/ttyS0 None 0000:0000 None None\n";
-    const Strings ports{port, board, fixed, others, port + board};
-    struct Row {
-        const char* name;
-        std::function<void()> act;
-        Strings pieces;
-        std::string worksheet;
-        Strings lines;
-    };
-    const Row rows[] = {
-        {"List", [&] { List(&host); }, {"a\nb", "\r\n"}, "a\nb\r\n", {}},
-        {"Run",
-         [&] { ::Run(&host); },
-         {"File \"<stdin>\", \"<stdin>\"\n", "\"<stdin>\" <stdin>\n"},
-         "File /p/a.py, \"<stdin>\"\n/p/a.py <stdin>\n",
-         {}},
-        {"Status", [&] { Status(&host); }, ports, board + fixed + others + port + board, {}},
-        {"DeleteOne", [&] { DeleteOne(&host, "/a", {}); }, {"error\n"}, "error\n", {}},
-        {"CopyToDevice",
-         [&] {
-             CopyToDevice(&host, {"/a", "/b"}, "/lib", {});
-         },
-         {"error\n"},
-         host.Tool() + " cp '/a' :'/lib'error\n",
-         {}},
-        {"DirectoryListing",
-         [&] { DirectoryListing(&host, "/", Collect(), {}); },
-         {"ls :\r\n 1 a\n", "", " 2 b"},
-         "",
-         {"ls :", " 1 a", " 2 b"}},
-        {"GetDeviceName",
-         [&] { GetDeviceName(&host, Collect(), {}); },
-         ports,
-         "",
-         {board.substr(0, board.size() - 2), fixed.substr(0, fixed.size() - 1),
-          board.substr(0, board.size() - 2)}},
-    };
-    OpenPython("/p/a.py");
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        host.worksheet.clear();
-        lines.clear();
-        row.act();
-        for (const auto& piece : row.pieces) {
-            shells::Print(piece);
-        }
-        EXPECT_EQ(host.worksheet, row.worksheet);
-        EXPECT_EQ(lines, row.lines);
-    }
-}
-
-TEST_F(Commands, ACompletionIsForwardedOrDropped)
-{
-    const std::function<void()> operations[] = {
-        [&] { Execute(&host, "line\n", {}, Done()); },
-        [&] { DirectoryListing(&host, "/", Collect(), Done()); },
-        [&] { DeleteOne(&host, "/a", Done()); },
-        [&] { CopyToDevice(&host, {"/a"}, "/", Done()); },
-        [&] { GetDeviceName(&host, Collect(), Done()); },
-    };
-    for (const auto& operation : operations) {
-        done = 0;
-        operation();
-        EXPECT_EQ(done, 0);
-        shells::Finish();
-        EXPECT_EQ(done, 1);
-        operation();
-        List(&host);
-        shells::Finish();
-        EXPECT_EQ(done, 1) << "dropped by the next command";
-    }
-}
-
-TEST_F(Commands, DeletesTheLastPathFirstAndEachAfterTheOneBefore)
-{
-    Delete(&host, {"/a", "/b", "/c"}, Done());
-    for (const char* path : {"/c", "/b", "/a"}) {
-        EXPECT_EQ(shells::TakeCalls().back(), RunLine(std::string(" rm -r :'") + path + "'\n"));
-        EXPECT_EQ(done, 0);
+    const auto completions = std::make_shared<int>(0);
+    const auto count = [completions] { ++*completions; };
+    Delete(&host, {"/a", "/b", "/c"}, count);
+    for (const std::string path : {"/c", "/b", "/a"}) {
+        EXPECT_EQ(TakeWords(), " rm -r :'" + path + "'\n");
+        EXPECT_EQ(*completions, 0);
         shells::Finish();
     }
-    EXPECT_EQ(done, 1);
+    EXPECT_EQ(*completions, 1);
+    Delete(&host, {}, count);
+    EXPECT_EQ(*completions, 2);
     EXPECT_EQ(shells::TakeCalls(), Strings{});
-    Delete(&host, {}, Done());
-    EXPECT_EQ(done, 2);
-    EXPECT_EQ(shells::TakeCalls(), Strings{});
-}
+    EXPECT_EQ(completions.use_count(), 2) << "finished";
 
-TEST_F(Commands, ADeletionThatHasEndedOrWasBrokenOffIsFreed)
-{
-    const auto captured = std::make_shared<int>();
-    Delete(&host, {"/a"}, [captured] {});
-    shells::Finish();
-    EXPECT_EQ(captured.use_count(), 1) << "ended";
-    Delete(&host, {"/a", "/b"}, [captured] {});
-    EXPECT_EQ(captured.use_count(), 2);
+    Delete(&host, {"/a", "/b"}, count);
     List(&host);
-    EXPECT_EQ(captured.use_count(), 1) << "broken off";
+    EXPECT_EQ(completions.use_count(), 2) << "interrupted";
     shells::TakeCalls();
     shells::Finish();
-    EXPECT_EQ(shells::TakeCalls(), Strings{}) << "nothing follows the user's command";
+    EXPECT_EQ(shells::TakeCalls(), Strings{}) << "no deletion follows another command";
 }

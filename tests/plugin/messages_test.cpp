@@ -3,22 +3,9 @@
 
 #include <dlfcn.h>
 
-#include <algorithm>
+using Messages = PluginTest;
 
-namespace {
-
-class Messages : public PluginTest {
-  protected:
-    std::int32_t Command(const char* name)
-    {
-        host.commandName = name;
-        return PluginMain(103, &host);
-    }
-};
-
-}  // namespace
-
-TEST_F(Messages, LoadAndRegisterAnswerTheHost)
+TEST_F(Messages, LoadingRegistersTheCommandsAndTheSettingsKey)
 {
     EXPECT_EQ(PluginMain(1, &host), 1);
     EXPECT_EQ(host.loadReply[0], 19);
@@ -45,95 +32,79 @@ TEST_F(Messages, TheModuleExportsItsNamesUndecorated)
     dlclose(module);
 }
 
-TEST_F(Messages, UnknownMessagesAndNamesDoNothing)
+TEST_F(Messages, UnknownMessagesDoNothing)
 {
     for (const int message : {102, 3, 0, -1, 99, 401}) {
         EXPECT_EQ(PluginMain(message, &host), 0) << message;
     }
-    for (const char* name : {"", "QuilpRu", "QuilpRunX", "quilprun"}) {
-        EXPECT_EQ(Command(name), 0) << name;
-    }
-    EXPECT_EQ(Command(nullptr), 0);
     EXPECT_EQ(host.log, "");
-    EXPECT_EQ(shells::TakeCalls(), Strings{});
 }
 
-TEST_F(Messages, AKnownCommandIsAcknowledgedAndRunsOnlyWhatIsRunnable)
+TEST_F(Messages, ACommandIsFoundByItsExactNameAndRunsOnlyARunnableFile)
 {
-    struct Row {
-        const char* name;
-        std::string words;
-        bool needsFile;
+    const std::tuple<const char*, std::int32_t, const char*, const char*> rows[] = {
+        {"QuilpRun", 2, " run /p/blink.py\n", ""},
+        {"QuilpUpload", 2, " cp /p/blink.py :'blink.py'\n", ""},
+        {"QuilpUploadAsMain", 2, " cp /p/blink.py :'main.py'\n", ""},
+        {"QuilpList", 2, " ls \n", " ls \n"},
+        {"QuilpStop", 2, " disconnect /p/blink.py\n", " disconnect /p/blink.py\n"},
+        {"QuilpRu", 0, "", ""},
+        {"QuilpRunX", 0, "", ""},
+        {"quilprun", 0, "", ""},
+        {"", 0, "", ""},
+        {nullptr, 0, "", ""},
     };
-    const Row rows[] = {
-        {"QuilpRun", " run /p/blink.py\n", true},
-        {"QuilpUpload", " cp /p/blink.py :'blink.py'\n", true},
-        {"QuilpUploadAsMain", " cp /p/blink.py :'main.py'\n", true},
-        {"QuilpList", " ls \n", false},
-        {"QuilpStop", " disconnect /p/blink.py\n", false},
-    };
-    host.document = "/p/blink.py";
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.name);
-        for (const bool isPython : {true, false}) {
-            host.language = isPython ? kPythonLanguage : 0;
-            EXPECT_EQ(Command(row.name), 2);
-            const auto calls = shells::TakeCalls();
-            EXPECT_EQ(std::ranges::count(calls, RunLine(row.words)), isPython || !row.needsFile);
-            EXPECT_EQ(calls.empty(), !isPython && row.needsFile);
-        }
+    for (const auto& [name, result, wordsForPython, wordsForOther] : rows) {
+        host.commandName = name;
+        OpenPython("/p/blink.py");
+        EXPECT_EQ(PluginMain(103, &host), result);
+        EXPECT_EQ(TakeWords(), wordsForPython);
+        host.language = 0;
+        EXPECT_EQ(PluginMain(103, &host), result);
+        EXPECT_EQ(TakeWords(), wordsForOther);
     }
-    EXPECT_FALSE(Running()) << "the last was a stop";
 }
 
-TEST_F(Messages, TheButtonRunsWithoutAskingForTheTargetsLanguage)
+TEST_F(Messages, TheButtonIsOfferedForPythonOrATargetAndRunsIt)
 {
-    EXPECT_EQ(PluginMain(100, &host), 0);
-    host.currentTarget = true;
+    host.document = "/d.py";
     host.target = "/t.c";
-    EXPECT_EQ(PluginMain(100, &host), 1);
-    EXPECT_EQ(shells::TakeCalls(), (Strings{"new Execute", RunLine(" run /t.c\n")}));
+    const std::tuple<bool, bool, std::uint32_t, const char*, const char*> rows[] = {
+        {false, false, 0, "HasCurrentTarget HasProjectTarget DocumentLanguage", ""},
+        {false, false, 19, "HasCurrentTarget HasProjectTarget DocumentLanguage button Run",
+         " run /d.py\n"},
+        {false, true, 0, "HasCurrentTarget HasProjectTarget button Run", " run /t.c\n"},
+        {true, true, 19, "HasCurrentTarget button Run", " run /d.py\n"},
+    };
+    for (const auto& [current, project, language, log, words] : rows) {
+        host.currentTarget = current;
+        host.projectTarget = project;
+        host.language = language;
+        host.TakeLog();
+        EXPECT_EQ(PluginMain(307, &host), 0);
+        EXPECT_EQ(host.TakeLog(), log);
+        EXPECT_EQ(PluginMain(100, &host), *words != '\0');
+        EXPECT_EQ(TakeWords(), words);
+    }
 }
 
 TEST_F(Messages, TheFrameIsReadFromTheSettingsAndWrittenBack)
 {
-    EXPECT_EQ(PluginMain(104, &host), 1) << "no line";
+    EXPECT_EQ(PluginMain(104, &host), 1) << "no settings";
     EXPECT_EQ(PluginMain(400, &host), 1);
     EXPECT_EQ(host.log, "") << "no frame";
-    const auto read = [&](std::vector<const char*> words) {
-        words.push_back(nullptr);
-        host.settingsArgv = words.data();
-        EXPECT_EQ(PluginMain(104, &host), 1);
-        host.settingsArgv = nullptr;
+    const std::vector<const char*> lines[] = {
+        {"QuilpWindowFrame", "-frame", "1,2,30,40.5", nullptr},
+        {nullptr},
+        {"QuilpWindowFrame", nullptr},
+        {"QuilpWindowFrame", "-frame", "1,2,3", nullptr},
+        {"QuilpWindowFrame", "frame", "-frame", "5,6,70,80", nullptr},
     };
-    read({"QuilpWindowFrame", "-frame", "1,2,30,40.5"});
-    read({});
-    read({"QuilpWindowFrame"});
-    read({"QuilpWindowFrame", "-frame", "1,2,3"});
-    read({"QuilpWindowFrame", "frame", "-frame", "5,6,70,80"});
+    for (const auto& line : lines) {
+        host.settingsArgv = line.data();
+        EXPECT_EQ(PluginMain(104, &host), 1);
+    }
     EXPECT_EQ(PluginMain(400, &host), 1);
     EXPECT_EQ(host.log, "settings QuilpWindowFrame -frame 1,2,30,40.5\n");
     QuilpWindow::gWindowRect.reset();
-}
-
-TEST_F(Messages, TheButtonIsOfferedForPythonOrATargetWithAsFewQuestionsAsNeeded)
-{
-    struct Row {
-        bool current, project;
-        std::uint32_t language;
-        const char* log;
-    };
-    const Row rows[] = {
-        {false, false, 0, "HasCurrentTarget HasProjectTarget DocumentLanguage"},
-        {false, false, 19, "HasCurrentTarget HasProjectTarget DocumentLanguage button Run"},
-        {false, true, 0, "HasCurrentTarget HasProjectTarget button Run"},
-        {true, true, 19, "HasCurrentTarget button Run"},
-    };
-    for (const auto& row : rows) {
-        host.currentTarget = row.current;
-        host.projectTarget = row.project;
-        host.language = row.language;
-        EXPECT_EQ(PluginMain(307, &host), 0);
-        EXPECT_EQ(host.TakeLog(), row.log);
-    }
 }

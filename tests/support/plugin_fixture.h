@@ -26,8 +26,19 @@ class PluginTest : public testing::Test {
         host.language = kPythonLanguage;
         host.document = path;
     }
-    // The call that runs this line of the tool.
+    // The call that runs the tool with these words.
     std::string RunLine(const std::string& words) const { return "run " + host.Tool() + words; }
+    // Returns the words of the lines that were run, joined, and forgets all calls.
+    std::string TakeWords()
+    {
+        std::string words;
+        for (const auto& call : shells::TakeCalls()) {
+            if (call.starts_with(RunLine(""))) {
+                words += call.substr(RunLine("").size());
+            }
+        }
+        return words;
+    }
 
     Runtime runtime;
     RecordingHost host;

@@ -2,14 +2,18 @@
 
 #include "PluginInterface.h"
 #include "plugin_bundle.h"
+#include "rebinder.h"
 
-#include <atomic>
+#include <gtest/gtest.h>
+
+#include <QString>
+
+#include <cstdarg>
 #include <string>
+#include <tuple>
 #include <utility>
-#include <vector>
 
-// A host that gives the answers that a test has set, and records in `log` what it is asked and
-// what it is given. Its bundle is the real one.
+// A host that returns what a test has set and records its calls in `log`.
 class RecordingHost final : public PluginInterface {
   public:
     RecordingHost() { bundle = &itsBundle; }
@@ -27,36 +31,66 @@ class RecordingHost final : public PluginInterface {
     std::string target;
     BRect buttonFrame;
     std::pair<std::uint32_t, std::uint32_t> shortcut{0, 0};  // of every command
-    std::vector<std::string> shortcutsAsked;                 // the names
-    std::string log;                                         // with a blank between the entries
+    std::string log;                                         // entries separated by spaces
     std::string worksheet;
-    std::atomic<int> rebound = 0;  // how often a rebinder was called
 
-    void AddButton(const std::string& name, void* pluginBundle) override;
+    void AddButton(const std::string& name, void* pluginBundle) override
+    {
+        EXPECT_EQ(pluginBundle, bundle);
+        Note("button " + name);
+    }
     BRect ButtonFrame() override { return buttonFrame; }
     void RegisterSettingsKey(const std::string& key) override { Note("key " + key); }
-    void RegisterCommand(const std::string& name, const std::string& description) override;
+    void RegisterCommand(const std::string& name, const std::string& description) override
+    {
+        Note("command " + name + ": " + description);
+    }
     EntryRef DocumentRef() override { return Note("DocumentRef", EntryRef(document)); }
     bool HasCurrentTarget() override { return Note("HasCurrentTarget", currentTarget); }
     bool HasProjectTarget() override { return Note("HasProjectTarget", projectTarget); }
     std::uint32_t DocumentLanguage() override { return Note("DocumentLanguage", language); }
-    void WriteSettings(const char* format, ...) override;
-    std::pair<std::uint32_t, std::uint32_t> CommandShortcut(const std::string& name) override;
-    Rebinder MakeRebinder(std::int32_t kind) override;
+    void WriteSettings(const char* format, ...) override
+    {
+        va_list arguments;
+        va_start(arguments, format);
+        Note("settings " + QString::vasprintf(format, arguments).toStdString());
+        va_end(arguments);
+    }
+    std::pair<std::uint32_t, std::uint32_t> CommandShortcut(const std::string& name) override
+    {
+        return Note("shortcut of " + name, shortcut);
+    }
+    Rebinder MakeRebinder(std::int32_t kind) override
+    {
+        EXPECT_EQ(kind, 0);
+        return MakeRebinderFor(*this);
+    }
     void InsertInWorksheet(const std::string& text, const std::string& second, std::int32_t third,
-                           std::int32_t fourth, std::int32_t fifth) override;
-    std::uint32_t TargetLanguage(std::uint32_t handle) override;
-    EntryRef TargetRef(std::uint32_t handle) override;
+                           std::int32_t fourth, std::int32_t fifth) override
+    {
+        EXPECT_EQ(std::tuple(second, third, fourth, fifth), std::tuple("", 1, 1, -1));
+        worksheet += text;
+    }
+    std::uint32_t TargetLanguage(std::uint32_t handle) override
+    {
+        EXPECT_EQ(handle, kTarget);
+        return Note("TargetLanguage", targetLanguage);
+    }
+    EntryRef TargetRef(std::uint32_t handle) override
+    {
+        EXPECT_EQ(handle, kTarget);
+        return Note("TargetRef", EntryRef(target));
+    }
     std::uint32_t CurrentTarget() override { return Note("CurrentTarget", kTarget); }
 
   private:
     static constexpr std::uint32_t kTarget = 42;
 
-    // Adds an entry to the log; the answer is given on.
-    template <class Answer = int>
-    Answer Note(const std::string& entry, Answer answer = {})
+    // Adds an entry to the log and returns the result.
+    template <class Result = int>
+    Result Note(const std::string& entry, Result result = {})
     {
         log += (log.empty() ? "" : " ") + entry;
-        return answer;
+        return result;
     }
 };

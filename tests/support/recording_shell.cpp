@@ -9,7 +9,6 @@ namespace {
 std::vector<std::string> calls;
 std::function<void(std::string&&)> print;
 unique_function<void()> done;
-const SimpleShell* newest = nullptr;
 
 }  // namespace
 
@@ -24,16 +23,12 @@ SimpleShell::SimpleShell(std::function<void(std::string&&)> onOutput, const std:
 SimpleShell::~SimpleShell()
 {
     calls.emplace_back("release");
-    if (newest == this) {
-        done = {};
-    }
 }
 
 void SimpleShell::Run(const std::string& commandLine, unique_function<void()>&& itsDone)
 {
     calls.push_back("run " + commandLine);
     done = std::move(itsDone);
-    newest = this;
 }
 
 void SimpleShell::Stop()
@@ -42,23 +37,19 @@ void SimpleShell::Stop()
     done = {};
 }
 
-namespace shells {
-
-std::vector<std::string> TakeCalls()
+std::vector<std::string> shells::TakeCalls()
 {
     return std::exchange(calls, {});
 }
 
-void Print(std::string piece)
+void shells::Print(std::string piece)
 {
     print(std::move(piece));
 }
 
-void Finish()
+void shells::Finish()
 {
     if (auto itsDone = std::exchange(done, {})) {
         itsDone();
     }
 }
-
-}  // namespace shells

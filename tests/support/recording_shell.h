@@ -3,15 +3,15 @@
 #include <string>
 #include <vector>
 
-// A SimpleShell in place of the kit's: a test program that contains it starts no command. It keeps
-// SimpleShell's contract for completions.
+// Replaces the kit's SimpleShell in a test program by one that starts no command. Like the kit's,
+// it drops the completion when it is stopped.
 namespace shells {
 
-// What was called since the last time, in order: "new LABEL", "run LINE", "stop" and "release".
+// Returns and forgets the calls, in order: "new LABEL", "run LINE", "stop" and "release".
 std::vector<std::string> TakeCalls();
-
-// The command of the shell that was made last prints a piece of output, or ends.
+// Has the newest shell's command print a piece of output.
 void Print(std::string piece);
+// Calls the completion of the last command, if it was not dropped.
 void Finish();
 
 }  // namespace shells
