@@ -177,10 +177,10 @@ TEST_F(ScriptedDeviceWindow, DirectoriesAreEnteredAndLeft)
         {"the current path", go("/lib", "boot.py"), {}, {}},
         {"..", go("../x", "none"), {"ls ../x", "devs"}, {}},
         {"a slash at the end", go("/a/", "lib"), {"ls /a/", "devs"}, {"lib/"}},
-        {"relative", go("b", ""), {"ls /a/b", "devs"}, {}},
-        {"relative, below", go("c", "boot.py"), {"ls /a/b/c", "devs"}, {"boot.py"}},
-        {"no such row", [] { QuilpWindow::gInstance->Select("none"); }, {}, {"boot.py"}},
-        {"no name", [] { QuilpWindow::gInstance->Select(""); }, {}, {"boot.py"}},
+        {"relative", go("b", "boot.py"), {"ls /a/b", "devs"}, {"boot.py"}},
+        {"another row", [] { QuilpWindow::gInstance->Select("lib"); }, {}, {"lib/"}},
+        {"no such row", [] { QuilpWindow::gInstance->Select("none"); }, {}, {"lib/"}},
+        {"no name", [] { QuilpWindow::gInstance->Select(""); }, {}, {"lib/"}},
     };
     for (const auto& [name, act, calls, selection] : rows) {
         act();

@@ -52,7 +52,7 @@ TEST_F(Commands, EachRunsItsLineInANewShellAndForwardsOutputAndCompletion)
     const Strings files{"/a b", "/c"};
     const std::string board = "/dev/ttyACM0 e661 2e8a:0005 MicroPython Board";
     const std::string fixed = "/dev/cu.usbmodem1101 None 0000:0000 None None";
-    const std::string port = "/dev/ttyS0 None 0000:0000 None None";
+    const std::string port = "/dev/cu.usbmodem110 None 0000:0000 None None";
     const std::string error = "\"<stdin>\", \"<stdin>\"";
     const std::string other = "MicroPython usbmodem1101\n /dev/x MicroPython\n";
     const Strings pieces{error + "\n", other, "", board + "\r\n", fixed + "\n" + port, port + "\n"};

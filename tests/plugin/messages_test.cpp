@@ -95,7 +95,7 @@ TEST_F(Messages, TheFrameIsReadFromTheSettingsAndWrittenBack)
     EXPECT_EQ(host.log, "") << "no frame";
     const std::vector<const char*> lines[] = {
         {"QuilpWindowFrame", "-frame", "1,2,30,40.5", nullptr},
-        {nullptr},
+        {nullptr, "-frame", "5,6,70,80", nullptr},
         {"QuilpWindowFrame", nullptr},
         {"QuilpWindowFrame", "-frame", "1,2,3", nullptr},
         {"QuilpWindowFrame", "frame", "-frame", "5,6,70,80", nullptr},

@@ -133,7 +133,6 @@ class DeviceWindowTest : public testing::Test {
         }
         return names;
     }
-    // Waits for the consequences.
     void DoubleClick(const std::string& name)
     {
         const QPoint at = CenterOf(name);

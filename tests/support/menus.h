@@ -33,4 +33,5 @@ inline void ClickItem(QMenu& menu, const std::string& label)
         }
     }
     ADD_FAILURE() << "The menu has no item \"" << label << '"';
+    menu.close();
 }
