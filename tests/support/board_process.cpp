@@ -3,11 +3,11 @@
 #include "descriptors.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <signal.h>
 
 #include <filesystem>
 #include <stdexcept>
+#include <utility>
 
 BoardLine::BoardLine(const std::string& device)
     : fd_(open(device.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC))
@@ -26,17 +26,15 @@ void BoardLine::Send(std::string_view text) const
 
 std::string BoardLine::ReadTo(std::string_view text, std::chrono::milliseconds patience)
 {
-    const auto end = std::chrono::steady_clock::now() + patience;
-    while (pending_.find(text) == std::string::npos && std::chrono::steady_clock::now() < end) {
-        pollfd readable{fd_, POLLIN, 0};
-        poll(&readable, 1, 20);
+    const auto hasArrived = [&] {
         pending_ += ReadAvailable(fd_);
-    }
+        return pending_.find(text) != std::string::npos;
+    };
+    WaitUntil(hasArrived, patience);
     const auto at = pending_.find(text);
-    const auto size = at == std::string::npos ? pending_.size() : at + text.size();
-    const std::string taken = pending_.substr(0, size);
-    pending_.erase(0, size);
-    return taken;
+    auto rest = at == std::string::npos ? "" : pending_.substr(at + text.size());
+    pending_.resize(pending_.size() - rest.size());
+    return std::exchange(pending_, std::move(rest));
 }
 
 BoardProcess::BoardProcess(const Files& files)
@@ -61,21 +59,16 @@ std::string BoardProcess::devicePath() const
     return std::filesystem::read_symlink(link()).string();
 }
 
-bool BoardProcess::isPlugged() const
-{
-    return std::filesystem::is_symlink(link());
-}
-
 void BoardProcess::Unplug()
 {
     process_->Signal(SIGUSR1);
-    WaitUntil([this] { return !isPlugged(); });
+    WaitUntil([this] { return !std::filesystem::is_symlink(link()); });
 }
 
 void BoardProcess::Plug()
 {
     process_->Signal(SIGUSR2);
-    WaitUntil([this] { return isPlugged(); });
+    WaitUntil([this] { return std::filesystem::is_symlink(link()); });
 }
 
 std::vector<std::string> BoardProcess::variables() const
@@ -93,6 +86,8 @@ ProgramResult BoardProcess::Tool(const std::vector<std::string>& words) const
 bool BoardProcess::IsAtPrompt() const
 {
     BoardLine line(devicePath());
-    line.Send("\r");
-    return line.ReadTo(">>> ", std::chrono::seconds(1)).ends_with(">>> ");
+    return WaitUntil([&] {
+        line.Send("\r");
+        return line.ReadTo(">>> ", std::chrono::seconds(1)).ends_with(">>> ");
+    });
 }

@@ -3,12 +3,11 @@
 #include "subprocess.h"
 #include "wait.h"
 
-#include <chrono>
 #include <memory>
 #include <string>
 #include <vector>
 
-// A client of a board's serial line, for what the tool would not send.
+// A client of a board's serial device.
 class BoardLine {
   public:
     explicit BoardLine(const std::string& device);
@@ -17,16 +16,16 @@ class BoardLine {
     ~BoardLine();
 
     void Send(std::string_view text) const;
-    // Reads up to and with `text`; all there was when it did not come.
+    // Reads up to and including `text`; everything that arrived if it did not arrive in time.
     std::string ReadTo(std::string_view text,
-                       std::chrono::milliseconds patience = std::chrono::seconds(15));
+                       std::chrono::milliseconds patience = std::chrono::seconds(20));
 
   private:
     int fd_;
     std::string pending_;
 };
 
-// A virtual board of the test's own, as a process of its own, with a folder of its own.
+// A virtual board with a folder of its own.
 class BoardProcess {
   public:
     using Files = std::vector<std::pair<std::string, std::string>>;  // names and contents
@@ -34,23 +33,21 @@ class BoardProcess {
     // With these files at power-on.
     explicit BoardProcess(const Files& files = {});
 
-    // The board's files.
     const TemporaryFolder& files() const { return files_; }
-    // The line-device; changes when the board is plugged again.
+    // The serial device; changes when the board is plugged in again.
     std::string devicePath() const;
-    // A link to it, which stays the same.
+    // A permanent link to it.
     std::string link() const { return run_ / "port"; }
-    bool isPlugged() const;
     void Unplug();
     void Plug();
-    // For the environment of programs that are to see this board.
+    // The environment of programs that use this board.
     std::vector<std::string> variables() const;
 
     // Runs the real tool with these words.
     ProgramResult Tool(const std::vector<std::string>& words) const;
 
-    // Whether the board answers an empty line with its prompt, which it does only when no program
-    // runs on it. Sends no interrupt.
+    // Sends empty lines until the board answers with its prompt, as it does when no program runs.
+    // Sends no interrupt. False if it did not answer in time.
     bool IsAtPrompt() const;
 
   private:

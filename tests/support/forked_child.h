@@ -1,21 +1,43 @@
 #pragma once
 
-#include <sys/types.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <cstdio>
 #include <functional>
+#include <utility>
 
-// A copy of the test's process that does this work and ends with the status it returns. Killed with
-// this object.
+// A copy of the test's process that does some work and exits with the status it returns. Killed
+// with this object.
 class ForkedChild {
   public:
-    explicit ForkedChild(const std::function<int()>& work);
+    explicit ForkedChild(const std::function<int()>& work) : pid_(fork())
+    {
+        if (pid_ == 0) {
+            const int status = work();
+            std::fflush(stdout);
+            _exit(status);
+        }
+    }
     ForkedChild(const ForkedChild&) = delete;
     ForkedChild& operator=(const ForkedChild&) = delete;
     ~ForkedChild() { Kill(); }
 
-    // Waits for its end. -1 when a signal ended it.
-    int Wait();
-    void Kill();
+    // Returns the exit status; -1 if a signal terminated it.
+    int Wait()
+    {
+        int status = 0;
+        waitpid(std::exchange(pid_, -1), &status, 0);
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    void Kill()
+    {
+        if (pid_ > 0) {
+            kill(pid_, SIGKILL);
+            Wait();
+        }
+    }
 
   private:
     pid_t pid_;

@@ -30,7 +30,7 @@ Holdings CurrentHoldings()
 
 Holdings SettledHoldings(const Holdings& expected)
 {
-    WaitUntil([&] { return CurrentHoldings() == expected; }, std::chrono::seconds(2));
+    WaitUntil([&] { return CurrentHoldings() == expected; }, std::chrono::seconds(5));
     return CurrentHoldings();
 }
 

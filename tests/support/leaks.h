@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <iosfwd>
 
-// What this process holds of the system's: to be the same before and after.
+// The system resources that this process holds.
 struct Holdings {
     std::size_t descriptors = 0;
     std::size_t threads = 0;
@@ -16,12 +16,12 @@ struct Holdings {
 
 Holdings CurrentHoldings();
 
-// The current ones, given a moment to become the expected: the system removes a thread that has
-// ended from its list a little later.
+// Waits a moment for the expected ones, since an exited thread remains in the system's list for a
+// short time.
 Holdings SettledHoldings(const Holdings& expected);
 
 // For failure messages.
 void PrintTo(const Holdings& holdings, std::ostream* out);
 
-// Whether a process, which need not be a child, runs. Its parent may not have reaped it yet.
+// Whether any process is running. A zombie is not.
 bool IsAlive(pid_t process);

@@ -16,7 +16,7 @@ ChildProcess StartOrThrow(const std::vector<std::string>& words,
                           const std::vector<std::string>& variables)
 {
     auto environment = CurrentEnvironment();
-    // The last one of two variables of one name would be passed over.
+    // The first of two variables of one name is used.
     environment.insert(environment.begin(), variables.begin(), variables.end());
     auto process = ChildProcess::Start(words, environment);
     if (!process) {
@@ -38,11 +38,11 @@ bool ReadMore(const ChildProcess& process, std::string& output)
 }  // namespace
 
 ProgramResult RunProgram(const std::vector<std::string>& words,
-                         const std::vector<std::string>& variables, std::chrono::seconds patience)
+                         const std::vector<std::string>& variables)
 {
     ChildProcess process = StartOrThrow(words, variables);
     ProgramResult result;
-    const auto end = Clock::now() + patience;
+    const auto end = Clock::now() + std::chrono::minutes(1);
     while (ReadMore(process, result.output)) {
         if (Clock::now() >= end) {
             process.SignalGroup(SIGKILL);
@@ -63,22 +63,20 @@ BackgroundProgram::~BackgroundProgram()
     process_.Terminate(std::chrono::seconds(2));
 }
 
-bool BackgroundProgram::WaitForOutput(const std::string& text, std::chrono::milliseconds patience)
+bool BackgroundProgram::WaitForOutput(const std::string& text)
 {
-    const auto end = Clock::now() + patience;
-    while (output_.find(text) == std::string::npos) {
-        if (!ReadMore(process_, output_) || Clock::now() >= end) {
-            return output_.find(text) != std::string::npos;
-        }
+    const auto end = Clock::now() + std::chrono::seconds(20);
+    const auto hasArrived = [&] { return output_.find(text) != std::string::npos; };
+    while (!hasArrived() && Clock::now() < end && ReadMore(process_, output_)) {
     }
-    return true;
+    return hasArrived();
 }
 
-int BackgroundProgram::UnreadOutput() const
+bool BackgroundProgram::IsPipeFull() const
 {
     int bytes = 0;
     ioctl(process_.outputFd(), FIONREAD, &bytes);
-    return bytes;
+    return bytes > 60'000;  // Of 64 KiB; parts of its pages may be unused.
 }
 
 bool BackgroundProgram::WaitForExit(std::chrono::milliseconds patience)

@@ -11,12 +11,12 @@ struct ProgramResult {
     std::string output;  // standard output and error
 };
 
-// Runs a program to its end, or kills it when the time is up (then the status is 137).
+// Runs a program until it exits, or kills it after a minute (the status is then 137). `variables`
+// have the form "NAME=value".
 ProgramResult RunProgram(const std::vector<std::string>& words,
-                         const std::vector<std::string>& variables = {},
-                         std::chrono::seconds patience = std::chrono::seconds(60));
+                         const std::vector<std::string>& variables = {});
 
-// A program that runs beside the test. Ended with this object.
+// A program that runs in the background. Terminated with this object.
 class BackgroundProgram {
   public:
     explicit BackgroundProgram(const std::vector<std::string>& words,
@@ -25,18 +25,17 @@ class BackgroundProgram {
     BackgroundProgram& operator=(const BackgroundProgram&) = delete;
     ~BackgroundProgram();
 
-    // Reads until the output so far holds `text`. False when it did not in time.
-    bool WaitForOutput(const std::string& text,
-                       std::chrono::milliseconds patience = std::chrono::seconds(20));
+    // Reads until the output so far contains `text`. False if it did not in time.
+    bool WaitForOutput(const std::string& text);
     const std::string& output() const { return output_; }
     void Signal(int number) { process_.SignalGroup(number); }
-    bool WaitForExit(std::chrono::milliseconds patience);
+    bool WaitForExit(std::chrono::milliseconds patience = std::chrono::seconds(20));
     pid_t pid() const { return process_.pid(); }
-    // The exit status, once it has ended.
+    // The exit status. Waits for the exit.
     int Status() { return process_.Reap(); }
     bool HasExited() const { return process_.HasExited(); }
-    // How many bytes it has printed that nobody has read.
-    int UnreadOutput() const;
+    // Whether the program blocks when it prints more.
+    bool IsPipeFull() const;
 
   private:
     ChildProcess process_;

@@ -4,6 +4,5 @@
 
 class QCoreApplication;
 
-// The application object of a test program. Tests of windows define it to make more than the usual
-// one.
+// Creates the application object of a test program. Tests of windows override it.
 std::unique_ptr<QCoreApplication> MakeTestApplication(int& argc, char** argv);

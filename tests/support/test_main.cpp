@@ -8,13 +8,13 @@
 
 #include <thread>
 
-// A Qt warning is a fault of ours.
+// A Qt warning is an error in this program.
 static void FailOnWarning(QtMsgType type, const QMessageLogContext& /*context*/,
                           const QString& message)
 {
     const bool isOfThePlatform = message.startsWith("This plugin does not support");
     if (!isOfThePlatform && type != QtDebugMsg && type != QtInfoMsg) {
-        ADD_FAILURE() << "Qt says: " << message.toStdString();
+        ADD_FAILURE() << "Qt warning: " << message.toStdString();
     }
 }
 
@@ -31,7 +31,7 @@ int main(int argc, char** argv)
     }
     signal(SIGPIPE, SIG_IGN);
     qInstallMessageHandler(FailOnWarning);
-    // A sanitizer starts a thread of its own with the first one, which is not a leak.
+    // A sanitizer starts a helper thread with the first thread, which is not a leak.
     std::thread([] {}).join();
     const auto application = MakeTestApplication(argc, argv);
     return RUN_ALL_TESTS();

@@ -1,4 +1,4 @@
-// A plug-in that throws at most messages and answers nonsense at the others.
+// A plug-in that throws exceptions or passes invalid arguments in response to each message.
 #include "PluginInterface.h"
 
 #include <stdexcept>

@@ -11,7 +11,7 @@
 
 bool WaitUntil(const std::function<bool()>& condition, std::chrono::milliseconds patience)
 {
-    QTimer tick;  // The condition may come true without an event.
+    QTimer tick;  // The condition may become true without an event.
     tick.start(std::chrono::milliseconds(2));
     const QDeadlineTimer deadline(patience);
     while (!condition()) {

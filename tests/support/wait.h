@@ -6,11 +6,11 @@
 #include <string>
 #include <string_view>
 
-// Runs the event loop until the condition holds. False when it did not in time.
+// Runs the event loop until the condition is true. False if it was not in time.
 bool WaitUntil(const std::function<bool()>& condition,
                std::chrono::milliseconds patience = std::chrono::seconds(20));
 
-// A folder of the test's own, removed at the end.
+// A new folder, removed with this object.
 class TemporaryFolder {
   public:
     TemporaryFolder();
@@ -20,15 +20,15 @@ class TemporaryFolder {
 
     std::string path() const { return path_.string(); }
     std::string operator/(const std::string& name) const { return (path_ / name).string(); }
-    // Makes a file in it and returns its path.
+    // Creates a file in it and returns its path.
     std::string Write(const std::string& name, std::string_view content) const;
 
   private:
     std::filesystem::path path_;
 };
 
-// All 256 values that a byte can have.
+// All 256 byte values.
 std::string EveryByte();
 
-// The content of a file; empty when it cannot be read.
+// The content of a file; empty if it cannot be read.
 std::string ReadFile(const std::string& path);

@@ -1,5 +1,4 @@
-// Makes a program's tests tests of windows, on a platform without a screen.
-
+// For tests of windows, without a screen.
 #include "test_application.h"
 #include "wait.h"
 

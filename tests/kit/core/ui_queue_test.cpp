@@ -1,5 +1,8 @@
 #include "ui_queue.h"
 
+#include "rebinder.h"
+#include "recording_host.h"
+#include "runtime.h"
 #include "wait.h"
 
 #include <gtest/gtest.h>
@@ -8,17 +11,13 @@
 #include <QEventLoop>
 
 #include <atomic>
-#include <chrono>
-#include <memory>
-#include <string>
 #include <thread>
-#include <vector>
 
 static const std::atomic<bool> kNever = false;
 
-TEST(UiQueue, RunsWhatEachThreadPostedInItsOrderOnTheUiThread)
+TEST(UiQueue, RunsTheTasksOfEachThreadInOrderOnTheUiThread)
 {
-    constexpr int kTasks = 20000;  // Far more than the queue holds.
+    constexpr int kTasks = 20000;  // More than the capacity of the queue.
     UiQueue queue;
     const auto ui = std::this_thread::get_id();
     std::vector<int> order[2];
@@ -36,7 +35,7 @@ TEST(UiQueue, RunsWhatEachThreadPostedInItsOrderOnTheUiThread)
     }
 }
 
-TEST(UiQueue, ATaskThatOpensAnEventLoopDoesNotHoldUpOrReorderTheNext)
+TEST(UiQueue, ATaskThatOpensAnEventLoopNeitherDelaysNorReordersTheNext)
 {
     UiQueue queue;
     std::string order;
@@ -52,7 +51,7 @@ TEST(UiQueue, ATaskThatOpensAnEventLoopDoesNotHoldUpOrReorderTheNext)
     EXPECT_EQ(order, "1234");
 }
 
-TEST(UiQueue, AFloodLeavesTurnsToOtherEvents)
+TEST(UiQueue, AFloodOfTasksLetsOtherEventsRun)
 {
     UiQueue queue;
     int ran = 0;
@@ -64,12 +63,12 @@ TEST(UiQueue, AFloodLeavesTurnsToOtherEvents)
     }
     QCoreApplication::processEvents();
     EXPECT_GT(ran, 0);
-    EXPECT_LT(ran, 100);  // A turn of 8 ms, on a machine that may be busy.
+    EXPECT_LT(ran, 100);  // An iteration of 8 ms, on a machine that may be busy.
     queue.Close();
     queue.Purge();
 }
 
-TEST(UiQueue, CloseReleasesWhoWaitsAndPurgeDestroysTheRestOnTheUiThread)
+TEST(UiQueue, CloseUnblocksProducersAndPurgeDestroysTasksOnTheUiThread)
 {
     UiQueue queue;
     std::thread::id destroyedOn;
@@ -83,7 +82,7 @@ TEST(UiQueue, CloseReleasesWhoWaitsAndPurgeDestroysTheRestOnTheUiThread)
             queue.Post([&ran] { ran = true; });
         }
     });
-    while (posted < 500) {  // Nobody takes anything out: it will wait soon.
+    while (posted < 500) {  // No task runs, so it soon blocks.
         std::this_thread::yield();
     }
     EXPECT_LT(posted, 600);
@@ -94,4 +93,16 @@ TEST(UiQueue, CloseReleasesWhoWaitsAndPurgeDestroysTheRestOnTheUiThread)
     EXPECT_EQ(destroyedOn, std::this_thread::get_id());
     QCoreApplication::processEvents();
     EXPECT_FALSE(ran);
+}
+
+TEST(Rebinder, CallsImmediatelyOnTheUiThreadAndPostsFromOthers)
+{
+    Runtime runtime;
+    RecordingHost host;
+    const auto rebind = MakeRebinderFor(host);
+    std::string order;
+    std::thread([&] { rebind([&](PluginInterface*) { order += "other"; }); }).join();
+    rebind([&](PluginInterface*) { order += "ui "; });
+    EXPECT_EQ(order, "ui ");
+    EXPECT_TRUE(WaitUntil([&] { return order == "ui other"; }));
 }
