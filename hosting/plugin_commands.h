@@ -12,7 +12,8 @@ struct PluginCommand {
     // The name under which the plug-in registers the command; empty if the command exists only in
     // the plug-in's menu.
     std::string_view name;
-    // The beginning of its label in that menu; the whole label if the command has no name.
+    // The beginning of its label in that menu; the whole label if the command has no name. Commands
+    // whose labels begin alike agree in `needsFile`.
     std::string_view menuLabel;
     // The name in batch mode; empty if the command needs windows.
     std::string_view batchName;

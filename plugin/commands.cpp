@@ -34,7 +34,7 @@ void Stop(PluginInterface* pi)
 {
     // The order is fixed: "disconnect" is started first and stopped in the next line. Starting it
     // stops the command that ran before, and the end of that command frees the port. "disconnect"
-    // waits for this end, so it is usually stopped before its program has started.
+    // waits until that command has exited, so it is usually stopped before its program has started.
     const std::string path = pi->DocumentRef().path();
     Execute(pi, MPRemoteExecutable(pi) + " disconnect " + path + "\n", {}, {});
     Stop();

@@ -23,6 +23,7 @@ void DirectoryListing(PluginInterface* pi, const std::string& path, const LineCa
                       unique_function<void()>&& done);
 
 // Deletes a file, or a directory with its contents. The tool's output goes to the worksheet.
+// `done` must not be empty.
 void DeleteOne(PluginInterface* pi, const std::string& path, std::function<void()> done);
 
 // Deletes one path after another, the last one first. A failed deletion does not end the chain, but

@@ -17,6 +17,7 @@ int RunEditor(const Options& options, const Files& files, const PluginModule& pl
         window.ReportPluginError(error);
     };
     if (const auto started = window.Start(); !started) {
+        runtime.ShutDown();  // Before the window, which its tasks may use.
         return ReportError(started.error(), kNoPlugin);
     }
     if (options.appearance) {

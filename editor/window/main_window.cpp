@@ -139,6 +139,7 @@ void MainWindow::ConnectParts()
 {
     connect(tabs_, &DocumentTabs::FrontChanged, this, &MainWindow::ShowFront);
     connect(tabs_, &DocumentTabs::Failed, messages_, &MessageArea::Report);
+    connect(tabs_, &DocumentTabs::FilesDropped, this, &MainWindow::OpenFiles);
     connect(project_, &Project::Changed, this, &MainWindow::ShowProject);
     connect(board_, &BoardMonitor::Changed, this, [this] { status_->ShowBoard(board_->board()); });
     connect(board_, &BoardMonitor::Failed, messages_, &MessageArea::Report);
@@ -185,11 +186,6 @@ void MainWindow::OpenFiles(const QStringList& files)
     if (tabs_->count() == 0) {
         tabs_->New();
     }
-}
-
-void MainWindow::OpenDeviceWindow()
-{
-    commands_->OpenDeviceWindow();
 }
 
 void MainWindow::ReportPluginError(const std::string& error)
@@ -321,6 +317,6 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 
 void MainWindow::dropEvent(QDropEvent* event)
 {
-    files_->Open(LocalFiles(*event->mimeData()));
+    OpenFiles(LocalFiles(*event->mimeData()));
     AcceptAsCopy(event);
 }

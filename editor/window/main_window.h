@@ -49,7 +49,6 @@ class MainWindow final : public QMainWindow {
     // Opens files; a folder becomes the project. Without files, reopens the documents of the last
     // session. Errors are reported in the window.
     void OpenFiles(const QStringList& files);
-    void OpenDeviceWindow();
 
     // Reports an exception that the plug-in threw.
     void ReportPluginError(const std::string& error);

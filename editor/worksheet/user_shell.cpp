@@ -7,9 +7,13 @@
 #include <QFileInfo>
 #include <QPointer>
 
+#include <chrono>
+#include <semaphore>
 #include <utility>
 
 namespace {
+
+constexpr std::chrono::milliseconds kClosedCheckInterval{20};
 
 std::string ShellProgram()
 {
@@ -48,19 +52,25 @@ void UserShell::Run(const QString& command, const QString& folder)
     Stop();
     auto& runtime = Runtime::Current();
     const QPointer self(this);
-    auto forward = [self, &queue = runtime.queue()](std::string&& bytes) {
-        queue.Post([self, bytes = std::move(bytes)] {
+    // One piece at a time: the queue's limit counts tasks, and these are large. A flood must
+    // neither delay the board's commands nor be shown long after it was stopped.
+    auto isProcessed = std::make_shared<std::binary_semaphore>(1);
+    auto forward = [self, isProcessed, &queue = runtime.queue()](std::string&& bytes) {
+        while (!isProcessed->try_acquire_for(kClosedCheckInterval) && !queue.IsClosed()) {
+        }
+        queue.Post([self, isProcessed, bytes = std::move(bytes)] {
             if (self) {
                 Q_EMIT self->Output(bytes);
             }
+            isProcessed->release();
         });
     };
     job_ = std::make_shared<ShellJob>(
         ProgramFor(command, folder), std::make_shared<const ShellJob::OnOutput>(std::move(forward)),
         runtime.queue());
-    job_->SetFinishedHandler([self](JobResult result) {
+    job_->SetFinishedHandler([self](int status) {
         if (self) {
-            Q_EMIT self->Finished(result.status);
+            Q_EMIT self->Finished(status);
         }
     });
     runtime.Start(job_);

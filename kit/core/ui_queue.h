@@ -42,6 +42,7 @@ class UiQueue {
 
     // Stops running tasks and unblocks all waiting threads. Tasks posted later are kept for Purge.
     void Close();
+    bool IsClosed() const { return closed_; }  // [any]
 
     // Destroys the tasks that have not run. Must be called after Close, when no other thread posts
     // tasks any more.
@@ -62,7 +63,7 @@ class UiQueue {
     std::mutex mutex_;
     std::condition_variable room_;
     std::deque<Task> tasks_;
-    bool closed_ = false;
+    std::atomic<bool> closed_ = false;
     std::array<int, 2> wake_{-1, -1};
     std::unique_ptr<EventSource> source_;
 };

@@ -2,25 +2,18 @@
 
 #include "message_bar.h"
 #include "run_control.h"
-#include "text_editor.h"
 
 #include <QApplication>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
-
-EditorWindow::EditorWindow()
-{
-    places = {{folder / "config", folder / "data", folder / "state"},
-              QUILP_BIN "/virtual-board",
-              folder / "board"};
-}
 
 EditorWindow::~EditorWindow()
 {
     End();
-    EXPECT_TRUE(questions_.children().isEmpty()) << "a question was expected";
+    EXPECT_TRUE(questions_.children().isEmpty()) << "an expected dialog did not open";
 }
 
 void EditorWindow::Start(const QStringList& documents, const std::string& plugin)
@@ -41,21 +34,11 @@ void EditorWindow::Start(const QStringList& documents, const std::string& plugin
     ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get()));
 }
 
-bool EditorWindow::Close()
-{
-    const bool closed = window_->close();
-    if (closed) {
-        End();
-    }
-    return closed;
-}
-
 void EditorWindow::EndBy(const std::function<void()>& act)
 {
-    bool ended = false;
-    QObject::connect(window_.get(), &MainWindow::Closed, window_.get(), [&ended] { ended = true; });
+    QSignalSpy closed(window_.get(), &MainWindow::Closed);
     QTimer::singleShot(0, window_.get(), act);
-    EXPECT_TRUE(WaitUntil([&ended] { return ended; }));
+    EXPECT_TRUE(closed.wait());
     End();
 }
 
@@ -69,16 +52,6 @@ void EditorWindow::End()
     plugin_.reset();
 }
 
-QString EditorWindow::Write(const std::string& name, std::string_view content)
-{
-    return QString::fromStdString(folder.Write(name, content));
-}
-
-TextEditor& EditorWindow::editor()
-{
-    return window_->documents().FrontPage()->editor();
-}
-
 void EditorWindow::Type(const QString& text)
 {
     editor().setFocus();
@@ -87,7 +60,7 @@ void EditorWindow::Type(const QString& text)
 
 void EditorWindow::Press(Qt::Key key, Qt::KeyboardModifiers modifiers)
 {
-    if (QApplication::activeWindow() == nullptr) {  // After a dialog, where no desktop does it.
+    if (QApplication::activeWindow() == nullptr) {  // After a dialog without a window manager.
         window_->activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(window_.get()));
     }
@@ -102,13 +75,8 @@ QAction* EditorWindow::Action(const QString& text)
             return action;
         }
     }
-    ADD_FAILURE() << "there is no " << text.toStdString();
+    ADD_FAILURE() << "there is no action " << text.toStdString();
     return new QAction(window_.get());
-}
-
-bool EditorWindow::SheetShows(const std::string& text)
-{
-    return WaitUntil([&] { return Sheet().find(text) != std::string::npos; });
 }
 
 std::string EditorWindow::Message()
@@ -137,56 +105,44 @@ void EditorWindow::Answer(const QString& button)
             return;
         }
     }
-    ADD_FAILURE() << "nothing offers " << button.toStdString();
+    ADD_FAILURE() << "there is no button " << button.toStdString();
 }
 
-QStringList EditorWindow::Controls()
+bool EditorWindow::ControlIsShown()
 {
-    QCoreApplication::processEvents();  // The tool bar lays itself out.
-    QStringList names;
-    for (const auto* const control : window_->findChildren<RunControl*>()) {
-        if (control->isVisible()) {
-            names.append(control->text());
-        }
-    }
-    return names;
+    QCoreApplication::processEvents();  // Lets the tool bar update its layout.
+    return std::ranges::any_of(window_->findChildren<RunControl*>(), &QWidget::isVisible);
 }
 
 void EditorWindow::AttachBoard()
 {
-    auto& board = window().board();
-    board.AttachVirtualBoard();
-    EXPECT_TRUE(WaitUntil([&] { return board.board().kind == BoardMonitor::Kind::Virtual; }));
-}
-
-bool EditorWindow::WaitForIdle()
-{
-    return WaitUntil([] { return Runtime::Current().IsIdle(); });
+    auto& monitor = window().board();
+    monitor.AttachVirtualBoard();
+    EXPECT_TRUE(WaitUntil([&] { return monitor.board().kind == BoardMonitor::Kind::Virtual; }));
 }
 
 void EditorWindow::WhenAsked(const std::function<void(QWidget&)>& act)
 {
-    auto* const look = new QTimer(&questions_);
-    QObject::connect(look, &QTimer::timeout, look, [look, act] {
+    auto* const poll = new QTimer(&questions_);
+    QObject::connect(poll, &QTimer::timeout, poll, [poll, act] {
         auto* dialog = QApplication::activeModalWidget();
         dialog = dialog != nullptr ? dialog : QApplication::activePopupWidget();
         if (dialog != nullptr && dialog->isVisible()) {
-            look->stop();
-            look->setParent(nullptr);
-            look->deleteLater();
+            poll->stop();
+            poll->setParent(nullptr);
+            poll->deleteLater();
             act(*dialog);
         }
     });
-    look->start(2);
+    poll->start(2);
 }
 
 void EditorWindow::WhenAskedPress(int standardButton)
 {
     WhenAsked([standardButton](QWidget& dialog) {
-        auto* const box = qobject_cast<QMessageBox*>(&dialog);
-        ASSERT_NE(box, nullptr);
-        auto* const button = box->button(static_cast<QMessageBox::StandardButton>(standardButton));
-        ASSERT_NE(button, nullptr) << box->text().toStdString();
+        auto& box = dynamic_cast<QMessageBox&>(dialog);
+        auto* const button = box.button(static_cast<QMessageBox::StandardButton>(standardButton));
+        ASSERT_NE(button, nullptr) << box.text().toStdString();
         button->click();
     });
 }

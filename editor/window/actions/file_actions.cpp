@@ -18,7 +18,6 @@ FileActions::FileActions(DocumentTabs& tabs, Project& project, MessageArea& mess
                          QWidget* window)
     : QObject(window), tabs_(tabs), project_(project), messages_(messages), window_(window)
 {
-    connect(&tabs_, &DocumentTabs::FilesDropped, this, &FileActions::Open);
     connect(&tabs_, &DocumentTabs::Opened, this, &FileActions::AddRecent);
     connect(&tabs_, &DocumentTabs::LineTooLong, this, &FileActions::OfferLongLineFile);
 }

@@ -1,6 +1,7 @@
 #include "shell_job.h"
 
 #include "descriptors.h"
+#include "runtime.h"
 
 #include <poll.h>
 #include <signal.h>
@@ -50,7 +51,10 @@ void ShellJob::Start(const std::function<void()>& onThreadExit)
             onThreadExit();
         });
     } catch (const std::system_error& error) {
-        (*onOutput_)(std::string("Cannot start a thread: ") + error.what() + "\n");
+        // As from the thread: the handler must not run inside of Start.
+        queue_.Post([onOutput = onOutput_, reason = std::string(error.what())] {
+            (*onOutput)("Cannot start a thread: " + reason + "\n");
+        });
         onThreadExit();
     }
 }
@@ -82,10 +86,10 @@ void ShellJob::Join()
 void ShellJob::Complete()
 {
     if (auto done = std::exchange(done_, {})) {
-        done();
+        Runtime::Protect([&done] { done(); });
     }
     if (const auto onFinished = std::exchange(onFinished_, {})) {
-        onFinished({status_, stopped_});
+        onFinished(status_);
     }
 }
 
@@ -206,7 +210,7 @@ void ShellJob::ForwardAll(std::string bytes)
 void ShellJob::Forward(std::string piece)
 {
     // `onOutput_` usually posts to the queue, which must not grow without bounds.
-    queue_.WaitForRoom(discardsOutput_);
+    queue_.WaitForRoom(stopped_);
     if (!piece.empty() && !discardsOutput_) {
         (*onOutput_)(std::move(piece));
     }

@@ -21,12 +21,6 @@
 // every stopped job of its group has finished.
 enum class JobGroup { Board, UserShell };
 
-// The result of a finished job.
-struct JobResult {
-    int status = 0;  // Exit status, 128 plus the signal number, or 127 if it could not be started.
-    bool stopped = false;
-};
-
 // A program that runs in the background: a child process and the thread that reads its output.
 // Owned by the Runtime while it runs. [ui]
 class ShellJob {
@@ -49,8 +43,9 @@ class ShellJob {
     // The completion is called after the last piece of output, unless the job is stopped: then it
     // is destroyed without being called.
     void SetCompletion(unique_function<void()> done) { done_ = std::move(done); }
-    // The handler is called when a started job has finished, whether it was stopped or not.
-    void SetFinishedHandler(std::function<void(JobResult)> handler)
+    // The handler is called when a started job has finished, whether it was stopped or not, with
+    // the exit status, 128 plus the signal number, or 127 if the program could not be started.
+    void SetFinishedHandler(std::function<void(int status)> handler)
     {
         onFinished_ = std::move(handler);
     }
@@ -88,7 +83,7 @@ class ShellJob {
     const Program program_;
     const std::shared_ptr<const OnOutput> onOutput_;
     unique_function<void()> done_;
-    std::function<void(JobResult)> onFinished_;
+    std::function<void(int status)> onFinished_;
     UiQueue& queue_;
 
     bool started_ = false;

