@@ -59,16 +59,10 @@ std::string BoardProcess::devicePath() const
     return std::filesystem::read_symlink(link()).string();
 }
 
-void BoardProcess::Unplug()
+void BoardProcess::SetPlugged(bool plugged)
 {
-    process_->Signal(SIGUSR1);
-    WaitUntil([this] { return !std::filesystem::is_symlink(link()); });
-}
-
-void BoardProcess::Plug()
-{
-    process_->Signal(SIGUSR2);
-    WaitUntil([this] { return std::filesystem::is_symlink(link()); });
+    process_->Signal(plugged ? SIGUSR2 : SIGUSR1);
+    WaitUntil([&] { return std::filesystem::is_symlink(link()) == plugged; });
 }
 
 std::vector<std::string> BoardProcess::variables() const

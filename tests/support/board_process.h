@@ -38,8 +38,7 @@ class BoardProcess {
     std::string devicePath() const;
     // A permanent link to it.
     std::string link() const { return run_ / "port"; }
-    void Unplug();
-    void Plug();
+    void SetPlugged(bool plugged);
     // The environment of programs that use this board.
     std::vector<std::string> variables() const;
 
