@@ -65,7 +65,6 @@ TEST_F(PopUp, TheLabelsNameTheFileThatTheCommandsActOn)
     const std::tuple<const char*, std::uint32_t, bool, std::uint32_t, const char*, Strings> rows[] =
         {
             {"nothing", 0, false, 19, "/p/boot.py", always},
-            {"a Python document", 19, false, 0, "", runnable("")},
             {"a Python document before a target", 19, true, 19, "/p/boot.py", runnable("")},
             {"a Python target", 0, true, 19, "/p/boot.py", runnable(" boot.py")},
             {"a Python target without a name", 0, true, 19, "/p/", runnable("")},
