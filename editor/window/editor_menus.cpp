@@ -263,7 +263,7 @@ void EditorMenus::MakeWorksheetMenu()
     Add(menu, tr("&Previous Traceback Line"), QKeySequence("Shift+F4"),
         [&actions] { actions.GoToPreviousLink(); });
     menu->addSeparator();
-    Add(menu, tr("&Clear"), QKeySequence("Ctrl+Shift+K"), [this] { parts_.worksheet.Clear(); });
+    Add(menu, tr("&Clear"), QKeySequence("Ctrl+Shift+K"), [this] { parts_.worksheet.ClearAll(); });
 }
 
 void EditorMenus::MakeBoardMenu()

@@ -183,7 +183,7 @@ QString Worksheet::Content()
 
 void Worksheet::SetContent(const QString& text)
 {
-    Clear();
+    ClearAll();
     const NotificationBlocker blocker(*this);
     ReplaceBetween(*this, 0, 0, text.toUtf8());
     MarkLinks(0, Length(*this));
@@ -191,7 +191,7 @@ void Worksheet::SetContent(const QString& text)
     Send(*this, SCI_SETFIRSTVISIBLELINE, lines());
 }
 
-void Worksheet::Clear()
+void Worksheet::ClearAll()
 {
     pending_.clear();
     consumed_ = 0;

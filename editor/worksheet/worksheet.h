@@ -30,7 +30,7 @@ class Worksheet final : public QsciScintilla {
     // The whole text, including pending output.
     QString Content();
     void SetContent(const QString& text);
-    void Clear();
+    void ClearAll();
 
     // Does the same as Ctrl+Return.
     void RequestRun();

@@ -51,7 +51,7 @@ void FileActions::OpenByDialog()
                                : project_.folder();
     QStringList patterns;
     for (const auto extension : kPythonExtensions) {
-        patterns.append("*" + QString::fromUtf8(extension.data(), extension.size()));
+        patterns.append("*" + QString::fromUtf8(extension));
     }
     Open(QFileDialog::getOpenFileNames(window_, tr("Open"), folder,
                                        tr("Python (%1);;All files (*)").arg(patterns.join(' '))));

@@ -69,10 +69,10 @@ TEST_F(WorksheetTest, OutputBecomesTextHoweverItIsSplit)
         {"an incomplete sequence", "\x1b[31\nend \x1b?", "\nend \x1b?"},
     };
     for (const auto& row : rows) {
-        sheet.Clear();
+        sheet.ClearAll();
         sheet.Append(row.bytes);
         EXPECT_EQ(sheet.Content(), row.text) << row.name << " at once";
-        sheet.Clear();
+        sheet.ClearAll();
         for (const char byte : row.bytes) {
             Append({byte});
         }
@@ -98,7 +98,7 @@ TEST_F(WorksheetTest, LargeOutputIsAppendedInPartsOfLimitedSize)
     EXPECT_LT(sheet.lines(), 200'000) << "one turn appended everything";
     ASSERT_TRUE(WaitUntil([&] { return Length(sheet) > 90'000; }));
     EXPECT_LE(sheet.lines(), Worksheet::kMaxLines);
-    sheet.Clear();
+    sheet.ClearAll();
     const std::string megabyte = Lines(80'000);
     for (int i = 0; i < 30; ++i) {
         sheet.Append(megabyte);
