@@ -4,6 +4,7 @@
 #include "python_file.h"
 #include "text_editor.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 #include <utility>
@@ -18,6 +19,16 @@ QString Document::Name() const
 bool Document::IsPython() const
 {
     return IsPythonFile(Name().toStdString());
+}
+
+QString Document::FileDialogFilter()
+{
+    QStringList patterns;
+    for (const auto extension : kPythonExtensions) {
+        patterns.append("*" + QString::fromUtf8(extension));
+    }
+    return QCoreApplication::translate("Document", "Python (%1);;All files (*)")
+        .arg(patterns.join(' '));
 }
 
 bool Document::IsModified() const

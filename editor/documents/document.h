@@ -25,6 +25,8 @@ class Document {
     QString Name() const;
     // Decided by the extension of the name.
     bool IsPython() const;
+    // The file types to choose from in dialogs: Python source, or any file.
+    static QString FileDialogFilter();
     TextEncoding encoding() const { return encoding_; }
     void SetEncoding(TextEncoding encoding) { encoding_ = encoding; }
     // Whether there are unsaved changes.

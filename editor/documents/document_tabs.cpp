@@ -231,7 +231,7 @@ bool DocumentTabs::SaveAs(DocumentPage& page)
 {
     setCurrentWidget(&page);
     const auto& document = page.document();
-    QFileDialog dialog(this, tr("Save As"), {}, tr("Python (*.py);;All files (*)"));
+    QFileDialog dialog(this, tr("Save As"), {}, Document::FileDialogFilter());
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     const bool isNew = document.path().empty();
     if (isNew || document.IsPython()) {

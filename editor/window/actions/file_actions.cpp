@@ -3,7 +3,6 @@
 #include "document_tabs.h"
 #include "message_area.h"
 #include "project.h"
-#include "python_file.h"
 
 #include <QFileDialog>
 #include <QFileInfo>
@@ -49,12 +48,7 @@ void FileActions::OpenByDialog()
     const QString folder = front != nullptr && !front->path().empty()
                                ? QFileInfo(QString::fromStdString(front->path())).path()
                                : project_.folder();
-    QStringList patterns;
-    for (const auto extension : kPythonExtensions) {
-        patterns.append("*" + QString::fromUtf8(extension));
-    }
-    Open(QFileDialog::getOpenFileNames(window_, tr("Open"), folder,
-                                       tr("Python (%1);;All files (*)").arg(patterns.join(' '))));
+    Open(QFileDialog::getOpenFileNames(window_, tr("Open"), folder, Document::FileDialogFilter()));
 }
 
 void FileActions::OpenFolderByDialog()
