@@ -11,14 +11,14 @@
 
 class BBitmap;
 
-// The function key Fn is encoded as this base + n; no character key has these codes.
+// Function key number n is encoded as this base + n; no character key has these codes.
 inline constexpr int kFunctionKeyBase = 0x80;
 
 // An item of a menu. Owned by the menu that it is added to. [ui]
 class BMenuItem {
   public:
     // `action` runs when the item is chosen. `shortcut` is only shown next to the label: a Latin-1
-    // character or, for the function key Fn, kFunctionKeyBase + n (n is 1 to 31); 0 for none.
+    // character or, for function key number n, kFunctionKeyBase + n (n is 1 to 31); 0 for none.
     // `modifiers` combines the flags of Keyboard.h.
     BMenuItem(const std::string& label, std::function<void()> action, unsigned char shortcut,
               unsigned modifiers);

@@ -53,8 +53,8 @@ class PluginInterface {
   public:
     using PluginWork = std::function<void(PluginInterface*)>;
     // Calls the work with a valid host on the user-interface thread: immediately if called on that
-    // thread, otherwise later, in the order of the calls. [any] Work that is still pending when the
-    // host exits is destroyed without being called.
+    // thread, otherwise later, in the order of the calls. Work that is still pending when the host
+    // exits is destroyed without being called. [any]
     using Rebinder = std::function<void(const PluginWork&)>;
 
     // The window in which the plug-in was called.
