@@ -105,7 +105,7 @@ void Runtime::Keep(std::shared_ptr<BLooper> window)
 
 void Runtime::Release(const BLooper* window)
 {
-    const auto found = Find(windows_, const_cast<BLooper*>(window));
+    const auto found = Find(windows_, window);
     if (found == windows_.end()) {
         return;
     }
