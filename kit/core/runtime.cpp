@@ -6,12 +6,22 @@
 
 #include <algorithm>
 #include <cassert>
+#include <chrono>
 #include <exception>
 #include <utility>
 
 namespace {
 
 Runtime* current = nullptr;
+
+// The thread of a job that cannot end keeps using the job and the queue.
+void LeaveBehind(const std::shared_ptr<ShellJob>& job, const std::shared_ptr<UiQueue>& queue)
+{
+    static auto* const abandoned =
+        new std::vector<std::pair<std::shared_ptr<ShellJob>, std::shared_ptr<UiQueue>>>;
+    job->Detach();
+    abandoned->emplace_back(job, queue);
+}
 
 template <class Owned>
 auto Find(std::vector<std::shared_ptr<Owned>>& owners, const Owned* object)
@@ -54,10 +64,20 @@ void Runtime::Protect(const std::function<void()>& call)
     }
 }
 
+bool Runtime::IsIdle() const
+{
+    return std::ranges::all_of(jobs_, &ShellJob::IsStuck);
+}
+
 bool Runtime::Start(const std::shared_ptr<ShellJob>& job)
 {
     if (shutDown_) {
         return false;
+    }
+    for (const auto& other : jobs_) {
+        if (other->yields() && other->group() == job->group()) {
+            other->Stop();
+        }
     }
     jobs_.push_back(job);
     StartWaitingJobs();
@@ -67,16 +87,58 @@ bool Runtime::Start(const std::shared_ptr<ShellJob>& job)
 bool Runtime::MayStart(const ShellJob& job) const
 {
     return std::ranges::none_of(jobs_, [&job](const auto& other) {
-        return other->IsStarted() && other->IsStopped() && other->group() == job.group();
+        return other->IsStarted() && other->IsStopped() && !other->IsStuck() &&
+               other->group() == job.group();
     });
 }
 
 void Runtime::StartWaitingJobs()
 {
-    for (const auto& job : jobs_) {
+    std::erase_if(jobs_, [](const auto& job) { return !job->IsStarted() && job->IsStopped(); });
+    // A copy: the handler that reports the start may start or stop jobs.
+    for (const auto& job : std::vector(jobs_)) {
         if (!job->IsStarted() && !job->IsStopped() && MayStart(*job)) {
-            job->Start(
-                [this, raw = job.get()] { queue_.Post([this, raw] { OnJobFinished(raw); }); });
+            StartJob(*job);
+        }
+    }
+}
+
+void Runtime::StartJob(ShellJob& job)
+{
+    job.Start(
+        {.threadExits = [this, raw = &job,
+                         queue = queue_] { queue->Post([this, raw] { OnJobFinished(raw); }); },
+         .stuck = [this, raw = &job] { OnJobStuck(*raw); }});
+    if (job.group() == JobGroup::Board && handlers.commandStarted) {
+        handlers.commandStarted(job.words());
+    }
+}
+
+void Runtime::ReportEnd(const ShellJob& job)
+{
+    if (job.group() == JobGroup::Board && handlers.commandEnded) {
+        // The thread of a job that is stuck has not set its status yet.
+        const int status = job.IsStuck() ? 0 : job.status();
+        handlers.commandEnded(job.words(), {job.IsStopped(), status});
+    }
+}
+
+void Runtime::OnJobStuck(ShellJob& job)
+{
+    if (handlers.warning && !job.words().empty()) {
+        handlers.warning("The program " + job.words().front() +
+                         " was killed and has not ended: it is waiting for a device or a disk.");
+    }
+    ReportEnd(job);
+    StartWaitingJobs();
+    NotifyIfIdle();
+}
+
+void Runtime::StopJobs(JobGroup group)
+{
+    for (const auto& job : std::vector(jobs_)) {
+        if (job->group() == group) {
+            job->Stop();
         }
     }
 }
@@ -87,10 +149,16 @@ void Runtime::OnJobFinished(const ShellJob* job)
     const std::shared_ptr<ShellJob> finished = std::move(*found);
     jobs_.erase(found);
     finished->Join();
-    std::erase_if(jobs_,
-                  [](const auto& other) { return !other->IsStarted() && other->IsStopped(); });
+    if (!finished->IsStuck()) {
+        ReportEnd(*finished);
+    }
     StartWaitingJobs();
     finished->Complete();
+    NotifyIfIdle();
+}
+
+void Runtime::NotifyIfIdle()
+{
     if (IsIdle() && handlers.idle) {
         handlers.idle();
     }
@@ -135,12 +203,17 @@ void Runtime::ShutDown()
     for (const auto& job : std::vector(jobs_)) {
         job->Stop();
     }
-    queue_.Close();
+    queue_->Close();
+    const auto end = std::chrono::steady_clock::now() + kStuckTime;
     for (const auto& job : jobs_) {
-        job->Join();
+        if (job->WaitForExit(end)) {
+            job->Join();
+        } else {
+            LeaveBehind(job, queue_);
+        }
     }
     jobs_.clear();
     windows_.clear();
-    queue_.Purge();
+    queue_->Purge();
     DestroyReleasedWidgets();
 }

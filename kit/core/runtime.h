@@ -11,12 +11,18 @@ class BLooper;
 class BMenu;
 class BMenuItem;
 class ShellJob;
+enum class JobGroup;
 
 // The state of the framework: the queue to the user-interface thread, the programs that run in the
 // background, and the open windows. The host creates one after the application object and destroys
 // it before it unloads a plug-in's module. [ui]
 class Runtime {
   public:
+    struct CommandEnd {
+        bool isStopped = false;  // Otherwise the program exited by itself.
+        int status = 0;          // The exit status; see ShellJob::SetFinishedHandler.
+    };
+
     // Callbacks to the host. Each may be empty.
     struct Handlers {
         // The last job has finished and its completion has run.
@@ -25,6 +31,12 @@ class Runtime {
         std::function<void()> windowClosed;
         // A plug-in's code has thrown an exception. Without a handler, the exception propagates.
         std::function<void(const std::string& error)> error;
+        // A sentence for the user about something that went wrong outside of the program.
+        std::function<void(const std::string& text)> warning;
+        // A program of the group JobGroup::Board has started, or has ended. Every start is followed
+        // by one end, before the next start. `words` are the words of the command line.
+        std::function<void(const std::vector<std::string>& words)> commandStarted;
+        std::function<void(const std::vector<std::string>& words, CommandEnd end)> commandEnded;
         // For hosts without windows: if set, pop-up menus are not shown. Instead, the action of the
         // returned item runs immediately; null for none.
         std::function<const BMenuItem*(const BMenu& menu)> choosePopUpItem;
@@ -42,7 +54,7 @@ class Runtime {
     // The only Runtime. There must be one.
     static Runtime& Current();
 
-    UiQueue& queue() { return queue_; }
+    UiQueue& queue() { return *queue_; }
 
     Handlers handlers;
 
@@ -50,8 +62,9 @@ class Runtime {
     // sentence.
     static void Protect(const std::function<void()>& call);
 
-    // Whether no job is running, waiting to start or being stopped.
-    bool IsIdle() const { return jobs_.empty(); }
+    // Whether no job is running, waiting to start or being stopped. Programs that do not end
+    // although they were killed do not count.
+    bool IsIdle() const;
 
     // Keeps an open window alive until Release.
     void Keep(std::shared_ptr<BLooper> window);
@@ -59,20 +72,29 @@ class Runtime {
     // Closes every window unless it refuses, as when the user closes it.
     void CloseWindows();
 
-    // Stops all jobs, waits until they have finished (about half a second at most), and destroys
-    // pending tasks and the windows that are still open. No work runs afterwards; further calls do
-    // nothing.
+    // Stops all jobs, waits until they have finished (about half a second; two seconds if a program
+    // cannot be killed, which is then left behind with its thread), and destroys pending tasks and
+    // the windows that are still open. No work runs afterwards; further calls do nothing.
     void ShutDown();
 
-    // Starts a job as soon as all stopped jobs of its group have finished. False after ShutDown.
+    // Starts a job as soon as all stopped jobs of its group have finished, and stops the running
+    // ones that give way (ShellJob::Program::yields). A stopped job whose program cannot be killed
+    // is reported after two seconds, and no longer waited for. False after ShutDown.
     bool Start(const std::shared_ptr<ShellJob>& job);
+
+    // Stops all jobs of a group.
+    void StopJobs(JobGroup group);
 
   private:
     void StartWaitingJobs();
     bool MayStart(const ShellJob& job) const;
+    void StartJob(ShellJob& job);
+    void OnJobStuck(ShellJob& job);
     void OnJobFinished(const ShellJob* job);
+    void ReportEnd(const ShellJob& job);
+    void NotifyIfIdle();
 
-    UiQueue queue_;
+    std::shared_ptr<UiQueue> queue_ = std::make_shared<UiQueue>();
     std::vector<std::shared_ptr<ShellJob>> jobs_;  // In the order of the calls of Start.
     std::vector<std::shared_ptr<BLooper>> windows_;
     bool shutDown_ = false;

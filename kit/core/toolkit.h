@@ -1,5 +1,8 @@
 #pragma once
 
+#include "unique_function.h"
+
+#include <chrono>
 #include <memory>
 
 class UiQueue;
@@ -18,6 +21,10 @@ class EventSource {
 // Calls `queue.Drain()` whenever `queue.wakeFd()` is readable, in nested event loops as well. The
 // queue must outlive the result.
 std::unique_ptr<EventSource> WatchQueue(UiQueue& queue);
+
+// Calls the function once, after this time, unless the result is destroyed before.
+std::unique_ptr<EventSource> CallAfter(std::chrono::milliseconds time,
+                                       unique_function<void()> function);
 
 // Destroys the widgets of closed windows.
 void DestroyReleasedWidgets();

@@ -6,6 +6,9 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QSocketNotifier>
+#include <QTimer>
+
+#include <utility>
 
 namespace {
 
@@ -20,11 +23,33 @@ class QueueNotifier final : public EventSource {
     QSocketNotifier notifier_;
 };
 
+class Timer final : public EventSource {
+  public:
+    Timer(std::chrono::milliseconds time, unique_function<void()> function)
+        : function_(std::move(function))
+    {
+        timer_.setSingleShot(true);
+        // The function may destroy this object.
+        QObject::connect(&timer_, &QTimer::timeout, [this] { std::exchange(function_, {})(); });
+        timer_.start(time);
+    }
+
+  private:
+    QTimer timer_;
+    unique_function<void()> function_;
+};
+
 }  // namespace
 
 std::unique_ptr<EventSource> WatchQueue(UiQueue& queue)
 {
     return std::make_unique<QueueNotifier>(queue);
+}
+
+std::unique_ptr<EventSource> CallAfter(std::chrono::milliseconds time,
+                                       unique_function<void()> function)
+{
+    return std::make_unique<Timer>(time, std::move(function));
 }
 
 void DestroyReleasedWidgets()

@@ -40,22 +40,25 @@ ShellJob::ShellJob(Program program, std::shared_ptr<const OnOutput> onOutput, Ui
 {
 }
 
-void ShellJob::Start(const std::function<void()>& onThreadExit)
+void ShellJob::Start(const Events& events)
 {
     started_ = true;
+    onStuck_ = events.stuck;
     std::ignore = MakePipe(wake_);  // Without a pipe, Wait polls for a stop.
     try {
-        thread_ = std::thread([this, onThreadExit] {
+        thread_ = std::thread([this, threadExits = events.threadExits] {
             BlockSignalsInThisThread();
             RunProgram();
-            onThreadExit();
+            threadExits();
+            exits_.set_value();
         });
     } catch (const std::system_error& error) {
         // As from the thread: the handler must not run inside of Start.
         queue_.Post([onOutput = onOutput_, reason = std::string(error.what())] {
             (*onOutput)("Cannot start a thread: " + reason + "\n");
         });
-        onThreadExit();
+        events.threadExits();
+        exits_.set_value();
     }
 }
 
@@ -71,10 +74,22 @@ void ShellJob::Stop()
     }
     std::ignore = WriteFully(wake_[1], "s");
     queue_.WakeWaiting();
+    stuckTimer_ = CallAfter(kStuckTime, [this] {
+        if (!WaitForExit(Clock::now())) {
+            isStuck_ = true;
+            onStuck_();
+        }
+    });
+}
+
+bool ShellJob::WaitForExit(std::chrono::steady_clock::time_point end) const
+{
+    return !thread_.joinable() || exited_.wait_until(end) == std::future_status::ready;
 }
 
 void ShellJob::Join()
 {
+    stuckTimer_.reset();
     if (thread_.joinable()) {
         thread_.join();
     }
@@ -126,7 +141,7 @@ void ShellJob::Follow(ChildProcess& child)
 
 bool ShellJob::IsFinished() const
 {
-    if (!exited_) {
+    if (!programExited_) {
         return false;
     }
     return !outputOpen_ || killed_ || (!killAt_ && Clock::now() >= *abandonPipeAt_);
@@ -145,14 +160,14 @@ void ShellJob::Wait(const ChildProcess& child)
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now());
     // poll() ignores a descriptor of -1.
     std::array<pollfd, 3> fds{{{outputOpen_ ? child.outputFd() : -1, POLLIN, 0},
-                               {exited_ ? -1 : child.exitFd(), POLLIN, 0},
+                               {programExited_ ? -1 : child.exitFd(), POLLIN, 0},
                                {killAt_ ? -1 : wake_[0], POLLIN, 0}}};
     poll(fds.data(), fds.size(), std::max(0, static_cast<int>(left.count())));
     if (fds[0].revents != 0) {
         ReadOutput(child);
     }
-    if (!exited_ && (fds[1].revents != 0 || child.exitFd() < 0) && child.HasExited()) {
-        exited_ = true;
+    if (!programExited_ && (fds[1].revents != 0 || child.exitFd() < 0) && child.HasExited()) {
+        programExited_ = true;
         abandonPipeAt_ = Clock::now() + kPipeGrace;
     }
 }
@@ -212,6 +227,16 @@ void ShellJob::Forward(std::string piece)
     // `onOutput_` usually posts to the queue, which must not grow without bounds.
     queue_.WaitForRoom(stopped_);
     if (!piece.empty() && !discardsOutput_) {
+        Deliver(std::move(piece));
+    }
+}
+
+// What the callback throws is reported on the user-interface thread.
+void ShellJob::Deliver(std::string&& piece)
+{
+    try {
         (*onOutput_)(std::move(piece));
+    } catch (...) {
+        queue_.Post([error = std::current_exception()] { std::rethrow_exception(error); });
     }
 }

@@ -2,6 +2,7 @@
 
 #include "child_process.h"
 #include "line_splitter.h"
+#include "toolkit.h"
 #include "ui_queue.h"
 #include "unique_function.h"
 
@@ -10,6 +11,7 @@
 #include <chrono>
 #include <expected>
 #include <functional>
+#include <future>
 #include <memory>
 #include <optional>
 #include <string>
@@ -20,6 +22,10 @@
 // Jobs of one group share a resource, such as the board's port: the Runtime starts a job only after
 // every stopped job of its group has finished.
 enum class JobGroup { Board, UserShell };
+
+// After this time, a stopped program that is still running cannot be killed: it waits in the
+// kernel, for example for a disk that does not answer.
+inline constexpr std::chrono::seconds kStuckTime{2};
 
 // A program that runs in the background: a child process and the thread that reads its output.
 // Owned by the Runtime while it runs. [ui]
@@ -33,6 +39,13 @@ class ShellJob {
         JobGroup group = JobGroup::Board;
         bool splitsLines = true;         // Otherwise output is forwarded as it arrives.
         bool forwardsAfterStop = false;  // Otherwise a stopped program's output is discarded.
+        bool yields = false;             // It is stopped when another job of its group is started.
+    };
+    struct Events {
+        // Called on the job's thread, as its last function.
+        std::function<void()> threadExits;
+        // The program was stopped and has not ended for kStuckTime.
+        std::function<void()> stuck;
     };
     // Called on the job's thread with one piece of output of at most 64 KiB; see SimpleShell.
     using OnOutput = std::function<void(std::string&&)>;
@@ -51,18 +64,30 @@ class ShellJob {
     }
 
     JobGroup group() const { return program_.group; }
+    bool yields() const { return program_.yields; }
+    // The words of the command line; empty if it was invalid.
+    std::vector<std::string> words() const
+    {
+        return program_.words.value_or(std::vector<std::string>());
+    }
 
-    // Starts the job's thread. `onThreadExit` is the last function that the thread calls.
-    void Start(const std::function<void()>& onThreadExit);
+    // Starts the job's thread.
+    void Start(const Events& events);
     bool IsStarted() const { return started_; }
 
     // Terminates the program and drops the completion. Returns at once; further calls do nothing.
     void Stop();
     bool IsStopped() const { return stopped_; }
+    bool IsStuck() const { return isStuck_; }
 
-    // Waits for the thread, which exits soon after it has called `onThreadExit` or the job was
-    // stopped.
+    // Waits for the thread, which must have called `threadExits`.
     void Join();
+    // Waits until the thread of a stopped job is about to exit. False if it is not in time.
+    bool WaitForExit(std::chrono::steady_clock::time_point end) const;
+    // Gives up a thread that does not exit. It uses this object and the queue as long as it runs.
+    void Detach() { thread_.detach(); }
+    // Valid after Join.
+    int status() const { return status_; }
 
     // Calls the completion and the finished handler.
     void Complete();
@@ -79,6 +104,7 @@ class ShellJob {
     bool IsFinished() const;
     void ForwardAll(std::string bytes);
     void Forward(std::string piece);
+    void Deliver(std::string&& piece);
 
     const Program program_;
     const std::shared_ptr<const OnOutput> onOutput_;
@@ -87,7 +113,12 @@ class ShellJob {
     UiQueue& queue_;
 
     bool started_ = false;
+    bool isStuck_ = false;
+    std::function<void()> onStuck_;
+    std::unique_ptr<EventSource> stuckTimer_;
     std::thread thread_;
+    std::promise<void> exits_;
+    std::future<void> exited_ = exits_.get_future();
     std::array<int, 2> wake_{-1, -1};
     std::atomic<bool> stopped_ = false;
     std::atomic<bool> discardsOutput_ = false;
@@ -96,7 +127,7 @@ class ShellJob {
     // Used on the job's thread only.
     LineSplitter splitter_;
     bool outputOpen_ = true;
-    bool exited_ = false;
+    bool programExited_ = false;
     std::optional<Clock::time_point> flushAt_;  // When to forward the unfinished line.
     // When to stop reading the pipe of an exited program: other processes may keep it open.
     std::optional<Clock::time_point> abandonPipeAt_;

@@ -3,24 +3,9 @@
 #include "command_line.h"
 #include "runtime.h"
 #include "shell_job.h"
+#include "tool_environment.h"
 
 #include <utility>
-
-namespace {
-
-// Makes Python programs such as mpremote print without buffering and in UTF-8.
-std::vector<std::string> ToolEnvironment()
-{
-    std::vector<std::string> words = CurrentEnvironment();
-    std::erase_if(words, [](const std::string& word) {
-        return word.starts_with("PYTHONUNBUFFERED=") || word.starts_with("PYTHONUTF8=");
-    });
-    words.emplace_back("PYTHONUNBUFFERED=1");
-    words.emplace_back("PYTHONUTF8=1");
-    return words;
-}
-
-}  // namespace
 
 struct SimpleShell::State {
     std::shared_ptr<const ShellJob::OnOutput> onOutput;

@@ -1,5 +1,6 @@
 #include "SimpleShell.h"
 
+#include "forked_child.h"
 #include "leaks.h"
 #include "runtime.h"
 #include "wait.h"
@@ -8,10 +9,12 @@
 
 #include <poll.h>
 #include <signal.h>
+#include <sys/ptrace.h>
 
 #include <atomic>
 #include <filesystem>
 #include <numeric>
+#include <stdexcept>
 #include <thread>
 
 namespace {
@@ -193,6 +196,53 @@ TEST_F(SimpleShellTest, StopDoesNotWaitButTheNextCommandDoes)
     const auto second = Start("echo next");
     EXPECT_EQ(pieces_, Pieces{"next\n"});
     EXPECT_FALSE(IsAlive(process));
+}
+
+TEST_F(SimpleShellTest, ReportsEachCommandAndWhatItsOutputCallbackThrows)
+{
+    Pieces events;
+    runtime_.handlers.commandStarted = [&](const auto& words) {
+        events.push_back("start " + words.back());
+    };
+    runtime_.handlers.commandEnded = [&](const auto& words, Runtime::CommandEnd end) {
+        events.push_back(words.back() + (end.isStopped ? " stopped" : std::to_string(end.status)));
+    };
+    runtime_.handlers.error = [&](const std::string& error) { events.push_back(error); };
+    Run("false 1");
+    const auto overtaken = Start("tail -f /dev/null -n +0 /proc/self/stat");
+    overtaken->Run("echo 2", [&] { events.push_back("done"); });
+    ASSERT_TRUE(WaitForIdle());
+    const auto thrower = std::make_shared<SimpleShell>(
+        [](std::string&&) { throw std::runtime_error("thrown"); }, "Test");
+    thrower->Run("echo 3", {});
+    ASSERT_TRUE(WaitForIdle());
+    EXPECT_EQ(events, (Pieces{"start 1", "11", "start /proc/self/stat", "/proc/self/stat stopped",
+                              "start 2", "20", "done", "start 3", "thrown", "30"}));
+}
+
+TEST(SimpleShell, AProgramThatCannotBeKilledBlocksNeitherTheNextCommandNorTheEnd)
+{
+    // A tracer that stops the program when it exits, as a disk that does not answer does.
+    const auto hold = [](pid_t process) {
+        ptrace(PTRACE_SEIZE, process, nullptr, PTRACE_O_TRACEEXIT);
+        return poll(nullptr, 0, -1);
+    };
+    std::string text;
+    std::string warning;
+    Runtime runtime;
+    runtime.handlers.warning = [&](const std::string& sentence) { warning = sentence; };
+    SimpleShell shell(
+        [&](std::string&& line) { runtime.queue().Post([&text, line] { text += line; }); }, "Test");
+    shell.Run(Sh("echo $$; exec sleep 1000"), {});
+    ASSERT_TRUE(WaitUntil([&] { return text.ends_with("\n"); }));
+    const ForkedChild tracer([&] { return hold(std::stoi(text)); });
+    const std::string status = "/proc/" + text.substr(0, text.size() - 1) + "/status";
+    ASSERT_TRUE(WaitUntil([&] { return !ReadFile(status).contains("TracerPid:\t0\n"); }));
+    shell.Run("echo next", {});
+    EXPECT_TRUE(WaitUntil([&] { return text.ends_with("next\n"); }));
+    EXPECT_TRUE(warning.starts_with("The program sh was killed and has not ended")) << warning;
+    EXPECT_TRUE(WaitUntil([&] { return runtime.IsIdle(); }));
+    runtime.ShutDown();
 }
 
 TEST(SimpleShell, ShutDownDuringAProgramDestroysEverythingOnTheUiThread)
