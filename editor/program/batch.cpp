@@ -47,7 +47,7 @@ void Batch::RunNext()
     if (const auto* row = std::get_if<const PluginCommand*>(&command)) {
         Perform(**row);
     } else {
-        host_.InsertInWorksheet(plugin_.Help(), "", 1, 1, -1);
+        Runtime::Protect([this] { host_.InsertInWorksheet(plugin_.Help(), "", 1, 1, -1); });
     }
     if (next_ < commands_.size() && std::holds_alternative<Wait>(commands_[next_])) {
         RunNext();

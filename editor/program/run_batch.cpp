@@ -11,7 +11,11 @@ int RunBatch(const Options& options, const Files& files, const PluginModule& plu
 {
     Signals signals;
     Runtime runtime;
-    runtime.handlers.error = [](const std::string& error) { ReportError(error, kFailure); };
+    int failure = kSuccess;
+    runtime.handlers.error = [&failure](const std::string& error) {
+        failure = ReportError(error, kFailure);
+    };
+    runtime.handlers.warning = [](const std::string& text) { ReportError(text, kFailure); };
     Batch* running = nullptr;
     StandardOutput output(signals.fd());
     PluginHost host(plugin, runtime, [&](const std::string& text) {
@@ -33,5 +37,5 @@ int RunBatch(const Options& options, const Files& files, const PluginModule& plu
     batch.Start();
     const int status = QCoreApplication::exec();
     runtime.ShutDown();
-    return status;
+    return status != kSuccess ? status : failure;
 }

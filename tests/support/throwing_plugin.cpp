@@ -1,10 +1,27 @@
 // A plug-in that throws exceptions or passes invalid arguments in response to each message.
 #include "PluginInterface.h"
+#include "SimpleShell.h"
 
 #include <stdexcept>
 
 extern "C" std::int32_t PluginMain(int message, PluginInterface* pi, ...);
 extern "C" const char* PluginHelp();
+
+namespace {
+
+// Run throws in its callbacks, other commands at once.
+std::int32_t PerformCommand(const std::string& name)
+{
+    static auto shell = std::make_shared<SimpleShell>(
+        [](std::string&&) { throw std::runtime_error("thrown in output"); }, "");
+    if (name == "QuilpRun") {
+        shell->Run("echo", [] { throw std::runtime_error("thrown in completion"); });
+        return 2;
+    }
+    throw std::runtime_error("thrown in " + name);
+}
+
+}  // namespace
 
 std::int32_t PluginMain(int message, PluginInterface* pi, ...)
 {
@@ -17,6 +34,7 @@ std::int32_t PluginMain(int message, PluginInterface* pi, ...)
             return -1;
         case 307: pi->AddButton("", nullptr); return 99;
         case 400: pi->WriteSettings("%s\n%s", "not a line", "\t"); throw 5;
+        case 103: return PerformCommand(pi->commandName);
         default: throw std::runtime_error("message " + std::to_string(message));
     }
 }

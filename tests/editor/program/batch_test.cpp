@@ -70,6 +70,18 @@ TEST_F(Batch, EveryLineOfATracebackShowsTheFilesPath)
                   file + ", line 5, in ratio\r\nZeroDivisionError: divide by zero\r\n");
 }
 
+TEST_F(Batch, GoesOnAfterWhatAPluginThrowsAndFails)
+{
+    const auto result = RunProgram(Editor({"--plugin", QUILP_TEST_BIN "/throwing_plugin.so",
+                                           "--document", local.Write("s.py", ""), "--batch", "run",
+                                           "help", "list"}));
+    EXPECT_EQ(result.status, 1) << result.output;
+    for (const char* place : {"output", "completion", "QuilpList"}) {
+        EXPECT_TRUE(Contains(result.output, std::string("thrown in ") + place)) << result.output;
+    }
+    EXPECT_TRUE(Contains(result.output, "no help")) << result.output;
+}
+
 TEST_F(Batch, StopStopsTheBoardItselfAndTheNextCommandsAllWork)
 {
     auto words = RunScript("print('on')\nwhile True: print('x' * 70)\n");
