@@ -24,6 +24,11 @@ void DrawTriangle(QPainter& painter, const IconColors& /*colors*/)
     painter.drawPolygon(QPolygonF({{4, 2}, {14, 8}, {4, 14}}));
 }
 
+void DrawSquare(QPainter& painter, const IconColors& /*colors*/)
+{
+    painter.fillRect(QRectF(3, 3, 10, 10), QColor(0xc8, 0x3c, 0x3c));
+}
+
 void DrawBoard(QPainter& painter, const IconColors& colors)
 {
     painter.setPen(QPen(colors.line, 1));
@@ -51,6 +56,7 @@ QIcon ActionIcon(Action action)
         case Action::Open: return PaintedIcon(Picture::Folder);
         case Action::Save: return PaintedIcon(DrawDisk);
         case Action::Run: return PaintedIcon(DrawTriangle);
+        case Action::Stop: return PaintedIcon(DrawSquare);
         case Action::Board: return PaintedIcon(DrawBoard);
         case Action::Close: return PaintedIcon(DrawCross);
     }

@@ -3,6 +3,6 @@
 #include <QIcon>
 
 // Icons for actions. They use the colours of the palette at the time they are painted. [ui]
-enum class Action { New, Open, Save, Run, Board, Close };
+enum class Action { New, Open, Save, Run, Stop, Board, Close };
 
 QIcon ActionIcon(Action action);

@@ -140,10 +140,15 @@ const EntryRef& PluginHost::RunningTarget() const
     return target_.path().empty() ? projectTarget_ : target_;
 }
 
-bool PluginHost::HasRunnable() const
+const EntryRef& PluginHost::Runnable() const
 {
-    return LanguageOf(document_) == kPythonLanguage ||
-           LanguageOf(RunningTarget()) == kPythonLanguage;
+    static const EntryRef kNone;
+    for (const auto* ref : {&document_, &RunningTarget()}) {
+        if (LanguageOf(*ref) == kPythonLanguage) {
+            return *ref;
+        }
+    }
+    return kNone;
 }
 
 void PluginHost::AddButton(const std::string& name, void* /*pluginBundle*/)

@@ -64,8 +64,10 @@ class PluginHost final : public PluginInterface {
     // Makes the plug-in write its settings, and saves them. The error is a message for the user.
     std::expected<void, std::string> SaveSettings();
 
-    // Whether there is a Python document or target that a command can act on.
-    bool HasRunnable() const;
+    // The Python document, or the Python target, that a command would act on; empty if there is
+    // none.
+    const EntryRef& Runnable() const;
+    bool HasRunnable() const { return !Runnable().path().empty(); }
 
     void AddButton(const std::string& name, void* pluginBundle) override;
     BRect ButtonFrame() override;

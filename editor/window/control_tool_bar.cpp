@@ -39,6 +39,21 @@ void ControlToolBar::ShowControls(const std::vector<std::string>& names)
     }
 }
 
+QAction* ControlToolBar::AddStop(const std::function<void()>& action)
+{
+    stop_ = AddButton(Action::Stop, tr("Stop"), action);
+    stop_->setEnabled(false);
+    return stop_;
+}
+
+void ControlToolBar::DescribeControls(const QString& toolTip)
+{
+    controlToolTip_ = toolTip;
+    for (auto* const control : controls_) {
+        widgetForAction(control)->setToolTip(toolTip);
+    }
+}
+
 QAction* ControlToolBar::AddControl(const QString& name)
 {
     auto* const control = new RunControl(name, this);
@@ -47,7 +62,8 @@ QAction* ControlToolBar::AddControl(const QString& name)
     connect(
         control, &RunControl::MenuRequested, control,
         [this, control] { Q_EMIT MenuRequested(*control); }, Qt::QueuedConnection);
-    return addWidget(control);
+    control->setToolTip(controlToolTip_);
+    return insertWidget(stop_, control);
 }
 
 const QWidget& ControlToolBar::FirstControl() const

@@ -2,6 +2,7 @@
 
 #include "action_icons.h"
 
+#include <QString>
 #include <QToolBar>
 
 #include <functional>
@@ -20,6 +21,12 @@ class ControlToolBar final : public QToolBar {
 
     // Replaces the plug-in's controls with new ones that have these names.
     void ShowControls(const std::vector<std::string>& names);
+    // What a press on a control does.
+    void DescribeControls(const QString& toolTip);
+
+    // Adds the button that stops what runs on the board; it follows the controls. Owned by the tool
+    // bar.
+    QAction* AddStop(const std::function<void()>& action);
 
     // The first control, or the tool bar itself if it has none. The plug-in's menu opens below it
     // when the menu was requested elsewhere.
@@ -34,4 +41,6 @@ class ControlToolBar final : public QToolBar {
 
     std::vector<std::string> shown_;
     std::vector<QAction*> controls_;
+    QString controlToolTip_;
+    QAction* stop_ = nullptr;
 };

@@ -6,6 +6,7 @@
 
 #include <QFileInfo>
 #include <QLabel>
+#include <QProgressBar>
 #include <QToolButton>
 
 namespace {
@@ -39,6 +40,8 @@ QString FileName(const QString& path)
 EditorStatusBar::EditorStatusBar(QMenu* boardMenu, QWidget* parent)
     : QStatusBar(parent),
       position_(new QLabel(this)),
+      busy_(new QProgressBar(this)),
+      activity_(new QLabel(this)),
       target_(new QLabel(this)),
       format_(new QLabel(this)),
       board_(new QToolButton(this))
@@ -50,7 +53,14 @@ EditorStatusBar::EditorStatusBar(QMenu* boardMenu, QWidget* parent)
     board_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     board_->setIcon(ActionIcon(Action::Board));
     board_->setMenu(boardMenu);
+    activity_->setObjectName("activity");
+    busy_->setRange(0, 0);
+    busy_->setTextVisible(false);
+    busy_->setFixedSize(48, 8);
     addWidget(position_);
+    addWidget(busy_);
+    addWidget(activity_);
+    busy_->hide();
     for (QWidget* widget : std::initializer_list<QWidget*>{target_, format_, board_}) {
         addPermanentWidget(widget);
     }
@@ -76,6 +86,12 @@ void EditorStatusBar::ShowProject(const QString& folder, const QString& target)
     target_->setText(project +
                      (target.isEmpty() ? tr("No target") : tr("Target: %1").arg(FileName(target))));
     target_->setToolTip(target);
+}
+
+void EditorStatusBar::ShowActivity(const QString& text, bool isRunning)
+{
+    busy_->setVisible(isRunning);
+    activity_->setText(text);
 }
 
 void EditorStatusBar::ShowBoard(const BoardMonitor::Board& board)

@@ -7,6 +7,7 @@
 class DocumentPage;
 class QLabel;
 class QMenu;
+class QProgressBar;
 class QToolButton;
 
 // Shows the caret's position, the document's format, the target and the board. [ui]
@@ -21,10 +22,14 @@ class EditorStatusBar final : public QStatusBar {
     void ShowDocument(DocumentPage* page);
     // Full paths; empty if there is none.
     void ShowProject(const QString& folder, const QString& target);
+    // What runs on the board, or how it ended; empty for nothing.
+    void ShowActivity(const QString& text, bool isRunning);
     void ShowBoard(const BoardMonitor::Board& board);
 
   private:
     QLabel* position_;
+    QProgressBar* busy_;
+    QLabel* activity_;
     QLabel* target_;
     QLabel* format_;
     QToolButton* board_;

@@ -1,5 +1,6 @@
 #include "main_window.h"
 
+#include "command_progress.h"
 #include "commands_menu.h"
 #include "control_tool_bar.h"
 #include "dropped_files.h"
@@ -61,6 +62,7 @@ MainWindow::MainWindow(const PluginModule& plugin, Runtime& runtime, const Edito
       settings_(paths.folders.config + "/plugins.settings"),
       host_(
           plugin, runtime, [this](const std::string& text) { worksheet_->Append(text); }, this),
+      tool_(runtime, [this](const std::string& text) { worksheet_->Append(text); }),
       shortcuts_({}, {}),
       project_(new Project(this)),
       board_(new BoardMonitor(paths.boardProgram, paths.boardFolder, this))
@@ -133,6 +135,8 @@ void MainWindow::MakeToolBar()
     menus_->AddDocumentAction(
         toolBar_->AddButton(Action::Save, tr("Save"), [this] { tabs_->SaveFront(); }));
     toolBar_->addSeparator();
+    progress_.reset(new CommandProgress(runtime_, tool_,
+                                        {*status_, *toolBar_, *messages_, *commands_, shortcuts_}));
 }
 
 void MainWindow::ConnectParts()
@@ -238,6 +242,7 @@ void MainWindow::ShowProject()
 void MainWindow::ShowControls()
 {
     toolBar_->ShowControls(host_.OfferedControls());
+    progress_->SetRunnable(QString::fromStdString(host_.Runnable().name()));
 }
 
 void MainWindow::ShowPluginHelp()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "board_monitor.h"
+#include "board_tool.h"
 #include "document_tabs.h"
 #include "plugin_host.h"
 #include "plugin_settings.h"
@@ -14,6 +15,7 @@
 #include <memory>
 #include <string>
 
+class CommandProgress;
 class ControlToolBar;
 class EditorMenus;
 class EditorStatusBar;
@@ -92,8 +94,10 @@ class MainWindow final : public QMainWindow {
     UserFolders folders_;
     PluginSettings settings_;
     PluginHost host_;
+    BoardTool tool_;
     Shortcuts shortcuts_;
     std::unique_ptr<SessionKeeper> session_;
+    std::unique_ptr<CommandProgress> progress_;
     QTimer diskTimer_;
 
     // Owned by their Qt parents.

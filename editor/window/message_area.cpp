@@ -17,12 +17,13 @@ MessageArea::MessageArea(QWidget* parent)
     : QWidget(parent),
       recovery_(new MessageBar(this)),
       messages_(new MessageBar(this)),
-      longLineFile_(new MessageBar(this))
+      longLineFile_(new MessageBar(this)),
+      upload_(new MessageBar(this))
 {
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
-    for (auto* const bar : {recovery_, messages_, longLineFile_}) {
+    for (auto* const bar : {recovery_, messages_, longLineFile_, upload_}) {
         column->addWidget(bar);
     }
 }
@@ -55,9 +56,19 @@ void MessageArea::OfferLongLineFile(const QString& path, qint64 line,
         {{tr("Open Anyway"), open}, {tr("Do Not Open"), [] {}}});
 }
 
+void MessageArea::OfferUpload(const QString& message, const std::function<void()>& uploadAgain)
+{
+    upload_->ShowMessage(message, {{tr("Upload Again"), uploadAgain}, {tr("OK"), [] {}}});
+}
+
+void MessageArea::WithdrawUpload()
+{
+    upload_->hide();
+}
+
 void MessageArea::FocusMessage()
 {
-    for (const auto* const bar : {recovery_, messages_, longLineFile_}) {
+    for (const auto* const bar : {recovery_, messages_, longLineFile_, upload_}) {
         if (bar->isVisible()) {
             bar->findChild<QPushButton*>()->setFocus();
             return;

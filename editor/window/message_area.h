@@ -25,6 +25,10 @@ class MessageArea final : public QWidget {
     // Asks whether to open a file although a line, counted from 1, is too long to edit smoothly.
     void OfferLongLineFile(const QString& path, qint64 line, const std::function<void()>& open);
 
+    // Reports that an upload was stopped, until another one starts.
+    void OfferUpload(const QString& message, const std::function<void()>& uploadAgain);
+    void WithdrawUpload();
+
     // Moves the focus to the first message, if there is one.
     void FocusMessage();
 
@@ -33,4 +37,5 @@ class MessageArea final : public QWidget {
     MessageBar* recovery_;
     MessageBar* messages_;
     MessageBar* longLineFile_;
+    MessageBar* upload_;
 };

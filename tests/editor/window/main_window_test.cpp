@@ -2,6 +2,7 @@
 
 #include "editor_window_fixture.h"
 
+#include "control_tool_bar.h"
 #include "file_bytes.h"
 #include "leaks.h"
 #include "recovery.h"
@@ -15,6 +16,7 @@
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QKeySequenceEdit>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -78,6 +80,34 @@ TEST_F(EditorWindow, RunsFollowsErrorsStopsAndUploads)
     Press(Qt::Key_F6);
     ASSERT_TRUE(WaitUntil([] { return Runtime::Current().IsIdle(); }));
     EXPECT_EQ(Read("board/loop.py"), kEndless);
+}
+
+TEST_F(EditorWindow, SaysWhatRunsAndThatAnUploadWasCutShort)
+{
+    const std::string big = "#" + std::string(40'000, '-');
+    Start({Write("big.py", big), Write("loop.py", kEndless)});
+    AttachBoard();
+    const auto shows = [&](const QString& text) {
+        return WaitUntil([&] { return window().findChild<QLabel*>("activity")->text() == text; });
+    };
+    auto* const stop = window().findChild<ControlToolBar*>()->actions().constLast();
+    EXPECT_FALSE(stop->isEnabled());
+    Press(Qt::Key_F5);
+    EXPECT_TRUE(shows("Running loop.py"));
+    EXPECT_EQ(stop->toolTip(), "Stop loop.py (Shift+F5)");
+    stop->trigger();
+    EXPECT_TRUE(shows("Stopped"));
+    EXPECT_FALSE(stop->isEnabled());
+
+    window().OpenFiles({PathOf("big.py")});
+    Press(Qt::Key_F6);
+    ASSERT_TRUE(WaitUntil([&] { return fs::exists(folder / "board/big.py"); }));
+    EXPECT_TRUE(shows("Uploading big.py"));
+    Press(Qt::Key_F7);
+    EXPECT_TRUE(MessageShows("The upload of big.py was stopped"));
+    EXPECT_TRUE(shows("Finished"));
+    Answer("Upload Again");
+    EXPECT_TRUE(WaitUntil([&] { return Read("board/big.py") == big; }));
 }
 
 TEST_F(EditorWindow, ShowsTheControlExactlyWhileThePluginOffersIt)

@@ -1,0 +1,70 @@
+#include "command_monitor.h"
+
+#include <chrono>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kTick = 1s;
+constexpr auto kLong = 2s;
+constexpr auto kResultTime = 4s;
+
+}  // namespace
+
+CommandMonitor::CommandMonitor(Runtime& runtime, QObject* parent)
+    : QObject(parent), runtime_(runtime)
+{
+    runtime.handlers.commandStarted = [this](const auto& words) { Begin(words); };
+    runtime.handlers.commandEnded = [this](const auto& words, Runtime::CommandEnd end) {
+        End(words, end);
+    };
+    connect(&ticks_, &QTimer::timeout, this, &CommandMonitor::Tick);
+}
+
+CommandMonitor::~CommandMonitor()
+{
+    runtime_.handlers.commandStarted = {};
+    runtime_.handlers.commandEnded = {};
+}
+
+QString CommandMonitor::Text() const
+{
+    const QString text = isRunning_ ? DescribeRunning(command_) : result_;
+    const auto seconds = elapsed_.isValid() ? elapsed_.elapsed() / 1000 : 0;
+    return isRunning_ && !text.isEmpty() && std::chrono::seconds(seconds) >= kLong
+               ? tr("%1 (%2 s)").arg(text).arg(seconds)
+               : text;
+}
+
+void CommandMonitor::Begin(const std::vector<std::string>& words)
+{
+    command_ = ParseBoardCommand(words);
+    isRunning_ = true;
+    result_.clear();
+    elapsed_.start();
+    ticks_.start(kTick);
+    Q_EMIT Changed();
+}
+
+void CommandMonitor::End(const std::vector<std::string>& words, Runtime::CommandEnd end)
+{
+    isRunning_ = false;
+    if (command_.kind != BoardCommand::Kind::Other) {
+        result_ = end.isStopped ? tr("Stopped") : end.status == 0 ? tr("Finished") : tr("Failed");
+    }
+    elapsed_.start();
+    Q_EMIT Changed();
+    if (end.isStopped && !DescribeStopped(command_).isEmpty()) {
+        Q_EMIT Interrupted(command_, words);
+    }
+}
+
+void CommandMonitor::Tick()
+{
+    if (!isRunning_ && std::chrono::milliseconds(elapsed_.elapsed()) >= kResultTime) {
+        ticks_.stop();
+        result_.clear();
+    }
+    Q_EMIT Changed();
+}
