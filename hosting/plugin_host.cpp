@@ -43,6 +43,12 @@ std::int32_t PluginHost::Send(int message)
     return reply;
 }
 
+void PluginHost::SetDocument(std::string path, bool isUnnamedPython)
+{
+    document_ = EntryRef(std::move(path));
+    isUnnamedPython_ = isUnnamedPython;
+}
+
 std::expected<void, std::string> PluginHost::Start()
 {
     if (const auto reply = Send(kLoad); reply != 1) {
@@ -143,6 +149,9 @@ const EntryRef& PluginHost::RunningTarget() const
 const EntryRef& PluginHost::Runnable() const
 {
     static const EntryRef kNone;
+    if (isUnnamedPython_) {
+        return kNone;
+    }
     for (const auto* ref : {&document_, &RunningTarget()}) {
         if (LanguageOf(*ref) == kPythonLanguage) {
             return *ref;
@@ -189,7 +198,7 @@ void PluginHost::WriteSettings(const char* format, ...)
 
 EntryRef PluginHost::DocumentRef()
 {
-    return document_;
+    return paths_.Escape(document_);
 }
 
 bool PluginHost::HasCurrentTarget()
@@ -204,7 +213,7 @@ bool PluginHost::HasProjectTarget()
 
 std::uint32_t PluginHost::DocumentLanguage()
 {
-    return LanguageOf(document_);
+    return isUnnamedPython_ ? kPythonLanguage : LanguageOf(document_);
 }
 
 std::pair<std::uint32_t, std::uint32_t> PluginHost::CommandShortcut(const std::string& name)
@@ -221,7 +230,7 @@ void PluginHost::InsertInWorksheet(const std::string& text, const std::string& /
                                    std::int32_t /*third*/, std::int32_t /*fourth*/,
                                    std::int32_t /*fifth*/)
 {
-    worksheet_(text);
+    worksheet_(paths_.Restore(text));
 }
 
 std::uint32_t PluginHost::TargetLanguage(std::uint32_t /*target*/)
@@ -231,7 +240,7 @@ std::uint32_t PluginHost::TargetLanguage(std::uint32_t /*target*/)
 
 EntryRef PluginHost::TargetRef(std::uint32_t /*target*/)
 {
-    return RunningTarget();
+    return paths_.Escape(RunningTarget());
 }
 
 std::uint32_t PluginHost::CurrentTarget()

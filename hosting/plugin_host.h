@@ -1,6 +1,7 @@
 #pragma once
 
 #include "PluginInterface.h"
+#include "command_paths.h"
 #include "host_window.h"
 #include "plugin_commands.h"
 #include "plugin_module.h"
@@ -32,8 +33,10 @@ class PluginHost final : public PluginInterface {
     // Sets the source of the commands' shortcuts. Without it, commands have none.
     void SetShortcuts(FindShortcut find) { findShortcut_ = std::move(find); }
 
-    // Full paths; empty if there is none. The user's target takes precedence over the project's.
-    void SetDocument(std::string path) { document_ = EntryRef(std::move(path)); }
+    // Full paths; empty if there is none. The user's target takes precedence over the project's. A
+    // document without a path may still be shown as Python: then a command acts on nothing, rather
+    // than on the target.
+    void SetDocument(std::string path, bool isUnnamedPython = false);
     void SetTarget(std::string path) { target_ = EntryRef(std::move(path)); }
     void SetProjectTarget(std::string path) { projectTarget_ = EntryRef(std::move(path)); }
 
@@ -98,6 +101,7 @@ class PluginHost final : public PluginInterface {
     SettingsStore* settings_ = nullptr;
     FindShortcut findShortcut_;
     EntryRef document_;
+    bool isUnnamedPython_ = false;
     EntryRef target_;
     EntryRef projectTarget_;
     std::vector<RegisteredCommand> commands_;
@@ -105,4 +109,5 @@ class PluginHost final : public PluginInterface {
     std::vector<std::string> offered_;
     BRect control_;
     std::string writtenSettings_;
+    CommandPaths paths_;
 };

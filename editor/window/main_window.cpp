@@ -201,7 +201,8 @@ void MainWindow::ShowFront()
 {
     auto* const page = tabs_->FrontPage();
     const auto* const front = tabs_->Front();
-    host_.SetDocument(front != nullptr ? front->path() : std::string());
+    host_.SetDocument(front != nullptr ? front->path() : std::string(),
+                      front != nullptr && front->path().empty() && !front->IsPristine());
     if (findBar_->editor() != worksheet_) {
         findBar_->SetEditor(page != nullptr ? &page->editor() : nullptr);
     }

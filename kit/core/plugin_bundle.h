@@ -7,3 +7,7 @@
 struct PluginBundle {
     std::string path;
 };
+
+// The folder of a plug-in's resources as the system knows it, unlike ResourcePathFromBundle; empty
+// if `bundle` is null. [any]
+std::string ResourceFolder(void* bundle);

@@ -1,7 +1,7 @@
 #include "Window.h"
 
-#include "Bundle.h"
 #include "geometry_conversion.h"
+#include "plugin_bundle.h"
 #include "runtime.h"
 #include "view_native.h"
 #include "window_native.h"
@@ -40,7 +40,7 @@ BNotifier::~BNotifier() = default;
 BWindow::BWindow(std::vector<std::function<void()>>& initialisers, const char* description,
                  const char* name, void* bundle)
     : native_(std::make_unique<Native>(
-          LoadWindowDescription(ResourcePathFromBundle(bundle) + "/" + description + ".ui")))
+          LoadWindowDescription(ResourceFolder(bundle) + "/" + description + ".ui")))
 {
     native_->content.widget->setObjectName(name);
     initialisers.emplace_back([this] { native_->content.widget->SetLooper(weak_from_this()); });

@@ -14,14 +14,28 @@ PluginActions::PluginActions(PluginHost& host, DocumentTabs& tabs, MessageArea& 
 bool PluginActions::SaveFront()
 {
     const auto* const front = tabs_.Front();
-    if (front == nullptr || !savesFirst_) {
+    if (front == nullptr) {
         return true;
     }
     if (front->path().empty()) {
-        // A document without a file cannot run, so the target runs instead, if there is one.
-        return front->IsPristine() || host_.HasRunnable() || tabs_.SaveFront();
+        // An empty one is no program: the target runs, if there is one.
+        return front->IsPristine() || SaveUnnamed();
     }
-    return !front->IsModified() || tabs_.SaveFront();
+    return !savesFirst_ || !front->IsModified() || tabs_.SaveFront();
+}
+
+// A program without a file is saved in any case, because it could not run otherwise.
+bool PluginActions::SaveUnnamed()
+{
+    if (!tabs_.SaveFront()) {
+        return false;
+    }
+    const bool isPython = tabs_.Front()->IsPython();
+    if (!isPython) {
+        messages_.Report(tr("%1 cannot be run: the names of Python files end in .py.")
+                             .arg(tabs_.Front()->Name()));
+    }
+    return isPython;
 }
 
 bool PluginActions::PrepareFile()

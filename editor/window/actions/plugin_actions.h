@@ -31,6 +31,7 @@ class PluginActions final : public QObject {
   private:
     bool PrepareFile();
     bool SaveFront();
+    bool SaveUnnamed();
 
     PluginHost& host_;
     DocumentTabs& tabs_;

@@ -194,20 +194,22 @@ TEST_F(EditorWindow, SavesTheDocumentBeforeACommandUnlessTheUserForbidsIt)
     EXPECT_EQ(Read("a.py"), "print('new')#print(1)\n");
 }
 
-TEST_F(EditorWindow, ANewDocumentIsNamedBeforeItRuns)
+TEST_F(EditorWindow, ANewDocumentIsNamedBeforeItRunsAndMayHaveAnyName)
 {
+    const std::string name = "an odd' \\ #name.py";
     Start();
     AttachBoard();
-    Type("print(6 * 7)");
-    WhenAsked([this](QWidget& dialog) {
-        auto* const name = dialog.findChild<QLineEdit*>();
-        EXPECT_EQ(name->text(), "untitled_1") << "a name with a space could not run";
-        name->setText(PathOf("answer.py"));
+    window().project().SetTarget(Write("target.py", "print('target')"));
+    Type("print(6 * 7); 1/0");
+    WhenAsked([&](QWidget& dialog) {
+        dialog.findChild<QLineEdit*>()->setText(PathOf(name));
         qobject_cast<QDialog*>(&dialog)->accept();
     });
     Press(Qt::Key_F5);
-    ASSERT_TRUE(SheetShows("42\n"));
-    EXPECT_EQ(Read("answer.py"), "print(6 * 7)");
+    ASSERT_TRUE(SheetShows("ZeroDivisionError"));
+    EXPECT_TRUE(Sheet().starts_with("42\n")) << Sheet();
+    EXPECT_TRUE(SheetShows("File " + (folder / name) + ", line 1"));
+    EXPECT_EQ(Read(name), "print(6 * 7); 1/0");
 }
 
 TEST_F(EditorWindow, ChangesShortcutsButRefusesConflicts)

@@ -1,6 +1,10 @@
 #include "command_line.h"
 
+#include "wait.h"
+
 #include <gtest/gtest.h>
+
+using Words = std::vector<std::string>;
 
 TEST(CommandLine, IsSplitAtSpacesAndQuotesWithoutOtherShellSyntax)
 {
@@ -22,6 +26,12 @@ TEST(CommandLine, IsSplitAtSpacesAndQuotesWithoutOtherShellSyntax)
         ASSERT_TRUE(words) << row.name << ": " << words.error();
         EXPECT_EQ(*words, row.words) << row.name;
     }
+    for (const std::string& odd :
+         {std::string("a #b/# c\t\n'\"\\#"), std::string("#"), EveryByte()}) {
+        const std::string path = "/" + odd.substr(odd.front() == '\0');
+        EXPECT_EQ(SplitCommandLine("run " + EscapeWord(path) + "\n"), (Words{"run", path})) << odd;
+    }
+    EXPECT_EQ(EscapeWord("/a#b;$(c).py"), "/a#b;$(c).py") << "nothing to escape";
     for (const char* line : {"rm -r :'it's'", "run \"a", " \n"}) {
         EXPECT_FALSE(SplitCommandLine(line)) << line;
     }
