@@ -203,7 +203,13 @@ TEST_F(ScriptedDeviceWindow, ARowWithAShortenedNameIsOpenedAndDeletedByItsFullPa
         TakeCalls();
     };
     selectShortened();
+    const auto toolTip = table().model()->index(0, 0).data(Qt::ToolTipRole).toString();
+    EXPECT_NE(toolTip.toStdString().find(name), std::string::npos) << "the tool tip of the row";
     DoubleClick(name + "/");
+    EXPECT_LT(OpenPathMenu().at(0).size(), name.size() / 2);
+    const auto itemTip = OpenMenu()->actions().at(0)->toolTip().toStdString();
+    EXPECT_NE(itemTip.find(name), std::string::npos) << "the tool tip of the item";
+    OpenMenu()->close();
     selectShortened();
     CommandKey(Qt::Key_Down);
     selectShortened();
@@ -230,6 +236,11 @@ TEST_F(ScriptedDeviceWindow, ThePathMenuLeadsToEveryDirectoryAbove)
         EXPECT_EQ(SettledCalls(), calls) << chosen;
         EXPECT_EQ(pathButton().text(), chosen);
     }
+    PressButton("refresh");
+    EXPECT_EQ(widget().focusWidget(), &table()) << "a click took the keyboard";
+    QTest::keyClick(&pathButton(), Qt::Key_Down);
+    ASSERT_NE(OpenMenu(), nullptr);
+    EXPECT_EQ(OpenMenu()->activeAction(), OpenMenu()->actions().at(0)) << "opened by a key";
 }
 
 TEST_F(ScriptedDeviceWindow, DeletesTheSelectionByKeyOrMenuAndListsAgain)
@@ -257,6 +268,7 @@ TEST_F(ScriptedDeviceWindow, DeletesTheSelectionByKeyOrMenuAndListsAgain)
     OpenMenu()->close();
     ASSERT_NE(OpenContextMenu(), nullptr);
     EXPECT_EQ(LabelsOf(*OpenMenu()), Strings{"Delete"});
+    EXPECT_EQ(OpenMenu()->activeAction(), OpenMenu()->actions().at(0)) << "opened by a key";
     ClickItem(*OpenMenu(), "Delete");
     EXPECT_EQ(SettledCalls(), (Strings{"rm -r :/lib", "ls /", "devs"}));
 }
