@@ -141,6 +141,7 @@ TEST_F(ScriptedDeviceWindow, IsOneWindowWhoseFrameIsRestoredAfterACloseRequest)
     window->SetFrame(moved);
     EXPECT_EQ(QuilpWindow::ShowInstance(&host), window);
     EXPECT_EQ(window->Frame(), moved) << "opening it again does not move it";
+    EXPECT_EQ(widget().frameGeometry(), QRect(51, 61, 400, 500)) << "without its decoration";
     QTest::keyClick(&table(), Qt::Key_W, Qt::ControlModifier);
     ASSERT_EQ(QuilpWindow::gInstance, nullptr);
     EXPECT_EQ(QuilpWindow::ShowInstance(&host)->Frame(), moved);
