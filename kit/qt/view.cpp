@@ -16,7 +16,7 @@ void DrawPlate(QPainter& painter, const QRect& area, const QColor& color)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     painter.setBrush(color);
-    painter.drawRoundedRect(QRectF(area).adjusted(-2, -2, 2, 2), 3, 3);
+    painter.drawRoundedRect(QRectF(area).adjusted(-1, -1, 1, 1), 3, 3);
     painter.restore();
 }
 

@@ -265,6 +265,9 @@ TEST_F(ScriptedDeviceWindow, DeletesTheSelectionByKeyOrMenuAndListsAgain)
 
     EXPECT_EQ(OpenContextMenu(), nullptr) << "nothing is selected";
     SelectRows({"lib/"});
+    const int y = CenterOf("lib/").y();
+    const QImage image = table().viewport()->grab().toImage();
+    EXPECT_NE(image.pixel(6, y), image.pixel(2, y)) << "the icon is directly on the selection";
     ASSERT_NE(OpenContextMenu(), nullptr);
     OpenMenu()->close();
     ASSERT_NE(OpenContextMenu(), nullptr);
