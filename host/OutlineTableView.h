@@ -16,7 +16,8 @@ class BOutlineTableView;
 // A cell of a table, which holds a text and draws it. Owned by the table that it is added to. [ui]
 class FTableItem {
   public:
-    explicit FTableItem(const std::string& text) : text_(text) {}
+    // A table's tool tip shows this text while Text() of an item in column 0 differs from it.
+    explicit FTableItem(const std::string& text) : text_(text), fullText_(text) {}
     FTableItem(const FTableItem&) = delete;
     FTableItem& operator=(const FTableItem&) = delete;
     virtual ~FTableItem();
@@ -28,6 +29,9 @@ class FTableItem {
     const std::string& Text() const { return text_; }
     void SetText(const std::string& text) { text_ = text; }
 
+    // For the framework only: the text that the item was created with.
+    const std::string& FullText() const { return fullText_; }
+
     // The width of this text as DrawItem draws it, in points.
     float MeasureText(std::string_view text) const;
 
@@ -35,6 +39,7 @@ class FTableItem {
     friend class BOutlineTableView;
 
     std::string text_;
+    std::string fullText_;
     const BOutlineTableView* table_ = nullptr;  // The owner.
 };
 

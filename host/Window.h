@@ -34,8 +34,7 @@ class BWindow : public BLooper, public BNotifier {
     // Removes the window from the screen immediately.
     void Quit() override;
 
-    // The frame in screen coordinates. Its top left corner includes the title bar, its size does
-    // not.
+    // The frame in screen coordinates, including the window's decoration.
     BRect Frame() const;
     void SetFrame(BRect frame);
 

@@ -1,5 +1,7 @@
 #include "line_label.h"
 
+#include "display_text.h"
+
 #include <QPainter>
 
 LineLabel::LineLabel(QWidget* parent) : QLabel(parent)
@@ -17,7 +19,7 @@ void LineLabel::paintEvent(QPaintEvent* /*event*/)
     QString line = text();
     line.replace('\n', ' ');
     const QString shown = fontMetrics().elidedText(line, Qt::ElideRight, width());
-    setToolTip(shown == line ? QString() : line.toHtmlEscaped());
+    setToolTip(shown == line ? QString() : ToolTipText(line));
     QPainter painter(this);
     painter.setPen(palette().color(foregroundRole()));
     painter.drawText(rect(), static_cast<int>(alignment()) | Qt::TextSingleLine, shown);

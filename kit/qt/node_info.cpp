@@ -22,13 +22,11 @@ int BNodeInfo::GetTrackerIconFromName(const char* name, BBitmap* bitmap, unsigne
 int BNodeInfo::GetTrackerIconFromType(int typeCode, BBitmap* bitmap, unsigned size, bool)
 {
     switch (typeCode) {
-        case kFolderIconType: Fill(bitmap, ThemedIcon("folder", Picture::Folder), size); return 0;
+        case kFolderIconType: Fill(bitmap, ThemedIcon("folder", "folder"), size); return 0;
         case kDocumentIconType:
-            Fill(bitmap, ThemedIcon("text-x-generic", Picture::Document), size);
+            Fill(bitmap, ThemedIcon("text-x-generic", "document"), size);
             return 0;
-        case kDiskIconType:
-            Fill(bitmap, ThemedIcon("drive-harddisk", Picture::Disk), size);
-            return 0;
+        case kDiskIconType: Fill(bitmap, ThemedIcon("drive-harddisk", "disk"), size); return 0;
         default: return -1;
     }
 }

@@ -6,6 +6,22 @@
 #include <cstddef>
 #include <utility>
 
+namespace {
+
+// Icons are made for the colour of a list. A plate of this colour makes them visible on a
+// selection.
+void DrawPlate(QPainter& painter, const QRect& area, const QColor& color)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    painter.drawRoundedRect(QRectF(area).adjusted(-1, -1, 1, 1), 3, 3);
+    painter.restore();
+}
+
+}  // namespace
+
 BView::BView(std::unique_ptr<Native> native) : native_(std::move(native)) {}
 
 BView::~BView() = default;
@@ -27,7 +43,10 @@ void BView::DrawBitmap(const BBitmap* bitmap, BRect source, BRect destination)
         !(source == bitmap->Bounds())) {
         return;
     }
-    bitmap->content()->icon.paint(native_->painter, ToQt(destination).toAlignedRect(),
-                                  Qt::AlignCenter,
+    const QRect area = ToQt(destination).toAlignedRect();
+    if (native_->drawsSelection) {
+        DrawPlate(*native_->painter, area, native_->widget->palette().color(QPalette::Base));
+    }
+    bitmap->content()->icon.paint(native_->painter, area, Qt::AlignCenter,
                                   native_->widget->isEnabled() ? QIcon::Normal : QIcon::Disabled);
 }

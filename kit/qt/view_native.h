@@ -26,4 +26,5 @@ struct BView::Native {
     QWidget* widget;
     std::vector<std::unique_ptr<BView>> children;
     QPainter* painter = nullptr;  // Not owned. Null except while the view draws.
+    bool drawsSelection = false;  // Whether it draws on the colour of a selection.
 };

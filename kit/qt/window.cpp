@@ -6,8 +6,8 @@
 #include "view_native.h"
 #include "window_native.h"
 
+#include <QApplication>
 #include <QMenu>
-#include <QWindow>
 
 #include <cmath>
 #include <utility>
@@ -60,6 +60,7 @@ BWindow::~BWindow()
 void BWindow::Show()
 {
     if (const auto& widget = native_->content.widget) {
+        widget->Place(QApplication::activeWindow());
         widget->show();
         Runtime::Current().Keep(shared_from_this());
     }
@@ -88,19 +89,14 @@ void BWindow::Quit()
 BRect BWindow::Frame() const
 {
     const auto& widget = native_->widget;
-    return widget ? FromQt(QRectF(widget->pos(), widget->size())) : BRect();
+    return widget ? FromQt(QRectF(widget->frameGeometry())) : BRect();
 }
 
 void BWindow::SetFrame(BRect frame)
 {
     if (const auto& widget = native_->content.widget) {
-        const QPoint corner(Round(frame.left), Round(frame.top));
-        widget->resize(Round(frame.Width()), Round(frame.Height()));
-        widget->move(corner);
-        // A window that has just been shown does not know the width of its border yet.
-        if (auto* const handle = widget->windowHandle()) {
-            handle->setFramePosition(corner);
-        }
+        widget->SetFrame(
+            {Round(frame.left), Round(frame.top), Round(frame.Width()), Round(frame.Height())});
     }
 }
 

@@ -39,8 +39,15 @@ QWidget* MakeWidget(QWidget* parent)
     return new Widget(parent);
 }
 
+QWidget* MakeButton(QWidget* parent)
+{
+    auto* const button = new QPushButton(parent);
+    button->setFocusPolicy(Qt::TabFocus);  // A click leaves the keyboard with the table.
+    return button;
+}
+
 const ViewClass kViewClasses[] = {
-    {"BButton", MakeWidget<QPushButton>, MakeView<BButton>},
+    {"BButton", MakeButton, MakeView<BButton>},
     {"BMenuField", MakeWidget<MenuButton>, MakeView<BMenuField>},
     {"BOutlineTableView", MakeWidget<TableWidget>, MakeView<BOutlineTableView, TableNative>},
     {"BProgressIndicator", MakeWidget<BusyWidget>, MakeView<BProgressIndicator>},

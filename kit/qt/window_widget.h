@@ -3,6 +3,7 @@
 #include "Looper.h"
 #include "runtime.h"
 
+#include <QDeadlineTimer>
 #include <QWidget>
 
 #include <memory>
@@ -16,10 +17,25 @@ class WindowWidget final : public QWidget {
     void SetLooper(std::weak_ptr<BLooper> looper) { looper_ = std::move(looper); }
     std::shared_ptr<BLooper> looper() const { return looper_.lock(); }
 
+    // Moves and resizes the window including its decoration. The decoration of a window that has
+    // just been shown is not known yet; the size is corrected as soon as it is.
+    void SetFrame(const QRect& frame);
+    // Sets a first frame that fits the screen: beside the neighbour, or, if that is null, where the
+    // window system places the window.
+    void Place(const QWidget* neighbour);
+
   protected:
     void closeEvent(QCloseEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
+    void ApplyFrame();
+    void CorrectFrame();
+
+    QRect frame_;             // As set last.
+    QMargins decoration_;     // The decoration that was known when it was set.
+    QDeadlineTimer correct_;  // It is corrected until then.
     std::weak_ptr<BLooper> looper_;
 };
 

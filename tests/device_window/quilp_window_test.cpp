@@ -141,6 +141,7 @@ TEST_F(ScriptedDeviceWindow, IsOneWindowWhoseFrameIsRestoredAfterACloseRequest)
     window->SetFrame(moved);
     EXPECT_EQ(QuilpWindow::ShowInstance(&host), window);
     EXPECT_EQ(window->Frame(), moved) << "opening it again does not move it";
+    EXPECT_EQ(widget().frameGeometry(), QRect(51, 61, 400, 500)) << "without its decoration";
     QTest::keyClick(&table(), Qt::Key_W, Qt::ControlModifier);
     ASSERT_EQ(QuilpWindow::gInstance, nullptr);
     EXPECT_EQ(QuilpWindow::ShowInstance(&host)->Frame(), moved);
@@ -203,7 +204,13 @@ TEST_F(ScriptedDeviceWindow, ARowWithAShortenedNameIsOpenedAndDeletedByItsFullPa
         TakeCalls();
     };
     selectShortened();
+    const auto toolTip = table().model()->index(0, 0).data(Qt::ToolTipRole).toString();
+    EXPECT_NE(toolTip.toStdString().find(name), std::string::npos) << "the tool tip of the row";
     DoubleClick(name + "/");
+    EXPECT_LT(OpenPathMenu().at(0).size(), name.size() / 2);
+    const auto itemTip = OpenMenu()->actions().at(0)->toolTip().toStdString();
+    EXPECT_NE(itemTip.find(name), std::string::npos) << "the tool tip of the item";
+    OpenMenu()->close();
     selectShortened();
     CommandKey(Qt::Key_Down);
     selectShortened();
@@ -230,6 +237,11 @@ TEST_F(ScriptedDeviceWindow, ThePathMenuLeadsToEveryDirectoryAbove)
         EXPECT_EQ(SettledCalls(), calls) << chosen;
         EXPECT_EQ(pathButton().text(), chosen);
     }
+    PressButton("refresh");
+    EXPECT_EQ(widget().focusWidget(), &table()) << "a click took the keyboard";
+    QTest::keyClick(&pathButton(), Qt::Key_Down);
+    ASSERT_NE(OpenMenu(), nullptr);
+    EXPECT_EQ(OpenMenu()->activeAction(), OpenMenu()->actions().at(0)) << "opened by a key";
 }
 
 TEST_F(ScriptedDeviceWindow, DeletesTheSelectionByKeyOrMenuAndListsAgain)
@@ -253,10 +265,14 @@ TEST_F(ScriptedDeviceWindow, DeletesTheSelectionByKeyOrMenuAndListsAgain)
 
     EXPECT_EQ(OpenContextMenu(), nullptr) << "nothing is selected";
     SelectRows({"lib/"});
+    const int y = CenterOf("lib/").y();
+    const QImage image = table().viewport()->grab().toImage();
+    EXPECT_NE(image.pixel(6, y), image.pixel(2, y)) << "the icon is directly on the selection";
     ASSERT_NE(OpenContextMenu(), nullptr);
     OpenMenu()->close();
     ASSERT_NE(OpenContextMenu(), nullptr);
     EXPECT_EQ(LabelsOf(*OpenMenu()), Strings{"Delete"});
+    EXPECT_EQ(OpenMenu()->activeAction(), OpenMenu()->actions().at(0)) << "opened by a key";
     ClickItem(*OpenMenu(), "Delete");
     EXPECT_EQ(SettledCalls(), (Strings{"rm -r :/lib", "ls /", "devs"}));
 }

@@ -1,7 +1,5 @@
 #include "menu_button.h"
 
-#include "menu_widget.h"
-
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QStyleOptionComboBox>
@@ -9,9 +7,9 @@
 
 MenuButton::MenuButton(QWidget* parent) : QAbstractButton(parent)
 {
-    setFocusPolicy(Qt::StrongFocus);
+    setFocusPolicy(Qt::TabFocus);  // A click leaves the keyboard with the table.
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
-    connect(this, &QAbstractButton::clicked, this, &MenuButton::OpenMenu);
+    connect(this, &QAbstractButton::clicked, this, [this] { OpenMenu(MenuOpening::ByKey); });
 }
 
 void MenuButton::SelectItem(int index)
@@ -65,7 +63,7 @@ void MenuButton::paintEvent(QPaintEvent* /*event*/)
 void MenuButton::mousePressEvent(QMouseEvent* event)
 {
     if (event->button() == Qt::LeftButton) {
-        OpenMenu();
+        OpenMenu(MenuOpening::ByMouse);
     }
 }
 
@@ -75,16 +73,18 @@ void MenuButton::keyPressEvent(QKeyEvent* event)
         case Qt::Key_Up:
         case Qt::Key_Down:
         case Qt::Key_Return:
-        case Qt::Key_Enter: return OpenMenu();
+        case Qt::Key_Enter: return OpenMenu(MenuOpening::ByKey);
         default: QAbstractButton::keyPressEvent(event);
     }
 }
 
-void MenuButton::OpenMenu()
+void MenuButton::OpenMenu(MenuOpening opening)
 {
     auto* const widget = menu_ != nullptr ? MakeWindowMenu(*this, *menu_) : nullptr;
     if (widget != nullptr) {
         widget->setMinimumWidth(width());
-        widget->popup(mapToGlobal(QPoint(0, 0)), widget->actions().value(selected_));
+        auto* const selected = widget->actions().value(selected_);
+        ActivateItem(*widget, selected, opening);
+        widget->popup(mapToGlobal(QPoint(0, 0)), selected);
     }
 }

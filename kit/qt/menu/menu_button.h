@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Menu.h"
+#include "menu_widget.h"
 
 #include <QAbstractButton>
 
@@ -25,7 +26,7 @@ class MenuButton final : public QAbstractButton {
 
   private:
     QSize SizeForText(const QString& text) const;
-    void OpenMenu();
+    void OpenMenu(MenuOpening opening);
 
     const BMenu* menu_ = nullptr;
     int selected_ = 0;

@@ -1,6 +1,7 @@
 #include "menu_widget.h"
 
 #include "bitmap_content.h"
+#include "display_text.h"
 #include "key_events.h"
 #include "window_widget.h"
 
@@ -9,6 +10,7 @@
 namespace {
 
 constexpr int kLastFunctionKey = 31;
+constexpr int kMaxLabelWidth = 60;  // in average characters
 
 // Empty if the item has no shortcut.
 QKeySequence ShortcutOf(const BMenuItem& item)
@@ -23,10 +25,23 @@ QKeySequence ShortcutOf(const BMenuItem& item)
     return QKeyCombination(ToQtModifiers(item.Modifiers()), static_cast<Qt::Key>(key));
 }
 
+// Elides a label that would make the menu too wide; then a tool tip shows all of it. Escapes it so
+// that no character becomes a mnemonic.
+void SetLabel(QAction& action, const QFontMetrics& metrics, const QString& label)
+{
+    const int room = kMaxLabelWidth * metrics.averageCharWidth();
+    QString shown = metrics.elidedText(label, Qt::ElideMiddle, room);
+    if (shown != label) {
+        action.setToolTip(ToolTipText(label));
+    }
+    action.setText(shown.replace('&', QLatin1String("&&")));
+}
+
 // The shortcut is only shown: it cannot trigger the action, since the menu is not in a menu bar.
 void AddAction(QMenu& menu, const BMenuItem& item, const MenuChoice& choose)
 {
-    QAction* action = menu.addAction(MenuIcon(item), MenuLabel(item));
+    QAction* action = menu.addAction(MenuIcon(item), QString());
+    SetLabel(*action, menu.fontMetrics(), QString::fromStdString(item.Label()));
     action->setIconVisibleInMenu(true);
     action->setShortcut(ShortcutOf(item));
     action->setShortcutVisibleInContextMenu(true);
@@ -36,11 +51,6 @@ void AddAction(QMenu& menu, const BMenuItem& item, const MenuChoice& choose)
 }
 
 }  // namespace
-
-QString MenuLabel(const BMenuItem& item)
-{
-    return QString::fromStdString(item.Label()).replace('&', QLatin1String("&&"));
-}
 
 QIcon MenuIcon(const BMenuItem& item)
 {
@@ -52,6 +62,7 @@ QMenu* MakeMenuWidget(const BMenu& menu, QWidget* parent, const MenuChoice& choo
 {
     auto* widget = new QMenu(parent);
     widget->setObjectName(QString::fromStdString(menu.Name()));
+    widget->setToolTipsVisible(true);
     if (menu.Font() && menu.Font()->Size() > 0) {
         QFont font = QApplication::font();
         font.setPointSizeF(menu.Font()->Size());
@@ -76,4 +87,11 @@ QMenu* MakeWindowMenu(QWidget& owner, const BMenu& menu)
         widget->setAttribute(Qt::WA_DeleteOnClose);
     });
     return widget;
+}
+
+void ActivateItem(QMenu& menu, QAction* item, MenuOpening opening)
+{
+    if (opening == MenuOpening::ByKey) {
+        menu.setActiveAction(item);
+    }
 }

@@ -16,7 +16,9 @@ QMenu* MakeMenuWidget(const BMenu& menu, QWidget* parent, const MenuChoice& choo
 // menu is empty.
 QMenu* MakeWindowMenu(QWidget& owner, const BMenu& menu);
 
-// An item's label, escaped so that no character becomes a mnemonic.
-QString MenuLabel(const BMenuItem& item);
-
 QIcon MenuIcon(const BMenuItem& item);
+
+enum class MenuOpening { ByMouse, ByKey };
+
+// To be called just before the menu opens: makes the item the active one if a key opens the menu.
+void ActivateItem(QMenu& menu, QAction* item, MenuOpening opening);

@@ -28,6 +28,9 @@ std::function<void()> LetUserChoose(const BMenu& menu, BPoint where)
     if (window != nullptr) {
         QObject::connect(window->windowHandle(), &QWindow::visibleChanged, widget, &QWidget::close);
     }
+    const bool byMouse = QGuiApplication::mouseButtons() != Qt::NoButton;
+    ActivateItem(*widget, widget->actions().value(0),
+                 byMouse ? MenuOpening::ByMouse : MenuOpening::ByKey);
     widget->exec(QPointF(where.x, where.y).toPoint());
     delete widget;  // Null if it was destroyed with the window.
     const auto& mayPerform = Runtime::Current().handlers.mayPerform;

@@ -28,3 +28,8 @@ QString DisplayText(std::string_view text)
     }
     return shown;
 }
+
+QString ToolTipText(const QString& text)
+{
+    return "<p style='white-space:pre-wrap'>" + text.toHtmlEscaped() + "</p>";
+}

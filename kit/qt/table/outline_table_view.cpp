@@ -45,8 +45,10 @@ float FTableItem::MeasureText(std::string_view text) const
 
 BOutlineTableView::BOutlineTableView(std::unique_ptr<Native> native) : BView(std::move(native))
 {
-    Widget(*this).handlers.drawItem = [this](QPainter& painter, FTableItem& item, BRect cell) {
+    Widget(*this).handlers.drawItem = [this](QPainter& painter, FTableItem& item, BRect cell,
+                                             bool isSelected) {
         BView::native().painter = &painter;
+        BView::native().drawsSelection = isSelected;
         Runtime::Protect([&] { item.DrawItem(this, cell); });
         BView::native().painter = nullptr;
     };
@@ -112,8 +114,9 @@ void BOutlineTableView::SetMenu(BMenu* menu)
 {
     auto& own = static_cast<TableNative&>(native()).menu;
     own.reset(menu);
-    Widget(*this).handlers.showMenu = [this, &own](const QPoint& at) {
+    Widget(*this).handlers.showMenu = [this, &own](const QPoint& at, MenuOpening opening) {
         if (auto* const widget = MakeWindowMenu(Widget(*this), *own)) {
+            ActivateItem(*widget, widget->actions().value(0), opening);
             widget->popup(at);
         }
     };

@@ -52,7 +52,8 @@ void RowPainter::paint(QPainter* painter, const QStyleOptionViewItem& option,
     painter->setClipRect(option.rect, Qt::IntersectClip);
     painter->setFont(option.font);
     painter->setPen(TextColor(option, index.column()));
-    table_.handlers.drawItem(*painter, *item, CellIn(option.rect));
+    table_.handlers.drawItem(*painter, *item, CellIn(option.rect),
+                             option.state.testFlag(QStyle::State_Selected));
     painter->restore();
 }
 

@@ -1,5 +1,7 @@
 #include "table_model.h"
 
+#include "display_text.h"
+
 #include <QTimer>
 
 #include <algorithm>
@@ -96,12 +98,17 @@ int TableModel::columnCount(const QModelIndex& parent) const
     return parent.isValid() ? 0 : static_cast<int>(titles_.size());
 }
 
-// Used for keyboard search and by screen readers only: the items draw themselves.
+// The text is used for keyboard search and by screen readers only: the items draw themselves.
 QVariant TableModel::data(const QModelIndex& index, int role) const
 {
     const auto* item = ItemAt(index.row(), index.column());
-    return role == Qt::DisplayRole && item != nullptr ? QString::fromStdString(item->Text())
-                                                      : QVariant();
+    if (item != nullptr && role == Qt::DisplayRole) {
+        return QString::fromStdString(item->Text());
+    }
+    const bool isShortened =
+        item != nullptr && index.column() == 0 && item->Text() != item->FullText();
+    return role == Qt::ToolTipRole && isShortened ? ToolTipText(DisplayText(item->FullText()))
+                                                  : QVariant();
 }
 
 QVariant TableModel::headerData(int section, Qt::Orientation orientation, int role) const

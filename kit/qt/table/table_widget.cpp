@@ -44,7 +44,9 @@ void TableWidget::SetColumns(const QStringList& titles)
 {
     columns_ = titles;
     model_->SetColumns(titles);
-    for (int column = 1; column < titles.size(); ++column) {
+    for (int column = 0; column < titles.size(); ++column) {
+        header()->setSectionResizeMode(column,
+                                       column == 0 ? QHeaderView::Stretch : QHeaderView::Fixed);
         header()->resizeSection(column, kSizeColumnWidth);
     }
 }
@@ -138,12 +140,16 @@ void TableWidget::Invoke(const QModelIndex& index)
 
 void TableWidget::contextMenuEvent(QContextMenuEvent* event)
 {
+    const bool byKey = event->reason() == QContextMenuEvent::Keyboard;
     QPoint at = event->globalPos();
-    if (event->reason() == QContextMenuEvent::Keyboard) {
+    if (byKey) {
+        scrollTo(currentIndex());
         at = viewport()->mapToGlobal(visualRect(currentIndex()).center());
     }
     if (handlers.showMenu) {
-        CallWindow(*this, [&] { handlers.showMenu(at); });
+        CallWindow(*this, [&] {
+            handlers.showMenu(at, byKey ? MenuOpening::ByKey : MenuOpening::ByMouse);
+        });
     }
     event->accept();
 }
@@ -227,20 +233,30 @@ void TableWidget::dropEvent(QDropEvent* event)
     }
 }
 
+// A frame marks the row as well, because a selected row already has the fill's colour.
+void TableWidget::PaintRowMark(QPainter& painter, const QModelIndex& index)
+{
+    QRect area = visualRect(index);
+    area.setRight(viewport()->width() - 1);
+    const bool isSelected = selectionModel()->isSelected(index);
+    QColor fill = palette().color(QPalette::Highlight);
+    fill.setAlpha(70);
+    painter.fillRect(area, fill);
+    painter.setPen(
+        QPen(palette().color(isSelected ? QPalette::HighlightedText : QPalette::Highlight), 2));
+    painter.drawRect(area.adjusted(2, 2, -2, -2));
+}
+
 void TableWidget::PaintDropTarget()
 {
     QPainter painter(viewport());
-    QColor color = palette().color(QPalette::Highlight);
     for (int row = 0; target_.row != nullptr && row < model_->rowCount(); ++row) {
         if (model_->RowAt(row) == target_.row) {
-            QRect area = visualRect(model_->index(row, 0));
-            area.setRight(viewport()->width() - 1);
-            color.setAlpha(70);
-            painter.fillRect(area, color);
+            PaintRowMark(painter, model_->index(row, 0));
             return;
         }
     }
-    painter.setPen(QPen(color, 2));
+    painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
     painter.drawRect(viewport()->rect().adjusted(1, 1, -1, -1));
 }
 
@@ -249,17 +265,5 @@ void TableWidget::paintEvent(QPaintEvent* event)
     QTreeView::paintEvent(event);
     if (showsTarget_) {
         PaintDropTarget();
-    }
-}
-
-void TableWidget::resizeEvent(QResizeEvent* event)
-{
-    QTreeView::resizeEvent(event);
-    int others = 0;
-    for (int column = 1; column < header()->count(); ++column) {
-        others += header()->sectionSize(column);
-    }
-    if (header()->count() > 0) {
-        header()->resizeSection(0, std::max(viewport()->width() - others, kMinNameWidth));
     }
 }

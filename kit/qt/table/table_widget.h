@@ -2,6 +2,7 @@
 
 #include "OutlineTableView.h"
 #include "app_kit_objects.h"
+#include "menu_widget.h"
 #include "table_model.h"
 
 #include <QTreeView>
@@ -32,8 +33,9 @@ class TableWidget final : public QTreeView, public NSOutlineView {
         std::function<bool(const char* bytes, int numBytes)> keyDown;
         std::function<int(objc_object* info, objc_object* row, int index)> validateDrop;
         std::function<bool(objc_object* info, objc_object* row, int index)> acceptDrop;
-        std::function<void(const QPoint& at)> showMenu;
-        std::function<void(QPainter& painter, FTableItem& item, BRect cell)> drawItem;
+        std::function<void(const QPoint& at, MenuOpening opening)> showMenu;
+        std::function<void(QPainter& painter, FTableItem& item, BRect cell, bool isSelected)>
+            drawItem;
     };
     Handlers handlers;
 
@@ -50,7 +52,6 @@ class TableWidget final : public QTreeView, public NSOutlineView {
     void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
 
   private:
     struct DropTarget {
@@ -63,6 +64,7 @@ class TableWidget final : public QTreeView, public NSOutlineView {
     DropTarget ProposeTarget(const QPoint& at) const;
     int Validate(const QDropEvent& event);
     void ShowDropTarget(bool show);
+    void PaintRowMark(QPainter& painter, const QModelIndex& index);
     void PaintDropTarget();
 
     QStringList columns_;

@@ -10,6 +10,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QContextMenuEvent>
+#include <QDragEnterEvent>
+#include <QHeaderView>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -19,7 +22,7 @@ class TableTest : public testing::Test {
   protected:
     TableTest()
     {
-        widget->SetColumns({"Name"});
+        widget->SetColumns({"Name", "Size"});
         window->SetLooper(looper);
         window->show();
     }
@@ -81,4 +84,44 @@ TEST_F(TableTest, KeysReachTheHandlerAsBytesWithTheirModifiers)
     handles = false;
     QTest::keyClick(widget, Qt::Key_Down);
     EXPECT_EQ(view->SelectedItems()[0]->Text(), "b");
+}
+
+TEST_F(TableTest, TheBorderOfAColumnCannotBeMoved)
+{
+    widget->resize(400, 300);
+    auto* const header = widget->header();
+    const int name = header->sectionSize(0);
+    EXPECT_EQ(header->length(), widget->viewport()->width());
+    const QPoint border(name, header->height() / 2);
+    QTest::mousePress(header->viewport(), Qt::LeftButton, {}, border);
+    QTest::mouseMove(header->viewport(), border + QPoint(90, 0));
+    QTest::mouseRelease(header->viewport(), Qt::LeftButton, {}, border + QPoint(90, 0));
+    EXPECT_EQ(header->sectionSize(0), name) << "after a drag";
+    QTest::mouseDClick(header->viewport(), Qt::LeftButton, {}, border);
+    EXPECT_EQ(header->sectionSize(0), name) << "after a double click";
+}
+
+TEST_F(TableTest, TheMenuKeyAndADropShowTheSelectedRow)
+{
+    for (int i = 0; i < 200; ++i) {
+        AddRow("name");
+    }
+    view->Select(150, false);
+    widget->scrollToTop();
+    QPoint at;
+    widget->handlers.showMenu = [&](const QPoint& where, MenuOpening) { at = where; };
+    QContextMenuEvent key(QContextMenuEvent::Keyboard, {}, {});
+    QApplication::sendEvent(widget, &key);
+    const QPoint inside = widget->viewport()->mapFromGlobal(at);
+    EXPECT_TRUE(widget->viewport()->rect().contains(inside));
+
+    view->SetDropValidator([](auto*, auto*, int) { return NSDragOperationCopy; });
+    const QRect row = widget->visualRect(widget->model()->index(150, 1));
+    EXPECT_TRUE(row.top() < inside.y() && inside.y() < row.bottom());
+    const auto before = widget->viewport()->grab(row).toImage();
+    QMimeData data;
+    widget->SetAcceptsFiles(true);
+    QDragEnterEvent drag(row.center(), Qt::CopyAction, &data, Qt::LeftButton, {});
+    QApplication::sendEvent(widget->viewport(), &drag);
+    EXPECT_NE(widget->viewport()->grab(row).toImage(), before) << "the mark cannot be seen";
 }

@@ -10,6 +10,8 @@
 #include <QApplication>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
+#include <QTest>
 
 #include <stdexcept>
 
@@ -83,4 +85,30 @@ TEST_F(WindowTest, AButtonCallsAnOpenWindowAndItsExceptionsAreReported)
     EXPECT_EQ(pressed, 2);
     EXPECT_TRUE(WaitUntil([&] { return errors.size() == 2; }));
     EXPECT_EQ(errors.front(), "of the window");
+}
+
+TEST_F(WindowTest, ItsFirstFrameIsBesideTheActiveWindowAndFitsTheScreen)
+{
+    const auto frameOfNext = [&] {
+        const auto window = Make(R"(<ui version="4.0"><widget class="BWindow" name="W">
+ <property name="geometry"><rect><width>200</width><height>5000</height></rect></property>
+</widget></ui>)");
+        window->Show();
+        const BRect frame = window->Frame();
+        window->Quit();
+        return frame;
+    };
+    const QRect screen = QApplication::primaryScreen()->availableGeometry();
+    QWidget active;
+    for (const int width : {200, 300, 5000}) {
+        active.setGeometry(50, 60, width, 100);
+        active.show();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&active));
+        const auto [left, top, right, bottom] = frameOfNext();
+        EXPECT_EQ(left, std::min(50 + width + 9, screen.right() - 9 - 204)) << width;
+        EXPECT_EQ(right, left + 204) << "with its decoration";
+        EXPECT_EQ(std::pair(top, bottom), std::pair(10.0, screen.bottom() - 9.0));
+    }
+    active.hide();
+    EXPECT_EQ(frameOfNext().Height(), screen.height() - 20) << "with no other window";
 }
