@@ -19,9 +19,9 @@ bool PluginActions::SaveFront()
     }
     if (front->path().empty()) {
         // A document without a file cannot run, so the target runs instead, if there is one.
-        return front->IsPristine() || host_.HasRunnable() || tabs_.SaveFront();
+        return front->IsPristine() || host_.HasRunnable() || tabs_.saver().SaveFront();
     }
-    return !front->IsModified() || tabs_.SaveFront();
+    return !front->IsModified() || tabs_.saver().SaveFront();
 }
 
 bool PluginActions::PrepareFile()

@@ -221,7 +221,7 @@ TEST_F(EditorWindow, DISABLED_SecondProcess)
     Start({QString::fromStdString(root + "/theirs.py")});
     Type("saved ");
     ASSERT_TRUE(WaitUntil([&] { return HasCopy(root + "/state/recovery"); }));
-    ASSERT_TRUE(window().documents().SaveFront());
+    ASSERT_TRUE(window().documents().saver().SaveFront());
     ASSERT_TRUE(WaitUntil([&] { return !HasCopy(root + "/state/recovery"); }));
     Type("unsaved ");
     ASSERT_TRUE(WaitUntil([&] { return HasCopy(root + "/state/recovery"); }));
@@ -328,7 +328,7 @@ TEST_F(EditorWindow, SavesAsANameWithoutAnExtension)
         files.selectFile(PathOf("GNUmakefile"));
         static_cast<QDialog&>(files).accept();
     });
-    EXPECT_TRUE(window().documents().SaveFrontAs());
+    EXPECT_TRUE(window().documents().saver().SaveFrontAs());
     EXPECT_EQ(Read("GNUmakefile"), "all:\n");
 }
 
@@ -338,14 +338,14 @@ TEST_F(EditorWindow, KeepsAnEncodingUnlessACharacterNeedsUtf8)
     Start({Write("latin.py", latin)});
     Type("z");
     Press(Qt::Key_Backspace);
-    ASSERT_TRUE(window().documents().SaveFront());
+    ASSERT_TRUE(window().documents().saver().SaveFront());
     EXPECT_EQ(Read("latin.py"), latin);
     editor().insert("€");
     WhenAskedPress(QMessageBox::Cancel);
-    EXPECT_FALSE(window().documents().SaveFront());
+    EXPECT_FALSE(window().documents().saver().SaveFront());
     EXPECT_EQ(Read("latin.py"), latin);
     WhenAskedPress(QMessageBox::Save);
-    EXPECT_TRUE(window().documents().SaveFront());
+    EXPECT_TRUE(window().documents().saver().SaveFront());
     EXPECT_TRUE(Read("latin.py").starts_with("€x = 'é'\r\n"));
 }
 
@@ -366,7 +366,7 @@ TEST_F(EditorWindow, ReportsWhatCannotBeOpenedOrSavedAndKeepsTheText)
     EXPECT_EQ(window().documents().count(), 1);
     Type("new ");
     fs::remove_all(folder / "gone");
-    EXPECT_FALSE(window().documents().SaveFront());
+    EXPECT_FALSE(window().documents().saver().SaveFront());
     EXPECT_TRUE(MessageShows("cannot create a file"));
     EXPECT_EQ(editor().Content(), "new old\n");
     WhenAskedPress(QMessageBox::Cancel);
@@ -426,7 +426,7 @@ TEST_F(EditorWindow, SurvivesAPluginThatThrowsOrSendsInvalidMessages)
     Press(Qt::Key_F8);
     EXPECT_TRUE(MessageShows("no Device window"));
     Type("still here");
-    EXPECT_TRUE(window().documents().SaveFront());
+    EXPECT_TRUE(window().documents().saver().SaveFront());
     EXPECT_EQ(Read("a.py"), "still here");
 }
 
