@@ -1,18 +1,28 @@
 #pragma once
 
+#include "file_save.h"
+#include "file_worker.h"
+
 #include <QObject>
+
+#include <expected>
+#include <set>
+#include <string>
 
 class DocumentPage;
 class DocumentTabs;
 
 // Saves documents, with the dialogs that this needs. Functions return false if a document was not
-// saved, which has then been reported to the user; true if there is no document. [ui]
+// saved, which has then been reported to the user; true if there is no document.
+//
+// The files are written on other threads. A save on a slow disk continues in the background: the
+// function returns false, and the tab shows that the document is being saved. [ui]
 class DocumentSaver final : public QObject {
     Q_OBJECT
 
   public:
     // `tabs` must outlive this object.
-    explicit DocumentSaver(DocumentTabs& tabs) : tabs_(tabs) {}
+    explicit DocumentSaver(DocumentTabs& tabs);
 
     bool SaveFront();
     bool SaveFrontAs();
@@ -26,10 +36,22 @@ class DocumentSaver final : public QObject {
     void Saved(DocumentPage& page);
 
   private:
-    bool Save(DocumentPage& page);
-    bool SaveAs(DocumentPage& page);
-    bool Write(DocumentPage& page, const QString& path);
-    bool SaveAsUtf8(DocumentPage& page, const QString& path, const QString& problem);
+    using Patience = FileWorker::Patience;
+    using Outcome = std::expected<SavedFile, SaveError>;
+
+    bool Save(DocumentPage& page, Patience patience);
+    bool SaveAs(DocumentPage& page, Patience patience);
+    bool Write(DocumentPage& page, SaveRequest request, Patience patience);
+    bool Start(DocumentPage& page, SaveRequest request, Patience patience);
+    bool Complete(DocumentPage& page, const SaveRequest& request, const Outcome& outcome,
+                  Patience patience);
+    bool TryOtherwise(DocumentPage& page, SaveRequest request, const SaveError& error,
+                      Patience patience);
+    bool WaitForSave(DocumentPage& page, Patience patience);
+    bool AskToSave(const QString& question);
+    bool AskToWriteInPlace(const QString& problem);
 
     DocumentTabs& tabs_;
+    std::set<std::string> inPlace_;  // The paths that the user allowed to write in place.
+    FileWorker worker_;
 };

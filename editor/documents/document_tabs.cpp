@@ -1,33 +1,38 @@
 #include "document_tabs.h"
 
 #include "action_icons.h"
+#include "path_text.h"
 #include "text_editor.h"
 
+#include <QApplication>
 #include <QFileInfo>
+#include <QPointer>
 #include <QTabBar>
 #include <QToolButton>
 
+#include <chrono>
+
 namespace {
 
-// Identifies a file by its canonical path, so that it is not opened twice under two names.
-QString Identity(const QString& path)
-{
-    const QString canonical = QFileInfo(path).canonicalFilePath();
-    return canonical.isEmpty() ? QFileInfo(path).absoluteFilePath() : canonical;
-}
+constexpr int kMaxCheckThreads = 4;
+constexpr std::chrono::seconds kCheckPatience{1};
 
 }  // namespace
 
 DocumentTabs::DocumentTabs(const std::string& recoveryRoot, QWidget* parent)
-    : QTabWidget(parent), saver_(*this), copies_(recoveryRoot, *this)
+    : QTabWidget(parent),
+      saver_(*this),
+      copies_(recoveryRoot, *this),
+      checks_(kMaxCheckThreads, kCheckPatience)
 {
     setDocumentMode(true);
     setMovable(true);
     setAccessibleName(tr("Documents"));
     connect(&saver_, &DocumentSaver::Saved, this, [this](DocumentPage& page) {
-        copies_.Discard(page);
+        // It may have changed while it was written.
+        page.document().IsModified() ? copies_.TextChanged(page) : copies_.Discard(page);
         ShowState(page);
-        Q_EMIT Opened(QString::fromStdString(page.document().path()));
+        Q_EMIT Opened(PathToText(page.document().path()));
     });
     connect(this, &QTabWidget::currentChanged, this, [this] {
         if (auto* const page = FrontPage()) {
@@ -62,7 +67,7 @@ QStringList DocumentTabs::Paths() const
     QStringList paths;
     for (int i = 0; i < count(); ++i) {
         if (const auto& path = PageAt(i)->document().path(); !path.empty()) {
-            paths.append(QString::fromStdString(path));
+            paths.append(PathToText(path));
         }
     }
     return paths;
@@ -70,10 +75,10 @@ QStringList DocumentTabs::Paths() const
 
 int DocumentTabs::IndexOf(const QString& path) const
 {
-    const QString wanted = Identity(path);
+    const std::string wanted = FileIdentity(TextToPath(path));
     for (int i = 0; i < count(); ++i) {
-        const auto& other = PageAt(i)->document().path();
-        if (!other.empty() && Identity(QString::fromStdString(other)) == wanted) {
+        const auto& identity = PageAt(i)->document().identity();
+        if (!identity.empty() && identity == wanted) {
             return i;
         }
     }
@@ -132,9 +137,12 @@ void DocumentTabs::ShowState(DocumentPage& page)
 {
     const auto& document = page.document();
     const int index = indexOf(&page);
-    const QString title = document.Name() + (document.IsModified() ? " *" : "");
+    const QString mark = document.IsSaving()     ? tr(" – saving…")
+                         : document.IsModified() ? QString(" *")
+                                                 : QString();
+    const QString title = document.Name() + mark;
     setTabText(index, QString(title).replace('&', "&&"));
-    setTabToolTip(index, QString::fromStdString(document.path()));
+    setTabToolTip(index, PathToText(document.path()));
     page.editor().setAccessibleName(title);
     tabBar()->tabButton(index, QTabBar::RightSide)->setAccessibleName(tr("Close %1").arg(title));
     if (index == currentIndex()) {
@@ -156,7 +164,7 @@ bool DocumentTabs::Open(const QString& path, LongLines longLines)
         return true;
     }
     const QString full = QFileInfo(path).absoluteFilePath();
-    const auto file = Document::Read(full.toStdString());
+    const auto file = Document::Read(TextToPath(full));
     if (!file) {
         Q_EMIT Failed(QString::fromStdString(file.error()));
         return false;
@@ -198,12 +206,42 @@ void DocumentTabs::CloseAll()
 void DocumentTabs::CheckDisk()
 {
     for (int i = 0; i < count(); ++i) {
-        auto& page = *PageAt(i);
-        page.CheckDisk([this, &page] {
-            if (page.document().IsModified()) {
-                copies_.TextChanged(page);  // The text of a deleted file needs a recovery copy.
-            }
-            ShowState(page);
-        });
+        const auto& document = PageAt(i)->document();
+        if (!document.path().empty() && !document.IsSaving()) {
+            CheckDisk(*PageAt(i));
+        }
     }
+}
+
+// Only a difference is passed to this thread.
+void DocumentTabs::CheckDisk(DocumentPage& page)
+{
+    const auto& document = page.document();
+    checks_.Do(page.recoveryId(),
+               [this, path = document.path(), known = document.stamp(),
+                checked = QPointer<DocumentPage>(&page)]() -> FileWorker::Result {
+                   const auto now = FileStamp::Of(path);
+                   if (now == known) {
+                       return {};
+                   }
+                   return [this, checked, path, known, now] {
+                       if (checked != nullptr && checked->document().path() == path &&
+                           checked->document().stamp() == known) {
+                           FollowDisk(*checked, now);
+                       }
+                   };
+               });
+}
+
+void DocumentTabs::FollowDisk(DocumentPage& page, const FileStamp& now)
+{
+    if (page.document().IsSaving() || QApplication::activeModalWidget() != nullptr) {
+        return;  // The next check finds the difference again.
+    }
+    page.FollowDisk(now, [this, &page] {
+        if (page.document().IsModified()) {
+            copies_.TextChanged(page);  // The text of a deleted file needs a recovery copy.
+        }
+        ShowState(page);
+    });
 }

@@ -36,7 +36,7 @@ class DocumentTabs final : public QTabWidget {
     // Closes all documents without asking.
     void CloseAll();
 
-    // Checks whether other programs have changed the files.
+    // Checks whether other programs have changed the files. Does not wait for the disk.
     void CheckDisk();
 
     DocumentSaver& saver() { return saver_; }
@@ -63,8 +63,11 @@ class DocumentTabs final : public QTabWidget {
   private:
     QString UnusedName() const;
     void RemovePage(int index);
+    void CheckDisk(DocumentPage& page);
+    void FollowDisk(DocumentPage& page, const FileStamp& now);
 
     DocumentSaver saver_;
     RecoveryCopies copies_;
+    FileWorker checks_;
     int lastRecoveryId_ = 0;
 };

@@ -1,6 +1,7 @@
 #include "recovery_copies.h"
 
 #include "document_tabs.h"
+#include "path_text.h"
 #include "text_editor.h"
 
 #include <QFileInfo>
@@ -11,6 +12,7 @@
 namespace {
 
 constexpr std::chrono::seconds kCopyDelay{2};
+constexpr std::chrono::seconds kDiskPatience{5};
 
 }  // namespace
 
@@ -49,6 +51,13 @@ void RecoveryCopies::Keep()
     }
 }
 
+bool RecoveryCopies::KeepNow(DocumentPage& page)
+{
+    Forget(page);
+    keeper_.Keep(page.recoveryId(), page.document().Copy());
+    return keeper_.WaitFor(page.recoveryId(), kDiskPatience) && !changed_.contains(&page);
+}
+
 // The copy is retried, but each error is reported only once.
 void RecoveryCopies::CopyFailed(const std::string& id, const QString& error)
 {
@@ -57,7 +66,9 @@ void RecoveryCopies::CopyFailed(const std::string& id, const QString& error)
             TextChanged(*tabs_.PageAt(i));
         }
     }
-    if (std::exchange(copyError_, error) != error) {
+    if (id.empty()) {
+        Q_EMIT tabs_.Failed(error);
+    } else if (std::exchange(copyError_, error) != error) {
         Q_EMIT tabs_.Failed(DocumentTabs::tr("Unsaved changes cannot be backed up: %1").arg(error));
     }
 }
@@ -69,7 +80,7 @@ QStringList RecoveryCopies::FindRecoverable()
     for (const auto& orphan : orphans_) {
         const auto& path = orphan.copy.path;
         names.append(path.empty() ? DocumentTabs::tr("an untitled document")
-                                  : QFileInfo(QString::fromStdString(path)).fileName());
+                                  : QFileInfo(PathToText(path)).fileName());
     }
     return names;
 }
@@ -78,7 +89,7 @@ void RecoveryCopies::Recover()
 {
     for (const auto& orphan : std::exchange(orphans_, {})) {
         const int open =
-            orphan.copy.path.empty() ? -1 : tabs_.IndexOf(QString::fromStdString(orphan.copy.path));
+            orphan.copy.path.empty() ? -1 : tabs_.IndexOf(PathToText(orphan.copy.path));
         // Do not overwrite other unsaved changes.
         const bool replaces = open >= 0 && !tabs_.PageAt(open)->document().IsModified();
         auto& page = replaces ? *tabs_.PageAt(open) : tabs_.AddPage();

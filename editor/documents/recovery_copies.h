@@ -28,6 +28,10 @@ class RecoveryCopies {
     // disk.
     void Keep();
 
+    // Stores a copy of the document, and waits for the disk. Returns false if that failed, which
+    // has then been reported, or took too long.
+    bool KeepNow(DocumentPage& page);
+
     // Searches for texts that a crashed editor left, and returns their names.
     QStringList FindRecoverable();
     // Opens or deletes the texts that FindRecoverable found.

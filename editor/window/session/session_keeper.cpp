@@ -3,7 +3,7 @@
 #include "appearance.h"
 #include "document_tabs.h"
 #include "file_actions.h"
-#include "file_bytes.h"
+#include "file_save.h"
 #include "message_area.h"
 #include "plugin_actions.h"
 #include "project.h"

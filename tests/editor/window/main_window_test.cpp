@@ -2,7 +2,7 @@
 
 #include "editor_window_fixture.h"
 
-#include "file_bytes.h"
+#include "file_save.h"
 #include "leaks.h"
 #include "recovery.h"
 #include "run_control.h"
