@@ -27,6 +27,10 @@ bool PluginActions::SaveFront()
 bool PluginActions::PrepareFile()
 {
     if (!SaveFront()) {
+        if (const auto* const front = tabs_.Front(); front->IsSaving()) {
+            messages_.Report(tr("%1 is still being saved. Repeat the command when that is done.")
+                                 .arg(front->Name()));
+        }
         return false;
     }
     if (!host_.HasRunnable()) {
