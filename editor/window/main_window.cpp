@@ -268,7 +268,7 @@ void MainWindow::SavePluginSettings()
 // Returns the errors as messages for the user.
 QStringList MainWindow::SaveEverything()
 {
-    QStringList problems = session_->Save();
+    QStringList problems = session_->SaveAtExit();
     runtime_.handlers.windowClosed = {};  // The settings are saved below.
     runtime_.CloseWindows();
     if (const auto saved = host_.SaveSettings(); !saved) {
