@@ -1,6 +1,6 @@
 #include "document.h"
 
-#include "file_bytes.h"
+#include "path_text.h"
 #include "python_file.h"
 #include "text_editor.h"
 
@@ -13,12 +13,12 @@ Document::Document(TextEditor& editor, QString name) : editor_(editor), name_(st
 
 QString Document::Name() const
 {
-    return path_.empty() ? name_ : QFileInfo(QString::fromStdString(path_)).fileName();
+    return path_.empty() ? name_ : QFileInfo(PathToText(path_)).fileName();
 }
 
 bool Document::IsPython() const
 {
-    return IsPythonFile(Name().toStdString());
+    return IsPythonFile(TextToPath(Name()));
 }
 
 QString Document::FileDialogFilter()
@@ -33,7 +33,7 @@ QString Document::FileDialogFilter()
 
 bool Document::IsModified() const
 {
-    return unsaved_ || editor_.isModified();
+    return unsaved_ || saving_ || editor_.isModified();
 }
 
 bool Document::IsPristine() const
@@ -55,13 +55,14 @@ std::expected<Document::File, std::string> Document::Read(const std::string& pat
     if (!content) {
         return std::unexpected(content.error());
     }
-    return File{path, std::move(*content), before};
+    return File{path, std::move(*content), before, FileIdentity(path)};
 }
 
 // Adopts everything but the text.
 void Document::Adopt(const File& file)
 {
     stamp_ = file.stamp;
+    identity_ = file.identity;
     encoding_ = file.content.encoding;
     unsaved_ = false;
 }
@@ -92,6 +93,7 @@ void Document::Recover(const RecoveryCopy& copy)
 {
     if (!copy.path.empty()) {
         SetPath(copy.path);
+        identity_ = FileIdentity(copy.path);
     }
     encoding_ = copy.encoding;
     stamp_ = copy.stamp;
@@ -99,39 +101,31 @@ void Document::Recover(const RecoveryCopy& copy)
     MarkUnsaved();
 }
 
-std::expected<void, std::string> Document::SaveAs(const std::string& path)
+std::expected<QByteArray, std::string> Document::BeginSave()
 {
-    const auto bytes = Encode(editor_.Content(), encoding_);
-    if (!bytes) {
-        return std::unexpected(bytes.error());
+    auto bytes = Encode(editor_.Content(), encoding_);
+    if (bytes) {
+        saving_ = true;
+        editor_.setModified(false);  // From now on the editor notices what the file will not have.
     }
-    if (const auto saved = SaveAtomically(path, *bytes); !saved) {
-        return saved;
-    }
+    return bytes;
+}
+
+void Document::EndSave(const std::string& path, const SavedFile& file)
+{
     if (path != path_) {
         SetPath(path);
     }
-    AcceptDisk();
+    stamp_ = file.stamp;
+    identity_ = file.identity;
+    saving_ = false;
     unsaved_ = false;
-    editor_.setModified(false);
-    return {};
 }
 
-Document::DiskState Document::CheckDisk() const
+void Document::AbortSave()
 {
-    if (path_.empty()) {
-        return DiskState::Unchanged;
-    }
-    const auto now = FileStamp::Of(path_);
-    if (now == stamp_) {
-        return DiskState::Unchanged;
-    }
-    return now == FileStamp() ? DiskState::Deleted : DiskState::Changed;
-}
-
-void Document::AcceptDisk()
-{
-    stamp_ = FileStamp::Of(path_);
+    saving_ = false;
+    MarkUnsaved();
 }
 
 RecoveryCopy Document::Copy() const

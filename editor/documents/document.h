@@ -1,6 +1,7 @@
 #pragma once
 
 #include "document_file.h"
+#include "file_save.h"
 #include "recovery.h"
 
 #include <QString>
@@ -14,13 +15,15 @@ class TextEditor;
 // saved. Errors are messages for the user. [ui]
 class Document {
   public:
-    enum class DiskState { Unchanged, Changed, Deleted };
-
     // Creates a document without a file. `editor` is not owned and must outlive this object.
     Document(TextEditor& editor, QString name);
 
     // The full path of the file; empty if there is none yet.
     const std::string& path() const { return path_; }
+    // See FileIdentity; empty if there is no file. As of the time when it was last read or saved.
+    const std::string& identity() const { return identity_; }
+    // Of the file when it was last read or saved.
+    const FileStamp& stamp() const { return stamp_; }
     // The name of the file, or the one passed to the constructor.
     QString Name() const;
     // Decided by the extension of the name.
@@ -41,6 +44,7 @@ class Document {
         std::string path;
         LoadedText content;
         FileStamp stamp;
+        std::string identity;
     };
     static std::expected<File, std::string> Read(const std::string& path);
     // Shows a file in a pristine document.
@@ -51,12 +55,15 @@ class Document {
     // then modified, and changes that other programs made to the file since the copy are detected.
     void Recover(const RecoveryCopy& copy);
 
-    std::expected<void, std::string> SaveAs(const std::string& path);
+    // Saving: BeginSave returns the bytes to write, and once they have been written or not, EndSave
+    // or AbortSave is called. Meanwhile the text may change, and the document counts as modified.
+    std::expected<QByteArray, std::string> BeginSave();
+    void EndSave(const std::string& path, const SavedFile& file);
+    void AbortSave();
+    bool IsSaving() const { return saving_; }
 
-    // Compares the file with its state when it was last read or saved.
-    DiskState CheckDisk() const;
-    // Accepts the current state of the file, so that the next save overwrites it.
-    void AcceptDisk();
+    // Accepts this state of the file, so that the next save overwrites it.
+    void AcceptDisk(const FileStamp& stamp) { stamp_ = stamp; }
 
     RecoveryCopy Copy() const;
 
@@ -69,5 +76,7 @@ class Document {
     std::string path_;
     TextEncoding encoding_ = TextEncoding::Utf8;
     FileStamp stamp_;
+    std::string identity_;
+    bool saving_ = false;
     bool unsaved_ = false;  // Modified regardless of the editor's state.
 };

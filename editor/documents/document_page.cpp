@@ -27,46 +27,45 @@ void DocumentPage::HideMessage()
     messages_->hide();
 }
 
-void DocumentPage::CheckDisk(const std::function<void()>& onChange)
+void DocumentPage::FollowDisk(const FileStamp& now, const std::function<void()>& onChange)
 {
-    const auto disk = document_.CheckDisk();
-    if (disk == Document::DiskState::Unchanged || (questionPending_ && messages_->IsShowing())) {
+    if (questionPending_ && messages_->IsShowing()) {
         return;
     }
     questionPending_ = false;
-    if (disk == Document::DiskState::Deleted) {
-        document_.AcceptDisk();
+    if (now == FileStamp()) {
+        document_.AcceptDisk(now);
         document_.MarkUnsaved();
         messages_->ShowMessage(
             tr("The file no longer exists on disk. Saving will create it again."),
             {{tr("OK"), [] {}}});
     } else if (document_.IsModified()) {
-        AskAboutChange(onChange);
+        AskAboutChange(now, onChange);
     } else {
-        Reload();
+        Reload(now);
     }
     onChange();
 }
 
-void DocumentPage::Reload()
+void DocumentPage::Reload(const FileStamp& now)
 {
     if (const auto reloaded = document_.Reload(); !reloaded) {
-        document_.AcceptDisk();
+        document_.AcceptDisk(now);
         document_.MarkUnsaved();
         messages_->ShowMessage(QString::fromStdString(reloaded.error()), {{tr("OK"), [] {}}});
     }
 }
 
 // Until the user answers, the file remains marked as changed, and saving asks as well.
-void DocumentPage::AskAboutChange(const std::function<void()>& onChange)
+void DocumentPage::AskAboutChange(const FileStamp& now, const std::function<void()>& onChange)
 {
     questionPending_ = true;
     messages_->ShowMessage(
         tr("Another program has changed the file, but the document has unsaved changes."),
         {{tr("Reload"),
-          [this, onChange] {
-              Reload();
+          [this, now, onChange] {
+              Reload(now);
               onChange();
           }},
-         {tr("Keep My Changes"), [this] { document_.AcceptDisk(); }}});
+         {tr("Keep My Changes"), [this, now] { document_.AcceptDisk(now); }}});
 }

@@ -21,18 +21,22 @@ class DocumentPage final : public QWidget {
     const std::string& recoveryId() const { return recoveryId_; }
     void SetRecoveryId(std::string id) { recoveryId_ = std::move(id); }
 
-    // Checks whether another program has changed the file. If so, an unmodified document is
-    // reloaded, and for a modified one the user is asked. `onChange` is called when the document's
-    // state has changed.
-    void CheckDisk(const std::function<void()>& onChange);
+    // Whether the document is to be saved again when the current save has finished.
+    bool savesAgain() const { return savesAgain_; }
+    void SetSavesAgain(bool savesAgain) { savesAgain_ = savesAgain; }
+
+    // Another program has changed or deleted the file. An unmodified document is reloaded, and for
+    // a modified one the user is asked. `onChange` is called when the document's state has changed.
+    void FollowDisk(const FileStamp& now, const std::function<void()>& onChange);
 
   private:
-    void Reload();
-    void AskAboutChange(const std::function<void()>& onChange);
+    void Reload(const FileStamp& now);
+    void AskAboutChange(const FileStamp& now, const std::function<void()>& onChange);
 
     MessageBar* messages_;
     TextEditor* editor_;
     Document document_;
     std::string recoveryId_;
+    bool savesAgain_ = false;
     bool questionPending_ = false;  // Valid only while the message is shown.
 };

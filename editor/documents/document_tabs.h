@@ -1,17 +1,15 @@
 #pragma once
 
 #include "document_page.h"
-#include "recovery_keeper.h"
+#include "document_saver.h"
+#include "recovery_copies.h"
 
 #include <QStringList>
 #include <QTabWidget>
-#include <QTimer>
 
-#include <set>
 #include <string>
-#include <vector>
 
-// The open documents, one in each tab, with the dialogs for saving and closing them. [ui]
+// The open documents, one in each tab. [ui]
 class DocumentTabs final : public QTabWidget {
     Q_OBJECT
 
@@ -33,31 +31,24 @@ class DocumentTabs final : public QTabWidget {
     enum class LongLines { Refuse, Accept };
     bool Open(const QString& path, LongLines longLines = LongLines::Refuse);
 
-    // Return false if a document was not saved, which has then been reported to the user; true if
-    // there is no document.
-    bool SaveFront();
-    bool SaveFrontAs();
-    bool SaveAll();
-
     // Returns false if the user cancelled.
     bool Close(int index);
-    // Asks about all unsaved documents without closing any. Returns false if the user cancelled.
-    bool ConfirmCloseAll();
     // Closes all documents without asking.
     void CloseAll();
 
-    // Stores recovery copies of the unsaved documents that changed since their last copies. Does
-    // not wait for the disk.
-    void KeepCopies();
-
-    // Checks whether other programs have changed the files.
+    // Checks whether other programs have changed the files. Does not wait for the disk.
     void CheckDisk();
 
-    // Searches for texts that a crashed editor left, and returns their names.
-    QStringList FindRecoverable();
-    // Opens or deletes the texts that FindRecoverable found.
-    void Recover();
-    void DiscardRecovered();
+    DocumentSaver& saver() { return saver_; }
+    RecoveryCopies& copies() { return copies_; }
+
+    // For the parts above.
+    DocumentPage* PageAt(int index) const;
+    // The document of this file; -1 if it is not open.
+    int IndexOf(const QString& path) const;
+    DocumentPage& AddPage();
+    // Shows the document's name, and whether it has unsaved changes.
+    void ShowState(DocumentPage& page);
 
   Q_SIGNALS:
     // Another document is in front, or its name or state has changed.
@@ -70,24 +61,13 @@ class DocumentTabs final : public QTabWidget {
     void FilesDropped(const QStringList& paths);
 
   private:
-    DocumentPage* PageAt(int index) const;
-    int IndexOf(const QString& path) const;
-    DocumentPage& AddPage();
     QString UnusedName() const;
     void RemovePage(int index);
-    void ShowState(DocumentPage& page);
-    bool Save(DocumentPage& page);
-    bool SaveAs(DocumentPage& page);
-    bool Write(DocumentPage& page, const QString& path);
-    bool SaveAsUtf8(DocumentPage& page, const QString& path, const QString& problem);
-    bool ConfirmClose(DocumentPage& page);
-    void CopyFailed(const std::string& id, const QString& error);
-    void TextChanged(DocumentPage& page);
+    void CheckDisk(DocumentPage& page);
+    void FollowDisk(DocumentPage& page, const FileStamp& now);
 
-    RecoveryKeeper recovery_;
-    QTimer recoveryTimer_;
-    std::set<DocumentPage*> modifiedPages_;  // Changed since the last recovery copy.
-    QString copyError_;                      // The last error reported for a recovery copy.
-    std::vector<OrphanedCopy> orphans_;
+    DocumentSaver saver_;
+    RecoveryCopies copies_;
+    FileWorker checks_;
     int lastRecoveryId_ = 0;
 };

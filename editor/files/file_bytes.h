@@ -2,10 +2,12 @@
 
 #include <QByteArray>
 
+#include <sys/stat.h>
+
 #include <expected>
 #include <string>
 
-// Reads and writes whole files. Errors are messages for the user. [any]
+// Reads whole files. Errors are messages for the user. [any]
 
 inline constexpr qint64 kMaxDocumentSize = 64LL * 1024 * 1024;  // bytes
 
@@ -20,21 +22,16 @@ struct FileStamp {
     qint64 size = -1;      // Bytes.
 
     static FileStamp Of(const std::string& path);
+    static FileStamp From(const struct stat& status);
     bool operator==(const FileStamp&) const = default;
 };
 
-// The prefix of the names of SaveAtomically's temporary files. A process that is killed while it
-// saves leaves such a file.
-inline constexpr const char* kTemporaryPrefix = ".quilp-";
+// Whether this is the status of a regular file. The path is for the error.
+std::expected<void, std::string> RequireRegular(const std::string& path, const struct stat& status);
 
-// Writes a file so that at any time, even after a crash or a power failure, it contains either all
-// of the old bytes or all of the new ones. If an error occurs, the file is unchanged.
-//
-// Symbolic links are followed. An existing file keeps its mode, and its owner and group if this
-// user may set them; other hard links to it keep the old bytes, and access-control lists are lost.
-// The mode of a new file is determined by the umask. A file is not replaced if this user may not
-// write it, or if no temporary file can be created in its folder.
-std::expected<void, std::string> SaveAtomically(const std::string& path, const QByteArray& bytes);
+// The canonical path, by which a file is recognised under another name. The full path if the file
+// does not exist.
+std::string FileIdentity(const std::string& path);
 
 // Renames an unusable file to NAME.unreadable, NAME.unreadable.2 and so on, so that it is not
 // overwritten. Returns the new name.

@@ -1,6 +1,6 @@
 #include "plugin_settings.h"
 
-#include "file_bytes.h"
+#include "file_save.h"
 
 #include <algorithm>
 #include <cerrno>

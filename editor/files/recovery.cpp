@@ -1,5 +1,7 @@
 #include "recovery.h"
 
+#include "file_save.h"
+
 #include <QCryptographicHash>
 #include <QDataStream>
 #include <QIODevice>

@@ -1,76 +1,52 @@
 #include "recovery_keeper.h"
 
-#include "runtime.h"
-
 #include <utility>
 
+namespace {
+
+constexpr std::chrono::seconds kOrphansPatience{5};
+
+}  // namespace
+
 RecoveryKeeper::RecoveryKeeper(std::string root, ErrorHandler onError)
-    : store_(std::move(root)), onError_(std::move(onError))
+    : store_(std::make_shared<RecoveryStore>(std::move(root))),
+      onError_(std::move(onError)),
+      worker_(1, kEndPatience)
 {
-}
-
-RecoveryKeeper::~RecoveryKeeper()
-{
-    Finish();
-}
-
-void RecoveryKeeper::Enqueue(Task task)
-{
-    if (!thread_.joinable()) {
-        thread_ = std::thread([this] { RunTasks(); });
-    }
-    const std::lock_guard lock(mutex_);
-    tasks_.push_back(std::move(task));
-    changed_.notify_one();
-}
-
-void RecoveryKeeper::RunTasks()
-{
-    std::unique_lock lock(mutex_);
-    for (;;) {
-        changed_.wait(lock, [this] { return stopping_ || !tasks_.empty(); });
-        if (tasks_.empty()) {
-            return;
-        }
-        const Task task = std::move(tasks_.front());
-        tasks_.pop_front();
-        lock.unlock();
-        task();
-        lock.lock();
-    }
-}
-
-void RecoveryKeeper::Finish()
-{
-    if (!thread_.joinable()) {
-        return;
-    }
-    {
-        const std::lock_guard lock(mutex_);
-        stopping_ = true;
-        changed_.notify_one();
-    }
-    thread_.join();
-    stopping_ = false;
+    worker_.SetProblemHandler([this](const std::string& problem) { onError_({}, problem); });
 }
 
 void RecoveryKeeper::Keep(std::string id, RecoveryCopy copy)
 {
-    Enqueue([this, id = std::move(id), copy = std::move(copy)] {
-        if (const auto saved = store_.Keep(id, copy); !saved) {
-            Runtime::Current().queue().Post(
-                [this, id, error = saved.error()] { onError_(id, error); });
+    worker_.Do(id, [this, store = store_, id, copy = std::move(copy)]() -> FileWorker::Result {
+        const auto kept = store->Keep(id, copy);
+        if (kept) {
+            return {};
         }
+        return [this, id, error = kept.error()] { onError_(id, error); };
     });
 }
 
 void RecoveryKeeper::Discard(std::string id)
 {
-    Enqueue([this, id = std::move(id)] { store_.Discard(id); });
+    worker_.Do(id, [store = store_, id]() -> FileWorker::Result {
+        store->Discard(id);
+        return {};
+    });
+}
+
+bool RecoveryKeeper::WaitFor(const std::string& id, FileWorker::Patience patience)
+{
+    return worker_.WaitFor(id, patience);
 }
 
 std::vector<OrphanedCopy> RecoveryKeeper::Orphans()
 {
-    Finish();
-    return store_.Orphans();
+    const std::string key = "orphans";
+    const auto found = std::make_shared<std::vector<OrphanedCopy>>();
+    worker_.Do(key, [store = store_, found]() -> FileWorker::Result {
+        *found = store->Orphans();
+        return {};
+    });
+    return worker_.WaitFor(key, kOrphansPatience) ? std::move(*found) : std::vector<OrphanedCopy>();
 }

@@ -1,46 +1,35 @@
 #pragma once
 
+#include "file_worker.h"
 #include "recovery.h"
 
-#include <condition_variable>
-#include <deque>
 #include <functional>
-#include <mutex>
+#include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
-// A RecoveryStore with its own thread, so that typing does not wait for the disk. Operations are
-// performed in the order of the calls. A Runtime must exist. [ui]
+// A RecoveryStore with its own thread, so that typing does not wait for the disk. Of each document,
+// only the newest copy waits for a slow disk. A Runtime must exist. [ui]
 class RecoveryKeeper {
   public:
-    // Receives the id of a copy that could not be stored, and a message for the user.
+    // Receives the id of a copy that could not be stored, and a message for the user. The id is
+    // empty if the message concerns all copies.
     using ErrorHandler = std::function<void(const std::string& id, const std::string& error)>;
 
-    // `root` as for RecoveryStore. Errors are reported until the Runtime is shut down.
+    // `root` as for RecoveryStore. Errors are reported until the Runtime is shut down. The
+    // destructor waits for the disk, but not longer than kEndPatience.
     RecoveryKeeper(std::string root, ErrorHandler onError);
-    // Waits until all operations are finished.
-    ~RecoveryKeeper();
-    RecoveryKeeper(const RecoveryKeeper&) = delete;
-    RecoveryKeeper& operator=(const RecoveryKeeper&) = delete;
+    static constexpr std::chrono::seconds kEndPatience{10};
 
     void Keep(std::string id, RecoveryCopy copy);
     void Discard(std::string id);
-    // Waits until all previous operations are finished.
+    // Waits until the document's last operation is finished. False if it was not in time.
+    bool WaitFor(const std::string& id, FileWorker::Patience patience);
+    // Waits until the copies have been searched; empty if that takes too long.
     std::vector<OrphanedCopy> Orphans();
 
   private:
-    using Task = std::function<void()>;
-
-    void Enqueue(Task task);
-    void RunTasks();
-    void Finish();
-
-    RecoveryStore store_;  // Used by the thread only, while it is running.
+    std::shared_ptr<RecoveryStore> store_;  // Used by the only thread of the worker.
     ErrorHandler onError_;
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    std::deque<Task> tasks_;
-    bool stopping_ = false;
-    std::thread thread_;  // Started by the first task.
+    FileWorker worker_;
 };

@@ -1,5 +1,6 @@
 // quilp-editor: the stand-alone host of the plug-in.
 
+#include "file_worker.h"
 #include "options.h"
 #include "plugin_module.h"
 #include "run_modes.h"
@@ -169,5 +170,10 @@ int main(int argc, char** argv)
             kFailure);
     }
     const auto application = MakeApplication(*options, argv);
-    return Run(*options, *files);
+    const int status = Run(*options, *files);
+    if (FileWorker::HasAbandonedThreads()) {
+        std::fflush(nullptr);
+        _exit(status);
+    }
+    return status;
 }

@@ -89,11 +89,11 @@ void EditorMenus::MakeFileMenu()
     MakeRecentMenu(menu);
     menu->addSeparator();
     AddForDocument(menu, tr("&Save"), QKeySequence::Save,
-                   [this](auto&) { parts_.tabs.SaveFront(); });
+                   [this](auto&) { parts_.tabs.saver().SaveFront(); });
     AddForDocument(menu, tr("Save &As…"), QKeySequence("Ctrl+Shift+S"),
-                   [this](auto&) { parts_.tabs.SaveFrontAs(); });
+                   [this](auto&) { parts_.tabs.saver().SaveFrontAs(); });
     AddForDocument(menu, tr("Save A&ll"), QKeySequence("Ctrl+Alt+S"),
-                   [this](auto&) { parts_.tabs.SaveAll(); });
+                   [this](auto&) { parts_.tabs.saver().SaveAll(); });
     menu->addSeparator();
     AddForDocument(menu, tr("&Close"), QKeySequence("Ctrl+W"),
                    [this](auto&) { parts_.tabs.Close(parts_.tabs.currentIndex()); });

@@ -133,7 +133,7 @@ void MainWindow::MakeToolBar()
     toolBar_->AddButton(Action::New, tr("New"), [this] { tabs_->New(); });
     toolBar_->AddButton(Action::Open, tr("Open"), [this] { files_->OpenByDialog(); });
     menus_->AddDocumentAction(
-        toolBar_->AddButton(Action::Save, tr("Save"), [this] { tabs_->SaveFront(); }));
+        toolBar_->AddButton(Action::Save, tr("Save"), [this] { tabs_->saver().SaveFront(); }));
     toolBar_->addSeparator();
     progress_.reset(new CommandProgress(runtime_, tool_,
                                         {*status_, *toolBar_, *messages_, *commands_, shortcuts_}));
@@ -174,9 +174,10 @@ std::expected<void, std::string> MainWindow::Start()
     if (problem) {
         messages_->Report(QString::fromStdString(*problem));
     }
-    if (const QStringList names = tabs_->FindRecoverable(); !names.isEmpty()) {
+    if (const QStringList names = tabs_->copies().FindRecoverable(); !names.isEmpty()) {
         messages_->OfferRecovery(
-            names, [this] { tabs_->Recover(); }, [this] { tabs_->DiscardRecovered(); });
+            names, [this] { tabs_->copies().Recover(); },
+            [this] { tabs_->copies().DiscardRecovered(); });
     }
     return {};
 }
@@ -273,7 +274,7 @@ void MainWindow::SavePluginSettings()
 // Returns the errors as messages for the user.
 QStringList MainWindow::SaveEverything()
 {
-    QStringList problems = session_->Save();
+    QStringList problems = session_->SaveAtExit();
     runtime_.handlers.windowClosed = {};  // The settings are saved below.
     runtime_.CloseWindows();
     if (const auto saved = host_.SaveSettings(); !saved) {
@@ -284,7 +285,7 @@ QStringList MainWindow::SaveEverything()
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    if (!tabs_->ConfirmCloseAll()) {
+    if (!tabs_->saver().ConfirmCloseAll()) {
         return event->ignore();
     }
     const auto problems = SaveEverything();
@@ -298,7 +299,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
 
 void MainWindow::QuitWithoutAsking()
 {
-    tabs_->KeepCopies();
+    tabs_->copies().Keep();
     const auto problems = SaveEverything();
     if (!problems.isEmpty()) {
         std::fprintf(stderr, "quilp-editor: %s\n", qPrintable(problems.join("; ")));

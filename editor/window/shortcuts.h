@@ -36,6 +36,8 @@ class Shortcuts {
     void Load(QSettings& settings);
     void Save(QSettings& settings) const;
 
+    bool operator==(const Shortcuts& other) const { return shortcuts_ == other.shortcuts_; }
+
   private:
     void ApplyDefaults();
     QKeySequence Default(const std::string& command) const;

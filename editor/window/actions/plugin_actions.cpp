@@ -21,13 +21,13 @@ bool PluginActions::SaveFront()
         // An empty one is no program: the target runs, if there is one.
         return front->IsPristine() || SaveUnnamed();
     }
-    return !savesFirst_ || !front->IsModified() || tabs_.SaveFront();
+    return !savesFirst_ || !front->IsModified() || tabs_.saver().SaveFront();
 }
 
 // A program without a file is saved in any case, because it could not run otherwise.
 bool PluginActions::SaveUnnamed()
 {
-    if (!tabs_.SaveFront()) {
+    if (!tabs_.saver().SaveFront()) {
         return false;
     }
     const bool isPython = tabs_.Front()->IsPython();
@@ -41,6 +41,10 @@ bool PluginActions::SaveUnnamed()
 bool PluginActions::PrepareFile()
 {
     if (!SaveFront()) {
+        if (const auto* const front = tabs_.Front(); front->IsSaving()) {
+            messages_.Report(tr("%1 is still being saved. Repeat the command when that is done.")
+                                 .arg(front->Name()));
+        }
         return false;
     }
     if (!host_.HasRunnable()) {

@@ -64,11 +64,12 @@ void TextActions::GoToLine(DocumentPage& page)
 
 void TextActions::ZoomTo(int zoom)
 {
-    zoom_ = std::clamp(zoom, kMinZoom, kMaxZoom);
+    const int wanted = std::clamp(zoom, kMinZoom, kMaxZoom);
     for (int i = 0; i < tabs_.count(); ++i) {
-        static_cast<DocumentPage*>(tabs_.widget(i))->editor().zoomTo(zoom_);
+        static_cast<DocumentPage*>(tabs_.widget(i))->editor().zoomTo(wanted);
     }
-    worksheet_.zoomTo(zoom_);
+    worksheet_.zoomTo(wanted);
+    zoom_ = wanted;  // Last, because zooming a document makes AdoptZoom read the front one's zoom.
 }
 
 // The other documents adopt the zoom when they become the front document.

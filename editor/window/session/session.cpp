@@ -1,6 +1,7 @@
 #include "session.h"
 
 #include "file_bytes.h"
+#include "path_text.h"
 
 #include <QSettings>
 
@@ -16,11 +17,14 @@ Session Read(QSettings& settings)
     Session session;
     session.geometry = settings.value("window/geometry").toByteArray();
     session.splitter = settings.value("window/splitter").toByteArray();
-    session.files = settings.value("session/files").toStringList();
-    session.front = settings.value("session/front").toString();
-    session.recent = settings.value("session/recent").toStringList();
-    session.folder = settings.value("session/folder").toString();
-    session.target = settings.value("session/target").toString();
+    session.files = PathsFromStored(settings.value("session/files").toStringList());
+    for (const auto& line : settings.value("session/lines").toStringList()) {
+        session.lines.append(line.toInt());
+    }
+    session.front = PathFromStored(settings.value("session/front").toString());
+    session.recent = PathsFromStored(settings.value("session/recent").toStringList());
+    session.folder = PathFromStored(settings.value("session/folder").toString());
+    session.target = PathFromStored(settings.value("session/target").toString());
     session.zoom = std::clamp(settings.value(kRequiredKey, 0).toInt(), kMinZoom, kMaxZoom);
     session.savesBeforeCommands = settings.value("editor/savesBeforeCommands", true).toBool();
     session.appearance =
@@ -59,11 +63,16 @@ std::expected<void, std::string> SaveSession(const std::string& path, const Sess
     QSettings settings(QString::fromStdString(path), QSettings::IniFormat);
     settings.setValue("window/geometry", session.geometry);
     settings.setValue("window/splitter", session.splitter);
-    settings.setValue("session/files", session.files);
-    settings.setValue("session/front", session.front);
-    settings.setValue("session/recent", session.recent);
-    settings.setValue("session/folder", session.folder);
-    settings.setValue("session/target", session.target);
+    settings.setValue("session/files", PathsToStored(session.files));
+    QStringList lines;
+    for (const int line : session.lines) {
+        lines.append(QString::number(line));
+    }
+    settings.setValue("session/lines", lines);
+    settings.setValue("session/front", PathToStored(session.front));
+    settings.setValue("session/recent", PathsToStored(session.recent));
+    settings.setValue("session/folder", PathToStored(session.folder));
+    settings.setValue("session/target", PathToStored(session.target));
     settings.setValue(kRequiredKey, session.zoom);
     settings.setValue("editor/savesBeforeCommands", session.savesBeforeCommands);
     settings.setValue("editor/appearance",

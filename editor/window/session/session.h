@@ -4,6 +4,7 @@
 #include "shortcuts.h"
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -19,6 +20,7 @@ struct Session {
     QByteArray geometry;  // The window's, in Qt's own format, like the splitter's state.
     QByteArray splitter;
     QStringList files;
+    QList<int> lines;  // Of the carets in these files, counted from 1.
     QString front;
     QStringList recent;
     QString folder;  // The project's; empty if there is none, like the target.
@@ -26,6 +28,8 @@ struct Session {
     int zoom = 0;
     bool savesBeforeCommands = true;
     Appearance appearance = Appearance::System;
+
+    bool operator==(const Session&) const = default;
 };
 
 struct LoadedSession {
@@ -36,6 +40,6 @@ struct LoadedSession {
 // Reads the session and the shortcuts of commands. A file that cannot be parsed is renamed.
 LoadedSession LoadSession(const std::string& path, Shortcuts& shortcuts);
 
-// Creates the file's folder if necessary. The error is a message for the user.
+// Creates the file's folder if necessary. The error is a message for the user. [any]
 std::expected<void, std::string> SaveSession(const std::string& path, const Session& session,
                                              const Shortcuts& shortcuts);

@@ -3,26 +3,45 @@
 #include "appearance.h"
 #include "document_tabs.h"
 #include "file_actions.h"
-#include "file_bytes.h"
+#include "file_save.h"
 #include "message_area.h"
+#include "path_text.h"
 #include "plugin_actions.h"
 #include "project.h"
+#include "scintilla_text.h"
 #include "text_actions.h"
+#include "text_editor.h"
 #include "user_folders.h"
 #include "worksheet.h"
 
 #include <QMainWindow>
 #include <QSplitter>
 
+#include <algorithm>
+#include <chrono>
 #include <filesystem>
+#include <utility>
+
+namespace {
+
+constexpr std::chrono::seconds kInterval{1};
+constexpr std::chrono::seconds kEndPatience{5};
+constexpr int kMaxSecondsUnsaved = 10;
+
+}  // namespace
 
 SessionKeeper::SessionKeeper(const UserFolders& folders, Shortcuts& shortcuts,
                              const EditorParts& parts)
     : sessionPath_(folders.config + "/editor.ini"),
       worksheetPath_(folders.state + "/worksheet.txt"),
       shortcuts_(shortcuts),
-      parts_(parts)
+      parts_(parts),
+      lastShortcuts_(shortcuts),
+      worker_(1, kEndPatience)
 {
+    QObject::connect(&timer_, &QTimer::timeout, [this] { SaveChanges(); });
+    QObject::connect(&parts_.worksheet, &QsciScintilla::textChanged, &timer_,
+                     [this] { isSheetEdited_ = true; });
 }
 
 void SessionKeeper::Restore()
@@ -38,6 +57,10 @@ void SessionKeeper::Restore()
     parts_.texts.ZoomTo(last_.zoom);
     parts_.commands.SetSavesFirst(last_.savesBeforeCommands);
     RestoreWorksheet();
+    isSheetEdited_ = false;
+    savedLength_ = lastLength_ = Length(parts_.worksheet);
+    lastShortcuts_ = shortcuts_;
+    timer_.start(kInterval);
     if (!loaded.problem.isEmpty()) {
         parts_.messages.Report(loaded.problem);
     }
@@ -60,16 +83,29 @@ void SessionKeeper::RestoreWorksheet()
 void SessionKeeper::ReopenDocuments()
 {
     parts_.files.Reopen(last_.files, last_.front);
+    for (qsizetype i = 0; i < std::min(last_.files.size(), last_.lines.size()); ++i) {
+        if (const int index = parts_.tabs.IndexOf(last_.files[i]); index >= 0) {
+            parts_.tabs.PageAt(index)->editor().setCursorPosition(last_.lines[i] - 1, 0);
+        }
+    }
 }
 
 Session SessionKeeper::Current() const
 {
     const auto* const front = parts_.tabs.Front();
+    QList<int> lines;
+    for (int i = 0; i < parts_.tabs.count(); ++i) {
+        auto& page = *parts_.tabs.PageAt(i);
+        if (!page.document().path().empty()) {
+            lines.append(page.editor().CaretLine());
+        }
+    }
     return {
         .geometry = parts_.window.saveGeometry(),
         .splitter = parts_.splitter.saveState(),
         .files = parts_.tabs.Paths(),
-        .front = front != nullptr ? QString::fromStdString(front->path()) : QString(),
+        .lines = lines,
+        .front = front != nullptr ? PathToText(front->path()) : QString(),
         .recent = parts_.files.recent(),
         .folder = parts_.project.folder(),
         .target = parts_.project.target(),
@@ -79,17 +115,84 @@ Session SessionKeeper::Current() const
     };
 }
 
-QStringList SessionKeeper::Save()
+void SessionKeeper::SaveChanges()
 {
-    std::error_code ignored;
-    std::filesystem::create_directories(std::filesystem::path(worksheetPath_).parent_path(),
-                                        ignored);
-    QStringList problems;
-    for (const auto& saved : {SaveAtomically(worksheetPath_, parts_.worksheet.Content().toUtf8()),
-                              SaveSession(sessionPath_, Current(), shortcuts_)}) {
-        if (!saved) {
-            problems.append(QString::fromStdString(saved.error()));
+    auto session = Current();
+    auto lines = std::exchange(session.lines, last_.lines);  // A moved caret alone is not saved.
+    if (session != last_ || shortcuts_ != lastShortcuts_) {
+        session.lines = std::move(lines);
+        SaveSettings(session);
+    }
+    SaveChangedWorksheet();
+}
+
+// While output arrives, the worksheet is saved less often.
+void SessionKeeper::SaveChangedWorksheet()
+{
+    const long length = Length(parts_.worksheet);
+    const bool isSettled = std::exchange(lastLength_, length) == length;
+    if ((isSheetEdited_ || length != savedLength_) &&
+        (isSettled || ++secondsUnsaved_ >= kMaxSecondsUnsaved)) {
+        SaveWorksheet();
+    }
+}
+
+void SessionKeeper::SaveWorksheet()
+{
+    isSheetEdited_ = false;
+    secondsUnsaved_ = 0;
+    savedLength_ = Length(parts_.worksheet);
+    Do(worksheetPath_, [path = worksheetPath_, text = TextOf(parts_.worksheet)] {
+        std::error_code ignored;
+        std::filesystem::create_directories(std::filesystem::path(path).parent_path(), ignored);
+        return SaveAtomically(path, text.toUtf8());
+    });
+}
+
+void SessionKeeper::SaveSettings(const Session& session)
+{
+    last_ = session;
+    lastShortcuts_ = shortcuts_;
+    Do(sessionPath_, [path = sessionPath_, session, shortcuts = shortcuts_] {
+        return SaveSession(path, session, shortcuts);
+    });
+}
+
+void SessionKeeper::Do(const std::string& key, Save save)
+{
+    worker_.Do(key, [this, save = std::move(save)]() -> FileWorker::Result {
+        const auto saved = save();
+        if (saved) {
+            return {};
+        }
+        return [this, problem = QString::fromStdString(saved.error())] { Fail(problem); };
+    });
+}
+
+// While the editor runs, each problem is reported only once.
+void SessionKeeper::Fail(const QString& problem)
+{
+    if (problems_.contains(problem)) {
+        return;
+    }
+    problems_.append(problem);
+    if (!isExiting_) {
+        parts_.messages.Report(problem);
+    }
+}
+
+QStringList SessionKeeper::SaveAtExit()
+{
+    timer_.stop();
+    problems_.clear();
+    isExiting_ = true;
+    parts_.worksheet.Content();  // Appends pending output.
+    SaveWorksheet();
+    SaveSettings(Current());
+    for (const auto& path : {worksheetPath_, sessionPath_}) {
+        if (!worker_.WaitFor(path, kEndPatience)) {
+            Fail(QString::fromStdString(path + " cannot be saved: the disk does not answer"));
         }
     }
-    return problems;
+    return problems_;
 }

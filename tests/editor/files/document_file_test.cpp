@@ -1,5 +1,6 @@
 #include "document_file.h"
 
+#include "file_save.h"
 #include "forked_child.h"
 #include "wait.h"
 
@@ -108,7 +109,7 @@ TEST(DocumentFile, SavingReplacesTheFileButKeepsItsModeOwnerAndLinks)
     ExpectError(SaveAtomically(folder / "circle", ""), "symbolic links");
 }
 
-TEST(DocumentFile, WithoutPermissionNothingIsTouched)
+TEST(DocumentFile, WithoutPermissionNothingIsTouchedExceptInPlace)
 {
     const TemporaryFolder folder;
     fs::permissions(folder.path(), fs::perms::all);
@@ -122,6 +123,9 @@ TEST(DocumentFile, WithoutPermissionNothingIsTouched)
                     "/protected cannot be saved: Permission denied");
         ExpectError(SaveAtomically(folder / "closed/f", "new"),
                     "cannot create a file in " + folder / "closed");
+        EXPECT_EQ(ReplaceFile(folder / "closed/f", "").error().kind,
+                  SaveError::Kind::NotReplaceable);
+        EXPECT_TRUE(WriteInPlace(folder / "closed/f", "ne"));
         EXPECT_TRUE(SaveAtomically(folder / "shared", "new"));
         return HasFailure();
     };
@@ -133,7 +137,7 @@ TEST(DocumentFile, WithoutPermissionNothingIsTouched)
         EXPECT_EQ(StatusOf(folder / "shared").st_mode & 07777, 0666u) << "grants root's rights";
     }
     EXPECT_EQ(ReadFile(folder / "protected"), "old");
-    EXPECT_EQ(ReadFile(folder / "closed/f"), "old");
+    EXPECT_EQ(ReadFile(folder / "closed/f"), "ne");
     EXPECT_EQ(ReadFile(folder / "shared"), "new");
     fs::permissions(folder / "closed", fs::perms::all);
 }

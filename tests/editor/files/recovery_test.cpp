@@ -1,5 +1,6 @@
 #include "recovery.h"
 
+#include "file_save.h"
 #include "forked_child.h"
 #include "wait.h"
 
