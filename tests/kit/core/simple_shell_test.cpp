@@ -195,6 +195,13 @@ TEST_F(SimpleShellTest, StopDoesNotWaitButTheNextCommandDoes)
     EXPECT_FALSE(IsAlive(process));
 }
 
+TEST_F(SimpleShellTest, AProgramThatTheSystemHasReapedHasExited)
+{
+    signal(SIGCHLD, SIG_IGN);
+    EXPECT_EQ(Run("echo text"), Pieces{"text\n"});
+    signal(SIGCHLD, SIG_DFL);
+}
+
 TEST(SimpleShell, ShutDownDuringAProgramDestroysEverythingOnTheUiThread)
 {
     const Holdings before = CurrentHoldings();
