@@ -1,13 +1,33 @@
-// A plug-in that throws exceptions or passes invalid arguments in response to each message.
+// A plug-in that throws exceptions or passes invalid arguments in response to each message, and
+// hangs when it is to stop the program on the board.
 #include "PluginInterface.h"
 
+#include <unistd.h>
+
+#include <cstdio>
 #include <stdexcept>
+#include <string>
 
 extern "C" std::int32_t PluginMain(int message, PluginInterface* pi, ...);
 extern "C" const char* PluginHelp();
 
+namespace {
+
+[[noreturn]] void Hang()
+{
+    std::fputs("hangs\n", stderr);
+    for (;;) {
+        pause();
+    }
+}
+
+}  // namespace
+
 std::int32_t PluginMain(int message, PluginInterface* pi, ...)
 {
+    if (message == 103 && pi->commandName == std::string("QuilpStop")) {
+        Hang();
+    }
     switch (message) {
         case 1: return 1;
         case 2:

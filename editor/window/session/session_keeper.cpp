@@ -18,7 +18,7 @@
 
 SessionKeeper::SessionKeeper(const UserFolders& folders, Shortcuts& shortcuts,
                              const EditorParts& parts)
-    : sessionPath_(folders.config + "/editor.ini"),
+    : sessionPath_(folders.editorSettings()),
       worksheetPath_(folders.state + "/worksheet.txt"),
       shortcuts_(shortcuts),
       parts_(parts)
