@@ -56,8 +56,9 @@ std::optional<Pipes> MakePipes()
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
-    signal(SIGPIPE, SIG_DFL);
-    signal(SIGINT, SIG_DFL);
+    for (const int number : {SIGPIPE, SIGXFSZ, SIGINT}) {
+        signal(number, SIG_DFL);
+    }
     execv(arguments[0], const_cast<char* const*>(arguments));
     _exit(127);
 }

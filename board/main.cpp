@@ -2,6 +2,7 @@
 
 #include "board.h"
 #include "descriptors.h"
+#include "process_setup.h"
 
 #include <getopt.h>
 #include <signal.h>
@@ -47,13 +48,9 @@ int CommandsFromSignals()
     }
     commandsWriteEnd = ends[1];
     SetNonBlocking(commandsWriteEnd);
-    struct sigaction action {};
-    action.sa_handler = ForwardSignal;
-    action.sa_flags = SA_RESTART;
     for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGUSR1, SIGUSR2}) {
-        sigaction(number, &action, nullptr);
+        HandleUnlessIgnored(number, ForwardSignal);
     }
-    signal(SIGPIPE, SIG_IGN);
     return ends[0];
 }
 
@@ -116,6 +113,7 @@ int Fail(const std::string& message)
 
 int main(int argc, char** argv)
 {
+    PrepareProcess();
     const int commands = CommandsFromSignals();
     const Arguments arguments = ParseArguments(argc, argv);
     BoardOptions options = arguments.board;

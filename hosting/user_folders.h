@@ -10,6 +10,8 @@ struct UserFolders {
 
     static UserFolders OfUser();
 
+    std::string editorSettings() const { return config + "/editor.ini"; }
+    std::string pluginSettings() const { return config + "/plugins.settings"; }
     // The files of the user's virtual board.
     std::string boardFolder() const { return data + "/virtual-board"; }
 };

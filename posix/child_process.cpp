@@ -116,8 +116,10 @@ ChildProcess::~ChildProcess()
 bool ChildProcess::HasExited() const
 {
     siginfo_t info{};
-    return waitid(P_PID, static_cast<id_t>(pid_), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
-           info.si_pid == pid_;
+    if (waitid(P_PID, static_cast<id_t>(pid_), &info, WEXITED | WNOHANG | WNOWAIT) != 0) {
+        return errno == ECHILD;
+    }
+    return info.si_pid == pid_;
 }
 
 void ChildProcess::SignalGroup(int number) const

@@ -29,7 +29,8 @@ class ChildProcess {
     // Then HasExited must be polled.
     int exitFd() const { return exit_; }
     // Whether the process has exited. Its process ID remains reserved until Reap, so a signal
-    // cannot reach an unrelated process.
+    // cannot reach an unrelated process. A process that other code of this program has reaped, or
+    // the system because SIGCHLD is ignored, counts as exited with status 0.
     bool HasExited() const;
     // Sends a signal to all processes of the group. Must not be called after Reap.
     void SignalGroup(int number) const;

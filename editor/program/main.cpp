@@ -3,7 +3,9 @@
 #include "file_worker.h"
 #include "options.h"
 #include "plugin_module.h"
+#include "process_setup.h"
 #include "run_modes.h"
+#include "standard_output.h"
 #include "user_folders.h"
 #include "virtual_board.h"
 
@@ -15,7 +17,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -81,7 +82,7 @@ std::expected<std::optional<VirtualBoard>, std::string> StartBoard(const Options
     return std::move(*board);
 }
 
-// Checked in advance, because Qt aborts the program without a display.
+// Whether the environment names a display.
 bool HasDisplay()
 {
 #ifdef __linux__
@@ -95,6 +96,16 @@ bool HasDisplay()
 #endif
 }
 
+// Qt aborts the program if it cannot use the display; its warnings say why.
+void ExitOnFatalMessage(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    if (type == QtFatalMsg) {
+        std::_Exit(
+            ReportError("cannot open a window; use --batch to run without windows", kFailure));
+    }
+    std::fprintf(stderr, "%s\n", qPrintable(qFormatLogMessage(type, context, message)));
+}
+
 // A batch needs no windows, and therefore no display.
 std::unique_ptr<QCoreApplication> MakeApplication(const Options& options, char** argv)
 {
@@ -102,7 +113,9 @@ std::unique_ptr<QCoreApplication> MakeApplication(const Options& options, char**
     if (options.batch) {
         return std::make_unique<QCoreApplication>(argc, argv);
     }
+    const auto previous = qInstallMessageHandler(ExitOnFatalMessage);
     auto application = std::make_unique<QApplication>(argc, argv);
+    qInstallMessageHandler(previous);
     QIcon icon(":/quilp-32.png");
     icon.addFile(":/quilp-128.png");
     QApplication::setWindowIcon(icon);
@@ -127,6 +140,15 @@ int Run(const Options& options, const Files& files)
                                     : RunBatch(options, files, *plugin);
 }
 
+int Print(const std::string& text)
+{
+    StandardOutput output(-1);
+    if (output.Write(text)) {
+        return kSuccess;
+    }
+    return output.error().empty() ? kFailure : ReportError(output.error(), kFailure);
+}
+
 }  // namespace
 
 int ReportError(const std::string& message, int status)
@@ -147,18 +169,16 @@ std::string BoardFolder(const Options& options)
 
 int main(int argc, char** argv)
 {
-    signal(SIGPIPE, SIG_IGN);
+    PrepareProcess();
     const auto options = ParseOptions({argv + 1, argv + argc});
     if (!options) {
         return ReportError(options.error() + "\n" + Usage(), kUsageError);
     }
     if (options->help) {
-        std::fputs(Usage().c_str(), stdout);
-        return kSuccess;
+        return Print(Usage());
     }
     if (options->version) {
-        std::puts("quilp-editor " QUILP_VERSION);
-        return kSuccess;
+        return Print("quilp-editor " QUILP_VERSION "\n");
     }
     const auto files = FindFiles(*options);
     if (!files) {

@@ -1,11 +1,27 @@
 #include "main_window.h"
+#include "plugin_settings.h"
 #include "run_modes.h"
+#include "session.h"
 #include "signals.h"
 #include "standard_output.h"
 
 #include <QApplication>
 #include <QStringList>
 #include <QTimer>
+
+namespace {
+
+Appearance AppearanceOfEditor(const UserFolders& folders)
+{
+    Shortcuts ignored({}, {});
+    const auto loaded = LoadSession(folders.editorSettings(), ignored);
+    if (!loaded.problem.isEmpty()) {
+        ReportError(loaded.problem.toStdString(), kFailure);
+    }
+    return loaded.session.appearance;
+}
+
+}  // namespace
 
 int RunEditor(const Options& options, const Files& files, const PluginModule& plugin)
 {
@@ -35,36 +51,51 @@ int RunEditor(const Options& options, const Files& files, const PluginModule& pl
     }
     window.OpenFiles(documents);
     window.show();
+    int status = kSuccess;
     // exit rather than quit, which would try to close the window again.
-    QObject::connect(&window, &MainWindow::Closed, [] { QCoreApplication::exit(); });
-    signals.SetHandler([&window](int) { window.QuitWithoutAsking(); });
+    QObject::connect(&window, &MainWindow::Closed, [&status] { QCoreApplication::exit(status); });
+    signals.SetHandler([&](int number) {
+        status = 128 + number;
+        window.QuitWithoutAsking();
+    });
     if (options.virtualBoard) {
         // Show the window first.
         QTimer::singleShot(0, &window, [&window] { window.board().AttachVirtualBoard(); });
     }
-    const int status = QCoreApplication::exec();
+    status = QCoreApplication::exec();
     runtime.ShutDown();
     return status;
 }
 
 int RunDeviceWindow(const Options& options, const PluginModule& plugin)
 {
-    SetAppearance(options.appearance.value_or(Appearance::System));
+    const auto folders = UserFolders::OfUser();
+    SetAppearance(options.appearance ? *options.appearance : AppearanceOfEditor(folders));
+    PluginSettings settings(folders.pluginSettings());
+    if (const auto problem = settings.Load()) {
+        ReportError(*problem, kFailure);
+    }
     Signals signals;
     Runtime runtime;
     StandardOutput output(signals.fd());
     PluginHost host(plugin, runtime, [&](const std::string& text) { output.Write(text); });
+    host.SetSettings(&settings);
     runtime.handlers.error = [](const std::string& error) { ReportError(error, kFailure); };
     if (const auto started = host.Start(); !started) {
         return ReportError(started.error(), kNoPlugin);
     }
-    runtime.handlers.windowClosed = QCoreApplication::quit;
-    signals.SetHandler([&runtime](int) {
+    int status = kSuccess;
+    runtime.handlers.windowClosed = [&status] { QCoreApplication::exit(status); };
+    signals.SetHandler([&](int number) {
+        status = 128 + number;
         runtime.CloseWindows();
-        QCoreApplication::quit();
+        QCoreApplication::exit(status);
     });
-    const int status =
+    status =
         host.PerformFromMenu(std::string(kOpenDeviceWindow)) ? QCoreApplication::exec() : kFailure;
+    if (const auto saved = host.SaveSettings(); !saved) {
+        ReportError(saved.error(), kFailure);
+    }
     runtime.ShutDown();
     return status;
 }

@@ -5,8 +5,9 @@
 #include <functional>
 #include <memory>
 
-// Converts the signals that request termination into an event. Only one object may exist at a
-// time. [ui]
+// Converts the signals that request termination into an event: SIGINT, SIGTERM and SIGHUP, except
+// for those that are ignored when the program starts. A second SIGINT or SIGTERM terminates the
+// program at once. Only one object may exist at a time. [ui]
 class Signals {
   public:
     Signals();

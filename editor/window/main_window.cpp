@@ -59,7 +59,7 @@ MainWindow::MainWindow(const PluginModule& plugin, Runtime& runtime, const Edito
     : plugin_(plugin),
       runtime_(runtime),
       folders_(paths.folders),
-      settings_(paths.folders.config + "/plugins.settings"),
+      settings_(paths.folders.pluginSettings()),
       host_(
           plugin, runtime, [this](const std::string& text) { worksheet_->Append(text); }, this),
       tool_(runtime, [this](const std::string& text) { worksheet_->Append(text); }),

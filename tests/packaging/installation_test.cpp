@@ -27,6 +27,22 @@ TEST(Installation, RunsAfterItWasStagedAndMoved)
     }
 }
 
+TEST(Installation, ProgramsAndLibrariesAreHardened)
+{
+    const auto headers = [](const std::string& file) {
+        return RunProgram({"readelf", "-hldW", "--dyn-syms", QUILP_BUILD "/" + file}).output;
+    };
+    for (const std::string file : {"bin/quilp-editor", "bin/virtual-board", "lib/libquilp_kit.so",
+                                   "lib/quilp/Quilp.bundle/quilp.so"}) {
+        const auto text = headers(file);
+        for (const std::string part : {"DYN (", "GNU_RELRO", "BIND_NOW", "__stack_chk_fail@"}) {
+            EXPECT_NE(text.find(part), std::string::npos) << file << " without " << part;
+        }
+    }
+    EXPECT_NE(headers("bin/quilp-editor").find("_chk@GLIBC"), std::string::npos)
+        << "_FORTIFY_SOURCE";
+}
+
 TEST(Installation, AllVersionsAreTheSame)
 {
     for (const std::string program : {"quilp-editor", "virtual-board"}) {

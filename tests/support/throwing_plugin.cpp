@@ -1,15 +1,28 @@
-// A plug-in that throws exceptions or passes invalid arguments in response to each message.
+// A plug-in that throws exceptions or passes invalid arguments in response to each message, and
+// hangs when it is to stop the program on the board.
 #include "PluginInterface.h"
 #include "SimpleShell.h"
 
+#include <unistd.h>
+
+#include <cstdio>
 #include <stdexcept>
+#include <string>
 
 extern "C" std::int32_t PluginMain(int message, PluginInterface* pi, ...);
 extern "C" const char* PluginHelp();
 
 namespace {
 
-// Run throws in its callbacks, other commands at once.
+[[noreturn]] void Hang()
+{
+    std::fputs("hangs\n", stderr);
+    for (;;) {
+        pause();
+    }
+}
+
+// Run throws in its callbacks, Stop hangs, and other commands throw at once.
 std::int32_t PerformCommand(const std::string& name)
 {
     static auto shell = std::make_shared<SimpleShell>(
@@ -17,6 +30,9 @@ std::int32_t PerformCommand(const std::string& name)
     if (name == "QuilpRun") {
         shell->Run("echo", [] { throw std::runtime_error("thrown in completion"); });
         return 2;
+    }
+    if (name == "QuilpStop") {
+        Hang();
     }
     throw std::runtime_error("thrown in " + name);
 }

@@ -32,7 +32,7 @@ constexpr int kMaxSecondsUnsaved = 10;
 
 SessionKeeper::SessionKeeper(const UserFolders& folders, Shortcuts& shortcuts,
                              const EditorParts& parts)
-    : sessionPath_(folders.config + "/editor.ini"),
+    : sessionPath_(folders.editorSettings()),
       worksheetPath_(folders.state + "/worksheet.txt"),
       shortcuts_(shortcuts),
       parts_(parts),

@@ -125,6 +125,21 @@ TEST_F(Batch, AKilledEditorLeavesNoToolBehindAndNoProgramOnTheBoard)
     EXPECT_TRUE(WaitUntil([&] { return board.Tool({"exec", "print(1)"}).output == "1\r\n"; }));
 }
 
+TEST_F(Batch, SignalsThatAreIgnoredAtTheStartStayIgnoredExceptForThatOfChildren)
+{
+    auto words = Editor(RunScript("print('on')\nwhile True: pass\n"));
+    words.insert(words.begin(), {"env", "--ignore-signal=HUP"});
+    BackgroundProgram editor(words, board.variables());
+    ASSERT_TRUE(editor.WaitForOutput("on"));
+    editor.Signal(SIGHUP);
+    editor.Signal(SIGTERM);
+    EXPECT_EQ(editor.Status(), 128 + SIGTERM);
+
+    words = Editor(RunScript("print('ran')\n"));
+    words.insert(words.begin(), {"env", "--ignore-signal=CHLD"});
+    EXPECT_EQ(RunProgram(words, board.variables()).output, "ran\r\n");
+}
+
 TEST_F(Batch, TheNameOfADocumentIsNotRunAsACommand)
 {
     const auto before = fs::current_path();
@@ -200,21 +215,55 @@ TEST(Editor, ExitsWhenOutputCannotBeWritten)
               "quilp-editor: cannot write to standard output: No space left on device\n1\n");
     const auto closed = RunProgram({"sh", "-c", "{ sleep 0.2; " + editor + "; } | true"});
     EXPECT_EQ(closed.output, "") << "a closed pipe is not an error";
+    const auto help =
+        RunProgram({"sh", "-c", QUILP_BIN "/quilp-editor --help >/dev/full; echo $?"});
+    EXPECT_EQ(help.output, full.output);
+    const auto without = RunProgram({"sh", "-c", editor + " <&- >&- 2>&-; echo $?"});
+    EXPECT_EQ(without.output, "1\n") << "no standard descriptors";
 }
 
-TEST(Editor, OpensTheDeviceWindowAlone)
+TEST(Editor, ExitsWhenTheDisplayCannotBeReached)
+{
+    const auto result =
+        RunProgram(Editor({}), {"DISPLAY=:99999", "WAYLAND_DISPLAY=", "QT_QPA_PLATFORM=xcb"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(Contains(result.output, "quilp-editor: cannot open a window")) << result.output;
+}
+
+TEST(Editor, ASecondSignalTerminatesItWhileThePluginHangs)
+{
+    BackgroundProgram editor(
+        Editor({"--plugin", QUILP_TEST_BIN "/throwing_plugin.so", "--batch", "stop"}));
+    ASSERT_TRUE(editor.WaitForOutput("hangs"));
+    EXPECT_TRUE(WaitUntil([&] {
+        editor.Signal(SIGINT);
+        return editor.HasExited();
+    }));
+    EXPECT_EQ(editor.Status(), 128 + SIGINT);
+}
+
+TEST(Editor, OpensTheDeviceWindowAloneAndKeepsItsFrame)
 {
     const TemporaryFolder bundle;
     const auto plugin = bundle / "quilp.so";
     fs::copy(QUILP_BUNDLE "/quilp.so", plugin);
-    const auto tool =
-        bundle.Write("Resources/mpremote/mpremote.py", "#!/bin/sh\necho >\"$0.ran\"\n");
+    const auto tool = bundle.Write("Resources/mpremote/mpremote.py", "#!/bin/sh\n: >\"$0.ran\"\n");
     fs::permissions(tool, fs::perms::owner_all);
     fs::copy(QUILP_BUNDLE "/Resources/QuilpWindow.ui", bundle / "Resources");
-    BackgroundProgram editor(Editor({"--plugin", plugin, "--open-device-window"}),
-                             {"QT_QPA_PLATFORM=offscreen", "XDG_RUNTIME_DIR=" + bundle.path()});
-    EXPECT_TRUE(WaitUntil([&] { return fs::exists(tool + ".ran"); })) << "no listing";
-    editor.Signal(SIGTERM);
-    EXPECT_TRUE(editor.WaitForExit(std::chrono::seconds(5)));
-    EXPECT_EQ(editor.Status(), 0) << editor.output();
+    const Words variables{"QT_QPA_PLATFORM=offscreen", "XDG_RUNTIME_DIR=" + bundle.path(),
+                          "XDG_CONFIG_HOME=" + bundle.path()};
+    const auto settings = bundle / "quilp/plugins.settings";
+    const auto open = QUILP_BIN "/quilp-editor --open-device-window --plugin " + plugin;
+    for (const std::string prepare : {"exec ", "ulimit -f 0; exec "}) {
+        fs::remove(tool + ".ran");
+        BackgroundProgram editor({"sh", "-c", prepare + open}, variables);
+        EXPECT_TRUE(WaitUntil([&] { return fs::exists(tool + ".ran"); })) << "no listing";
+        editor.Signal(SIGTERM);
+        EXPECT_TRUE(editor.WaitForExit(std::chrono::seconds(5)));
+        EXPECT_EQ(editor.Status(), 128 + SIGTERM) << editor.output();
+        EXPECT_EQ(Contains(editor.output(), "cannot be saved: File too large"),
+                  prepare.starts_with("ulimit"));
+        EXPECT_TRUE(ReadFile(settings).starts_with("QuilpWindowFrame -frame "));
+        EXPECT_EQ(std::distance(fs::directory_iterator(bundle / "quilp"), {}), 1) << "a file left";
+    }
 }

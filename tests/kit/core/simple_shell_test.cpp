@@ -245,6 +245,13 @@ TEST(SimpleShell, AProgramThatCannotBeKilledBlocksNeitherTheNextCommandNorTheEnd
     runtime.ShutDown();
 }
 
+TEST_F(SimpleShellTest, AProgramThatTheSystemHasReapedHasExited)
+{
+    signal(SIGCHLD, SIG_IGN);
+    EXPECT_EQ(Run("echo text"), Pieces{"text\n"});
+    signal(SIGCHLD, SIG_DFL);
+}
+
 TEST(SimpleShell, ShutDownDuringAProgramDestroysEverythingOnTheUiThread)
 {
     const Holdings before = CurrentHoldings();
