@@ -50,6 +50,8 @@ int CommandsFromSignals()
     struct sigaction action {};
     action.sa_handler = ForwardSignal;
     action.sa_flags = SA_RESTART;
+    // Otherwise the handler of a second signal would run first and reverse their order.
+    sigfillset(&action.sa_mask);
     for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGUSR1, SIGUSR2}) {
         sigaction(number, &action, nullptr);
     }
