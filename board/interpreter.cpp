@@ -146,9 +146,13 @@ std::expected<void, std::string> Interpreter::WaitUntilStarted()
     if (answer) {
         return {};
     }
-    const std::string printed = TakeOutput();
-    const auto end = printed.find_last_not_of('\n');
-    return std::unexpected(end == std::string::npos ? answer.error() : printed.substr(0, end + 1));
+    std::string printed = TakeOutput();
+    while (printed.ends_with('\n')) {
+        printed.pop_back();
+    }
+    // The last line of a traceback names the error.
+    return std::unexpected(printed.empty() ? answer.error()
+                                           : printed.substr(printed.rfind('\n') + 1));
 }
 
 Interpreter::Interpreter(Interpreter&& other) noexcept

@@ -21,9 +21,10 @@ HEADER_SIZE = 18
 # A message must fit into the socket's buffer, so that an interrupt cannot split it.
 TRACEBACK_LIMIT = 32000
 OUTPUT_LIMIT = 16384
+GET_FILENO = 10  # The request of poll to a stream.
 INTERRUPTED = "Traceback (most recent call last):\nKeyboardInterrupt: \n"
 OWN_FOLDER = sys.path[0]
-OWN_FRAMES = tuple('  File "' + path for path in (__file__, OWN_FOLDER + "/", MODULES + "/"))
+OWN_FRAMES = ['  File "' + path for path in (__file__, OWN_FOLDER + "/", MODULES + "/")]
 
 real_sys = sys
 
@@ -39,8 +40,12 @@ class BinaryOutput(io.IOBase):
         self.channel = channel
         self.sequence = 0
 
-    def write(self, data):
-        data = bytes(data)
+    # Of a stream, with an optional length, or offset and length.
+    def write(self, data, *limits):
+        data = data.encode() if isinstance(data, str) else bytes(data)
+        if limits:
+            start = limits[0] if len(limits) > 1 else 0
+            data = data[start : start + limits[-1]]
         for start in range(0, len(data), OUTPUT_LIMIT):
             self.sequence += 1
             part = data[start : start + OUTPUT_LIMIT]
@@ -58,8 +63,11 @@ class TextOutput(io.IOBase):
     def __init__(self, buffer):
         self.buffer = buffer
 
-    def write(self, text):
-        return real_sys.stdout.write(text)
+    def write(self, *arguments):
+        return real_sys.stdout.write(*arguments)
+
+    def ioctl(self, request, _argument):
+        return real_sys.stdout.fileno() if request == GET_FILENO else 0
 
     def __getattr__(self, name):
         return getattr(real_sys.stdout, name)
@@ -92,7 +100,8 @@ class Hardware:
 def traceback_text(error):
     text = io.StringIO()
     sys.print_exception(error, text)
-    lines = [line for line in text.getvalue().split("\n") if not line.startswith(OWN_FRAMES)]
+    lines = text.getvalue().split("\n")
+    lines = [line for line in lines if not any(line.startswith(frame) for frame in OWN_FRAMES)]
     return "\n".join(lines)[-TRACEBACK_LIMIT:]
 
 
