@@ -187,8 +187,7 @@ void Board::ReceiveMessage()
 {
     auto message = interpreter_->TakeMessage();
     if (!message) {
-        return interpreter_->busy() ? FinishProgram(Outcome::Error, message.error() + "\n", true)
-                                    : RestartInterpreter();
+        return OnInterpreterExited(message.error());
     }
     if (!*message) {
         return;
@@ -202,6 +201,17 @@ void Board::ReceiveMessage()
         PlugAgain();
     } else {
         FinishProgram(static_cast<Outcome>(kind), text, false);
+    }
+}
+
+// An interrupted interpreter may be unable to go on, as it can interrupt a garbage collection.
+void Board::OnInterpreterExited(const std::string& reason)
+{
+    if (interpreter_->busy()) {
+        const bool wasInterrupted = interruptDeadline_.has_value();
+        FinishProgram(Outcome::Error, wasInterrupted ? kInterruptedTraceback : reason + "\n", true);
+    } else {
+        RestartInterpreter();
     }
 }
 

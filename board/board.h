@@ -48,6 +48,7 @@ class Board final : private ReplTarget {
     void InterruptProgram();
     void ForwardOutput();
     void ReceiveMessage();
+    void OnInterpreterExited(const std::string& reason);
     void ForwardAllOutput();
     void FinishProgram(Outcome outcome, std::string_view traceback, bool restarts);
     void PlugAgain();

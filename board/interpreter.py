@@ -184,4 +184,7 @@ del sys.modules["flash"]
 sys.modules["_board"] = Hardware(control)
 System.stdout = TextOutput(BinaryOutput(control))
 sys.modules["sys"] = System()
-serve(control)
+try:
+    serve(control)
+except MemoryError:
+    pass  # An interrupt has cut off a garbage collection, which leaves the heap locked.

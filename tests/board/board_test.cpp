@@ -137,6 +137,7 @@ TEST(Board, EveryKindOfEndlessProgramIsInterrupted)
              "print('started')\nwhile True: pass",
              "import time\nprint('started')\ntime.sleep(1000)",
              "while True: print('started')",
+             "import gc\nprint('started')\nwhile True: gc.collect()",
              "try:\n print('started')\n input()\nfinally: print('cleaned up')",
          }) {
         SCOPED_TRACE(program);
