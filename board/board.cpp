@@ -32,6 +32,10 @@ std::expected<void, std::string> Board::Plug()
     if (!port) {
         return std::unexpected(port.error());
     }
+    if (port_) {
+        port_->LeaveLink();  // It refers to the new device by now.
+    }
+    port_.reset();
     port_.emplace(std::move(*port));
     RestartInterpreter();
     if (!failure_.empty()) {
@@ -70,17 +74,17 @@ void Board::Poll(int commands)
         fds[count++] = {port_->hasClient() ? port_->fd() : -1, static_cast<short>(POLLIN | writing),
                         0};
         fds[count++] = {port_->clientEventsFd(), POLLIN, 0};
-        fds[count++] = {interpreter_->answerFd(), POLLIN, 0};
         if (!port_->isFull()) {
+            fds[count++] = {interpreter_->messageFd(), POLLIN, 0};
             fds[count++] = {interpreter_->outputFd(), POLLIN, 0};
         }
     }
     poll(fds.data(), count, TimeoutMilliseconds());
-    const bool answered = port_ && (fds[3].revents & (POLLIN | POLLHUP)) != 0;
+    const bool hasMessage = count == fds.size() && (fds[3].revents & (POLLIN | POLLHUP)) != 0;
     if (port_) {
         ForwardOutput();
-        if (answered) {
-            ReceiveAnswer();
+        if (hasMessage) {
+            ReceiveMessage();
         }
         ReceiveFromClient();
         ResetIfStuck();
@@ -97,9 +101,7 @@ void Board::Serve(int commands)
         } else if (command == 'u') {
             Unplug();
         } else if (command == 'p' && !port_) {
-            if (const auto plugged = Plug(); !plugged) {
-                failure_ = plugged.error();
-            }
+            PlugAgain();
         }
     }
 }
@@ -181,49 +183,72 @@ void Board::ForwardOutput()
     }
 }
 
-void Board::ReceiveAnswer()
+void Board::ReceiveMessage()
 {
-    auto answer = interpreter_->TakeAnswer();
-    if (!answer) {
-        return OnInterpreterExited(answer.error());
+    auto message = interpreter_->TakeMessage();
+    if (!message) {
+        return OnInterpreterExited(message.error());
     }
-    if (!*answer) {
+    if (!*message) {
         return;
     }
-    // The program printed this before it finished.
+    ForwardAllOutput();  // The program printed this before it sent the message.
+    const auto& [kind, text] = **message;
+    if (kind == Message::Kind::Output) {
+        port_->Send(text);
+        interpreter_->ConfirmOutput();
+    } else if (kind == Message::Kind::Reset) {
+        PlugAgain();
+    } else {
+        FinishProgram(static_cast<Outcome>(kind), text, false);
+    }
+}
+
+// An interrupted interpreter may be unable to go on, as it can interrupt a garbage collection.
+void Board::OnInterpreterExited(const std::string& reason)
+{
+    if (interpreter_->busy()) {
+        const bool wasInterrupted = interruptDeadline_.has_value();
+        FinishProgram(Outcome::Error, wasInterrupted ? kInterruptedTraceback : reason + "\n", true);
+    } else {
+        RestartInterpreter();
+    }
+}
+
+void Board::ForwardAllOutput()
+{
     for (std::string rest = interpreter_->TakeOutput(); !rest.empty();
          rest = interpreter_->TakeOutput()) {
         port_->Send(WithSerialLineEndings(rest));
     }
+}
+
+// The board itself receives the input that the program has not read.
+void Board::FinishProgram(Outcome outcome, std::string_view traceback, bool restarts)
+{
     interruptDeadline_.reset();
     const std::string unread = interpreter_->TakeUnreadInput();
-    repl_.OnProgramFinished((*answer)->outcome, (*answer)->traceback);
+    if (restarts) {
+        RestartInterpreter();
+    }
+    if (failure_.empty()) {
+        repl_.OnProgramFinished(outcome, traceback);
+    }
     for (const char byte : unread) {
         Receive(byte);
     }
 }
 
-void Board::OnInterpreterExited(std::string_view reason)
+void Board::PlugAgain()
 {
-    if (!interpreter_->isReady()) {
-        failure_ = std::string(reason) + " during startup: " + options_.interpreter.program;
-        return;
-    }
-    const bool wasBusy = interpreter_->busy();
-    RestartInterpreter();
-    if (wasBusy && failure_.empty()) {
-        repl_.OnProgramFinished(Outcome::Error, std::string(reason) + "\n");
+    if (const auto plugged = Plug(); !plugged) {
+        failure_ = plugged.error();
     }
 }
 
 void Board::ResetIfStuck()
 {
     if (interruptDeadline_ && Clock::now() >= *interruptDeadline_) {
-        const std::string unread = interpreter_->TakeUnreadInput();
-        RestartInterpreter();
-        repl_.OnProgramFinished(Outcome::Error, kInterruptedTraceback);
-        for (const char byte : unread) {
-            Receive(byte);
-        }
+        FinishProgram(Outcome::Error, kInterruptedTraceback, true);
     }
 }

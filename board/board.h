@@ -21,8 +21,8 @@ class Board final : private ReplTarget {
   public:
     explicit Board(BoardOptions options) : options_(std::move(options)), repl_(*this) {}
 
-    // Plugs the board in: opens the serial line and starts the interpreter. The error is a
-    // sentence.
+    // Plugs the board in: opens the serial line and starts the interpreter, in place of those that
+    // it may have. The error is a sentence.
     std::expected<void, std::string> Plug();
     // Unplugs the board: closes the serial line and stops the interpreter.
     void Unplug();
@@ -47,8 +47,11 @@ class Board final : private ReplTarget {
     void Receive(char byte);
     void InterruptProgram();
     void ForwardOutput();
-    void ReceiveAnswer();
-    void OnInterpreterExited(std::string_view reason);
+    void ReceiveMessage();
+    void OnInterpreterExited(const std::string& reason);
+    void ForwardAllOutput();
+    void FinishProgram(Outcome outcome, std::string_view traceback, bool restarts);
+    void PlugAgain();
     void ResetIfStuck();
     int TimeoutMilliseconds() const;
 

@@ -3,6 +3,7 @@
 #include "descriptors.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
@@ -19,7 +20,9 @@
 namespace {
 
 constexpr std::size_t kHeaderSize = 18;
-constexpr std::size_t kMaxTraceback = 1'000'000;  // bytes
+constexpr char kCompiled = 'C';
+constexpr std::size_t kMaxText = 1'000'000;  // bytes
+constexpr int kStartTimeoutMilliseconds = 5000;
 constexpr const char* kHeapSize = "heapsize=4m";
 
 struct Pipes {
@@ -128,7 +131,29 @@ std::expected<Interpreter, std::string> Interpreter::Start(const InterpreterFile
     if (self.pid_ < 0) {
         return std::unexpected(std::string("cannot start a process: ") + std::strerror(forkError));
     }
+    if (const auto started = self.WaitUntilStarted(); !started) {
+        return std::unexpected(files.program + " does not start: " + started.error());
+    }
     return self;
+}
+
+std::expected<void, std::string> Interpreter::WaitUntilStarted()
+{
+    pollfd message{control_, POLLIN, 0};
+    if (poll(&message, 1, kStartTimeoutMilliseconds) == 0) {
+        return std::unexpected("it does not answer");
+    }
+    const auto answer = TakeMessage();
+    if (answer) {
+        return {};
+    }
+    std::string printed = TakeOutput();
+    while (printed.ends_with('\n')) {
+        printed.pop_back();
+    }
+    // The last line of a traceback names the error.
+    return std::unexpected(printed.empty() ? answer.error()
+                                           : printed.substr(printed.rfind('\n') + 1));
 }
 
 Interpreter::Interpreter(Interpreter&& other) noexcept
@@ -147,8 +172,9 @@ Interpreter& Interpreter::operator=(Interpreter&& other) noexcept
         inputWrite_ = std::exchange(other.inputWrite_, -1);
         sequence_ = other.sequence_;
         busy_ = other.busy_;
-        ready_ = other.ready_;
-        interruptWhenReady_ = other.interruptWhenReady_;
+        outputSequence_ = other.outputSequence_;
+        isInterruptible_ = other.isInterruptible_;
+        interruptWhenCompiled_ = other.interruptWhenCompiled_;
     }
     return *this;
 }
@@ -175,6 +201,8 @@ bool Interpreter::Execute(SourceKind kind, std::string_view source)
 {
     ++sequence_;
     busy_ = true;
+    isInterruptible_ = false;
+    interruptWhenCompiled_ = false;
     return SendFully(control_, Header(static_cast<char>(kind), sequence_, source.size())) &&
            SendFully(control_, source);
 }
@@ -184,7 +212,7 @@ std::string Interpreter::TakeOutput()
     return ReadAvailable(output_);
 }
 
-std::expected<std::optional<Answer>, std::string> Interpreter::TakeAnswer()
+std::expected<std::optional<Message>, std::string> Interpreter::TakeMessage()
 {
     std::array<char, kHeaderSize> header{};
     int sequence = 0;
@@ -194,19 +222,39 @@ std::expected<std::optional<Answer>, std::string> Interpreter::TakeAnswer()
     }
     std::from_chars(header.data() + 1, header.data() + 9, sequence);
     std::from_chars(header.data() + 10, header.data() + kHeaderSize, length);
-    std::string traceback(std::min(length, kMaxTraceback), '\0');
-    if (!ReadFully(control_, traceback.data(), traceback.size())) {
+    std::string text(std::min(length, kMaxText), '\0');
+    if (!ReadFully(control_, text.data(), text.size())) {
         return std::unexpected("the interpreter has exited");
     }
-    ready_ = true;
-    if (std::exchange(interruptWhenReady_, false)) {
+    const auto kind = static_cast<Message::Kind>(header[0]);
+    if (kind == Message::Kind::Output) {
+        outputSequence_ = sequence;
+    } else if (kind != Message::Kind::Reset) {
+        if (sequence != sequence_ || !busy_) {
+            return std::nullopt;  // The first answer, or one that an interrupt has doubled.
+        }
+        if (header[0] == kCompiled) {
+            OnCompiled();
+            return std::nullopt;
+        }
+        busy_ = false;
+    }
+    return Message{kind, std::move(text)};
+}
+
+// Before, an interrupt could get between the interpreter and the request that it is reading.
+void Interpreter::OnCompiled()
+{
+    isInterruptible_ = true;
+    if (interruptWhenCompiled_) {
         Interrupt();
     }
-    if (sequence != sequence_ || !busy_) {
-        return std::nullopt;
-    }
-    busy_ = false;
-    return Answer{static_cast<Outcome>(header[0]), std::move(traceback)};
+}
+
+void Interpreter::ConfirmOutput()
+{
+    std::ignore =
+        SendFully(control_, Header(static_cast<char>(Message::Kind::Output), outputSequence_, 0));
 }
 
 void Interpreter::WriteInput(std::string_view bytes)
@@ -221,9 +269,9 @@ std::string Interpreter::TakeUnreadInput()
 
 void Interpreter::Interrupt()
 {
-    if (ready_) {
+    if (isInterruptible_) {
         kill(pid_, SIGINT);
     } else {
-        interruptWhenReady_ = true;
+        interruptWhenCompiled_ = true;
     }
 }

@@ -16,50 +16,60 @@ struct InterpreterFiles {
     std::string script;
 };
 
-// The interpreter's answer to a request.
-struct Answer {
-    Outcome outcome;
-    std::string traceback;  // Lines end with LF.
+// A message from the interpreter: the end of a program, or one during a program.
+struct Message {
+    enum class Kind : char {
+        Normal = 'N',  // The program has ended with this Outcome; so have the next two.
+        Error = 'E',
+        Exit = 'X',
+        Output = 'B',  // Binary output, which follows all of the output so far; confirm it.
+        Reset = 'R',   // The program wants the board to be reset.
+    };
+    Kind kind;
+    std::string text;  // The binary output, or a traceback, whose lines end with LF.
 };
 
 // A MicroPython process, which runs from one reset of the board to the next. It is killed when this
 // object is destroyed or the board's process exits. Owned by the board and used on its thread.
 class Interpreter {
   public:
-    // Starts the process with `folder` as the board's file system. The error is a sentence.
+    // Starts the process with `folder` as the board's file system, and waits until it can execute
+    // programs, which takes a few milliseconds. The error is a sentence.
     static std::expected<Interpreter, std::string> Start(const InterpreterFiles& files,
                                                          const std::string& folder);
     Interpreter(Interpreter&& other) noexcept;
     Interpreter& operator=(Interpreter&& other) noexcept;
     ~Interpreter();
 
-    // Descriptors to poll for reading: the program's output, and the answers.
+    // Descriptors to poll for reading: the program's output, and messages.
     int outputFd() const { return output_; }
-    int answerFd() const { return control_; }
+    int messageFd() const { return control_; }
 
     // Starts a program. False if the process has exited.
     bool Execute(SourceKind kind, std::string_view source);
     // Whether a program is running.
     bool busy() const { return busy_; }
-    // Whether the interpreter has finished starting.
-    bool isReady() const { return ready_; }
 
     // Returns the program's output that is available now; at most 64 KiB.
     std::string TakeOutput();
-    // Returns the answer to the running program. Must be called when answerFd() is readable. Empty
-    // for the answer to an earlier request; an error if the process has exited.
-    std::expected<std::optional<Answer>, std::string> TakeAnswer();
+    // Returns the next message. Must be called when messageFd() is readable. Empty if there is
+    // nothing to do; an error if the process has exited.
+    std::expected<std::optional<Message>, std::string> TakeMessage();
+    // Lets a program continue that has sent binary output.
+    void ConfirmOutput();
 
     // Writes to the program's standard input. Bytes that do not fit are lost, as on a serial line.
     void WriteInput(std::string_view bytes);
     // Returns the input that the program has not read.
     std::string TakeUnreadInput();
-    // Raises KeyboardInterrupt in the running program, or as soon as the interpreter is ready.
+    // Raises KeyboardInterrupt in the running program, or as soon as it is compiled.
     void Interrupt();
 
   private:
     Interpreter() = default;
     void Kill();
+    std::expected<void, std::string> WaitUntilStarted();
+    void OnCompiled();
 
     pid_t pid_ = -1;
     int control_ = -1;
@@ -68,6 +78,7 @@ class Interpreter {
     int inputWrite_ = -1;
     int sequence_ = 0;
     bool busy_ = false;
-    bool ready_ = false;
-    bool interruptWhenReady_ = false;
+    int outputSequence_ = 0;  // Of the output to be confirmed.
+    bool isInterruptible_ = false;
+    bool interruptWhenCompiled_ = false;
 };

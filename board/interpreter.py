@@ -1,112 +1,107 @@
 """Runs in the board's MicroPython and executes the requests of the serial side.
 
-Descriptor 3 is a socket to the serial side. A request consists of a header of
-18 bytes, "MODE SEQUENCE LENGTH", and the source text; MODE is E (statements),
-S (one interactive line) or F (the name of a file on the board). The answer
-consists of a header of the same form, "STATUS SEQUENCE LENGTH", and the
-traceback; STATUS is N (finished normally), E (failed with a traceback) or X
-(called sys.exit). Standard input and output are used only by the program.
+Descriptor 3 is a socket to the serial side. All messages consist of a header of
+18 bytes, "KIND SEQUENCE LENGTH", and a text. The kinds of requests are E
+(statements), S (one interactive line) and F (the name of a file on the board).
+A request is answered by C as soon as it is compiled, since only then it may be
+interrupted, and at its end by N (finished normally), E (failed with this
+traceback) or X (called sys.exit). Meanwhile, B sends binary output, which the
+serial side confirms by another B, and R resets the board. Standard input and
+output are used only by the program.
 """
 import io
 import os
 import sys
+import time
 import vfs
 
+from flash import MODULES, Flash
+
 HEADER_SIZE = 18
-BLOCK_SIZE = 4096
-FLASH_BLOCKS = 4096
-# The whole answer must fit into the socket's buffer, so that an interrupt cannot split it.
+# A message must fit into the socket's buffer, so that an interrupt cannot split it.
 TRACEBACK_LIMIT = 32000
+OUTPUT_LIMIT = 16384
+GET_FILENO = 10  # The request of poll to a stream.
 INTERRUPTED = "Traceback (most recent call last):\nKeyboardInterrupt: \n"
+OWN_FOLDER = sys.path[0]
+OWN_FRAMES = ['  File "' + path for path in (__file__, OWN_FOLDER + "/", MODULES + "/")]
+
+real_sys = sys
 
 
-class Flash:
-    """The board's file system: a folder of the computer. Paths cannot refer to anything outside."""
+def message(kind, sequence, text=b""):
+    return b"%s%08d %08d" % (kind, sequence, len(text)) + text
 
-    def __init__(self, folder):
-        self.posix = vfs.VfsPosix(folder)
-        self.directory = "/"
 
-    def absolute(self, path):
-        parts = [] if path.startswith("/") else self.directory.split("/")
-        resolved = []
-        for part in parts + path.split("/"):
-            if part == "..":
-                resolved = resolved[:-1]
-            elif part not in ("", "."):
-                resolved.append(part)
-        return "/" + "/".join(resolved)
+class BinaryOutput(io.IOBase):
+    """Standard output without the conversion of line ends, in order with the text."""
 
-    def mount(self, readonly, mkfs):
-        self.posix.mount(readonly, mkfs)
+    def __init__(self, channel):
+        self.channel = channel
+        self.sequence = 0
 
-    def umount(self):
-        self.posix.umount()
+    # Of a stream, with an optional length, or offset and length.
+    def write(self, data, *limits):
+        data = data.encode() if isinstance(data, str) else bytes(data)
+        if limits:
+            start = limits[0] if len(limits) > 1 else 0
+            data = data[start : start + limits[-1]]
+        for start in range(0, len(data), OUTPUT_LIMIT):
+            self.sequence += 1
+            part = data[start : start + OUTPUT_LIMIT]
+            self.channel.write(message("B", self.sequence, part))
+            # An interrupted write leaves its confirmation behind.
+            while int(self.channel.read(HEADER_SIZE)[1:9]) != self.sequence:
+                pass
+        return len(data)
 
-    def open(self, path, mode):
-        return self.posix.open(self.absolute(path), mode)
+    def flush(self):
+        pass
 
-    def chdir(self, path):
-        path = self.absolute(path)
-        if path != "/" and not self.posix.stat(path)[0] & 0x4000:
-            raise OSError(20)
-        self.directory = path
 
-    def getcwd(self):
-        return self.directory
+class TextOutput(io.IOBase):
+    def __init__(self, buffer):
+        self.buffer = buffer
 
-    def ilistdir(self, path):
-        path = self.absolute(path)
-        prefix = path if path.endswith("/") else path + "/"
-        # As on a board, the size is a fourth item; the POSIX file system returns only three.
-        for entry in self.posix.ilistdir(path):
-            try:
-                size = 0 if entry[1] & 0x4000 else self.posix.stat(prefix + entry[0])[6]
-            except OSError:
-                size = 0  # A dangling link.
-            yield entry[0], entry[1], entry[2], size
+    def write(self, *arguments):
+        return real_sys.stdout.write(*arguments)
 
-    def mkdir(self, path):
-        self.posix.mkdir(self.absolute(path))
+    def ioctl(self, request, _argument):
+        return real_sys.stdout.fileno() if request == GET_FILENO else 0
 
-    def remove(self, path):
-        self.posix.remove(self.absolute(path))
+    def __getattr__(self, name):
+        return getattr(real_sys.stdout, name)
 
-    def rename(self, old, new):
-        self.posix.rename(self.absolute(old), self.absolute(new))
 
-    def rmdir(self, path):
-        path = self.absolute(path)
-        if path == "/":
-            raise OSError(22)
-        self.posix.rmdir(path)
+class System:
+    """Stands in for the module sys, whose standard output cannot be replaced."""
 
-    def stat(self, path):
-        return self.posix.stat(self.absolute(path))
+    stdout = None  # An attribute of the class, since those of an object are the module's.
 
-    def used_blocks(self, path):
-        count = 1
-        for name, kind, _, size in self.ilistdir(path):
-            if kind & 0x4000:
-                count += self.used_blocks(path + "/" + name)
-            else:
-                count += (size + BLOCK_SIZE - 1) // BLOCK_SIZE
-        return count
+    def __getattr__(self, name):
+        return getattr(real_sys, name)
 
-    def statvfs(self, path):
-        # Report the size of a typical board, not that of the computer's disk.
-        free = max(0, FLASH_BLOCKS - self.used_blocks("/"))
-        return (BLOCK_SIZE, BLOCK_SIZE, FLASH_BLOCKS, free, free, 0, 0, 0, 0, 255)
+    def __setattr__(self, name, value):
+        setattr(real_sys, name, value)
 
-    def __repr__(self):
-        return "<Flash>"
+
+class Hardware:
+    """What the board's own modules know of the board."""
+
+    def __init__(self, channel):
+        self.channel = channel
+
+    def reset(self):
+        self.channel.write(message("R", 0))
+        while True:
+            time.sleep(1)  # This process is being ended.
 
 
 def traceback_text(error):
     text = io.StringIO()
     sys.print_exception(error, text)
-    own_frame = '  File "' + __file__ + '"'
-    lines = [line for line in text.getvalue().split("\n") if not line.startswith(own_frame)]
+    lines = text.getvalue().split("\n")
+    lines = [line for line in lines if not any(line.startswith(frame) for frame in OWN_FRAMES)]
     return "\n".join(lines)[-TRACEBACK_LIMIT:]
 
 
@@ -122,10 +117,12 @@ def source_and_name(mode, text):
         return file.read(), name
 
 
-def execute(mode, text, namespace):
+def execute(channel, sequence, mode, text, namespace):
     try:
         source, name = source_and_name(mode, text)
-        exec(compile(source, name, "single" if mode == "S" else "exec"), namespace)
+        code = compile(source, name, "single" if mode == "S" else "exec")
+        channel.write(message("C", sequence))
+        exec(code, namespace)
         return "N", ""
     except SystemExit:
         return "X", ""
@@ -145,38 +142,49 @@ def receive(channel, length):
 def serve(channel):
     namespace = {"__name__": "__main__"}
     # The sequence number of the request that has not been answered. The first answer, which has no
-    # request, reports that from now on an interrupt is handled.
+    # request, reports that the interpreter has started.
     sequence = 0
     status, text = "N", ""
     while True:
         try:
             if sequence is not None:
                 # Sent again if an interrupt occurs here; the serial side ignores the second one.
-                answer = text.encode()
-                channel.write(b"%s%08d %08d" % (status, sequence, len(answer)) + answer)
+                channel.write(message(status, sequence, text.encode()))
                 sequence = None
             header = channel.read(HEADER_SIZE)
             if len(header) < HEADER_SIZE:
                 return
+            if header[:1] == b"B":
+                continue  # The confirmation of an interrupted write.
             status, text = "E", INTERRUPTED
             sequence = int(header[1:9])
             request = receive(channel, int(header[10:18]))
             if request is None:
                 text = "MemoryError: the program is larger than the board's memory\n"
             else:
-                status, text = execute(chr(header[0]), request, namespace)
+                status, text = execute(
+                    channel, sequence, chr(header[0]), request, namespace
+                )
         except KeyboardInterrupt:
             pass
 
 
-def use_folder_as_file_system(folder):
+def use_folder_as_file_system(folder, modules):
     vfs.umount("/")
-    vfs.mount(Flash(folder), "/")
+    vfs.mount(Flash(folder, modules), "/")
     os.chdir("/")
-    sys.path[:] = ["", ".frozen", "/lib"]
+    # The board's own files take precedence over these modules, and these over the interpreter's.
+    sys.path[:] = ["", ".frozen", "/lib", MODULES]
     sys.argv[:] = []
 
 
 control = open(3, "r+b")
-use_folder_as_file_system(sys.argv[1])
-serve(control)
+use_folder_as_file_system(sys.argv[1], OWN_FOLDER + "/modules")
+del sys.modules["flash"]
+sys.modules["_board"] = Hardware(control)
+System.stdout = TextOutput(BinaryOutput(control))
+sys.modules["sys"] = System()
+try:
+    serve(control)
+except MemoryError:
+    pass  # An interrupt has cut off a garbage collection, which leaves the heap locked.

@@ -11,10 +11,13 @@ constexpr char kCtrlB = '\x02';
 constexpr char kCtrlC = '\x03';
 constexpr char kCtrlD = '\x04';
 constexpr char kCtrlE = '\x05';
+constexpr char kEscape = '\x1b';
 constexpr char kBackspace = '\x08';
 constexpr char kDelete = '\x7f';
 
 constexpr std::string_view kPrompt = ">>> ";
+constexpr std::string_view kPasteBanner = "\r\npaste mode; Ctrl-C to cancel, Ctrl-D to finish\r\n";
+constexpr std::string_view kPastePrompt = "=== ";
 constexpr std::string_view kRawBanner = "raw REPL; CTRL-B to exit\r\n";
 constexpr std::string_view kBanner = "\r\nMicroPython on a virtual board\r\n";
 
@@ -51,14 +54,18 @@ void Repl::Receive(char byte)
 {
     switch (mode_) {
         case Mode::Friendly: return ReceiveFriendly(byte);
+        case Mode::FriendlyPaste: return ReceiveFriendlyPaste(byte);
         case Mode::Raw: return ReceiveRaw(byte);
         case Mode::PasteRequest: return ReceivePasteRequest(byte);
-        case Mode::Paste: return ReceivePaste(byte);
+        case Mode::RawPaste: return ReceiveRawPaste(byte);
     }
 }
 
 void Repl::ReceiveFriendly(char byte)
 {
+    if (IsPartOfEscapeSequence(byte)) {
+        return;
+    }
     if (byte == kCtrlA) {
         target_.Send("\r\n");
         EnterRaw();
@@ -71,22 +78,82 @@ void Repl::ReceiveFriendly(char byte)
     } else if (byte == kCtrlD && line_.empty()) {
         target_.Send("\r\n");
         SoftReset();
+    } else if (byte == kCtrlE && line_.empty()) {
+        mode_ = Mode::FriendlyPaste;
+        target_.Send(kPasteBanner);
+        target_.Send(kPastePrompt);
     } else if (byte == '\r') {
-        target_.Send("\r\n");
-        const std::string line = std::exchange(line_, {});
-        if (line.empty()) {
-            target_.Send(kPrompt);
-        } else {
-            Run(Running::Program, SourceKind::InteractiveLine, line);
-        }
+        ExecuteLine();
     } else if (byte == kBackspace || byte == kDelete) {
-        if (!line_.empty()) {
-            line_.pop_back();
-            target_.Send("\b \b");
-        }
+        RemoveLastCharacter();
     } else if (static_cast<unsigned char>(byte) >= ' ') {
-        line_ += byte;
-        target_.Send({&byte, 1});
+        AddToLine(byte);
+    }
+}
+
+// The keys that send such a sequence, for example the arrow keys, have no function.
+bool Repl::IsPartOfEscapeSequence(char byte)
+{
+    const auto before = std::exchange(escape_, Escape::None);
+    if (byte == kEscape) {
+        escape_ = Escape::Begun;
+        return true;
+    }
+    if (before == Escape::None || static_cast<unsigned char>(byte) < ' ') {
+        return false;
+    }
+    const bool introduces = before == Escape::Begun && (byte == '[' || byte == 'O');
+    const bool continues = before == Escape::Sequence && byte < '@';  // Its parameters.
+    escape_ = introduces || continues ? Escape::Sequence : Escape::None;
+    return true;
+}
+
+void Repl::AddToLine(char byte)
+{
+    line_ += byte;
+    target_.Send({&byte, 1});
+}
+
+void Repl::RemoveLastCharacter()
+{
+    if (line_.empty()) {
+        return;
+    }
+    while (line_.size() > 1 && (line_.back() & 0xC0) == 0x80) {
+        line_.pop_back();  // A byte of a UTF-8 character, except its first one.
+    }
+    line_.pop_back();
+    target_.Send("\b \b");
+}
+
+void Repl::ExecuteLine()
+{
+    target_.Send("\r\n");
+    const std::string line = std::exchange(line_, {});
+    if (line.empty()) {
+        target_.Send(kPrompt);
+    } else {
+        Run(Running::Program, SourceKind::InteractiveLine, line);
+    }
+}
+
+void Repl::ReceiveFriendlyPaste(char byte)
+{
+    if (byte == kCtrlC) {
+        mode_ = Mode::Friendly;
+        line_.clear();
+        target_.Send("\r\n");
+        target_.Send(kPrompt);
+    } else if (byte == kCtrlD) {
+        mode_ = Mode::Friendly;
+        target_.Send("\r\n");
+        Run(Running::Program, SourceKind::Statements, std::exchange(line_, {}));
+    } else if (byte == '\r') {
+        line_ += '\n';
+        target_.Send("\r\n");
+        target_.Send(kPastePrompt);
+    } else {
+        AddToLine(byte);
     }
 }
 
@@ -120,12 +187,12 @@ void Repl::ReceivePasteRequest(char byte)
     }
     const bool isSupported = byte == kCtrlA && line_ == "A";
     line_.clear();
-    mode_ = isSupported ? Mode::Paste : Mode::Raw;
+    mode_ = isSupported ? Mode::RawPaste : Mode::Raw;
     pasteWindowUsed_ = 0;
     target_.Send(isSupported ? kPasteHeader : std::string_view("R\x00", 2));
 }
 
-void Repl::ReceivePaste(char byte)
+void Repl::ReceiveRawPaste(char byte)
 {
     if (byte == kCtrlC) {
         mode_ = Mode::Raw;

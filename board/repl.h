@@ -32,9 +32,9 @@ class ReplTarget {
     ~ReplTarget() = default;
 };
 
-// The read-eval-print loop of a MicroPython board: the friendly mode (one line at a time), the raw
-// mode and the raw-paste mode. It implements MicroPython's documented "REPL" and "raw-paste"
-// protocols, and acts only through the target, which it does not own.
+// The read-eval-print loop of a MicroPython board: the friendly mode (one line at a time, or a text
+// in its paste mode), the raw mode and the raw-paste mode. It implements MicroPython's documented
+// "REPL" and "raw-paste" protocols, and acts only through the target, which it does not own.
 class Repl {
   public:
     explicit Repl(ReplTarget& target) : target_(target) {}
@@ -48,15 +48,22 @@ class Repl {
     void OnProgramFinished(Outcome outcome, std::string_view traceback);
 
   private:
-    enum class Mode : std::uint8_t { Friendly, Raw, PasteRequest, Paste };
+    enum class Mode : std::uint8_t { Friendly, FriendlyPaste, Raw, PasteRequest, RawPaste };
+    // How much of a terminal's escape sequence has been received.
+    enum class Escape : std::uint8_t { None, Begun, Sequence };
     enum class Running : std::uint8_t { Nothing, BootFile, MainFile, Program };
 
     void SoftReset();
     void Run(Running running, SourceKind kind, std::string_view source);
     void ReceiveFriendly(char byte);
+    bool IsPartOfEscapeSequence(char byte);
+    void AddToLine(char byte);
+    void RemoveLastCharacter();
+    void ExecuteLine();
+    void ReceiveFriendlyPaste(char byte);
     void ReceiveRaw(char byte);
     void ReceivePasteRequest(char byte);
-    void ReceivePaste(char byte);
+    void ReceiveRawPaste(char byte);
     void EnterRaw();
     void EnterFriendly();
     void OnCommandFinished(Outcome outcome, const std::string& traceback);
@@ -65,6 +72,7 @@ class Repl {
     ReplTarget& target_;
     Mode mode_ = Mode::Friendly;
     Running running_ = Running::Nothing;
+    Escape escape_ = Escape::None;
     std::string line_;
     std::size_t pasteWindowUsed_ = 0;
 };

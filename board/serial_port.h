@@ -16,6 +16,8 @@ class SerialPort {
     SerialPort& operator=(SerialPort&&) = delete;
     ~SerialPort();
 
+    // Does not remove the link on destruction.
+    void LeaveLink() { link_.clear(); }
     const std::string& devicePath() const { return device_; }
 
     // To be polled only while there is a client; without one, the line is hung up.

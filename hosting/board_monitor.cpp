@@ -32,10 +32,11 @@ std::string BoardMonitor::FindRealBoard()
 {
     std::vector<std::string> found;
     std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator("/dev", error)) {
-        const std::string name = entry.path().filename().string();
+    std::filesystem::directory_iterator entry("/dev", error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        const std::string name = entry->path().filename().string();
         if (std::ranges::any_of(kNodes, [&](auto prefix) { return name.starts_with(prefix); })) {
-            found.push_back(entry.path().string());
+            found.push_back(entry->path().string());
         }
     }
     return found.empty() ? std::string() : *std::ranges::min_element(found);
@@ -44,7 +45,9 @@ std::string BoardMonitor::FindRealBoard()
 void BoardMonitor::Poll()
 {
     if (virtualBoard_ && !IsStarting() && !virtualBoard_->IsRunning()) {
+        const std::string report = virtualBoard_->ExitReport();
         virtualBoard_.reset();
+        Fail(report);
     }
     Board now;
     if (virtualBoard_ && !IsStarting()) {

@@ -5,6 +5,7 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -53,7 +54,8 @@ std::expected<VirtualBoard, std::string> VirtualBoard::Start(const std::string& 
         {program, "--parent", std::to_string(getpid()), "--link", LinkIn(linkFolder), "--", folder},
         CurrentEnvironment());
     if (!process) {
-        std::filesystem::remove(linkFolder);
+        std::error_code ignored;
+        std::filesystem::remove(linkFolder, ignored);
         return std::unexpected("The virtual board cannot be started: " + process.error());
     }
     return VirtualBoard(std::move(*process), linkFolder);
@@ -88,6 +90,15 @@ std::expected<void, std::string> VirtualBoard::WaitUntilReady()
         pollfd output{process_.outputFd(), POLLIN, 0};
         poll(&output, 1, kPollInterval.count());
     }
+}
+
+std::string VirtualBoard::ExitReport()
+{
+    output_ += ReadAvailable(process_.outputFd());
+    // After the first line, which was the device.
+    const std::string printed = output_.substr(std::min(output_.find('\n') + 1, output_.size()));
+    const std::string reason = printed.substr(0, printed.find('\n'));
+    return "The virtual board has stopped: " + (reason.empty() ? "it gave no reason" : reason);
 }
 
 VirtualBoard::~VirtualBoard()

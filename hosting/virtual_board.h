@@ -28,6 +28,8 @@ class VirtualBoard {
 
     // False if the process has exited by itself.
     bool IsRunning() const { return !process_.HasExited(); }
+    // A message for the user: that the process has exited by itself, and its reason if it gave one.
+    std::string ExitReport();
 
   private:
     VirtualBoard(ChildProcess process, std::string linkFolder);

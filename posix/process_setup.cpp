@@ -29,5 +29,7 @@ void HandleUnlessIgnored(int number, void (*handler)(int))
     action = {};
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
+    // Otherwise the handler of a second signal would run first and reverse their order.
+    sigfillset(&action.sa_mask);
     sigaction(number, &action, nullptr);
 }

@@ -76,6 +76,60 @@ TEST(Board, APathCannotLeaveTheBoardsFolder)
         "['x.txt']\r\n");
 }
 
+TEST(Board, RenamesAndListsFilesWhateverTheirNamesAndLinks)
+{
+    const BoardProcess board({{"a.txt", "a"}, {"b.txt", "b"}, {"d/x", "x"}, {"bad\xff", ""}});
+    std::filesystem::create_symlink("d", board.files() / "link");
+    EXPECT_EQ(board
+                  .Tool({"exec",
+                         "import os; os.rename('a.txt', 'c.txt'); os.rename('c.txt', '/b.txt')\n"
+                         "os.rename('d', 'e'); os.rename('e', 'd'); print(sorted(os.listdir()))"})
+                  .output,
+              "['b.txt', 'd', 'link']\r\n");
+    EXPECT_EQ(ReadFile(board.files() / "b.txt"), "a");
+    EXPECT_NE(board.Tool({"ls"}).output.find(" link/\n"), std::string::npos);
+    EXPECT_NE(board.Tool({"df"}).output.find("<Flash>    16777216    16384 "), std::string::npos);
+}
+
+TEST(Board, HasTheModulesOfABoardUnlessItsFilesReplaceThem)
+{
+    const BoardProcess board;
+    EXPECT_EQ(board
+                  .Tool({"exec",
+                         "import machine, os, sys, time\nmachine.RTC().datetime((2030, 1, 2, 0, 3, "
+                         "4, 5, 0))\nprint(time.localtime(), time.mktime(time.localtime()) == "
+                         "time.time(), os.uname().machine, machine.unique_id())\n"
+                         "sys.stdout.buffer.write(b'\\n')\nprint(end='\\n')"})
+                  .output,
+              "(2030, 1, 2, 3, 4, 5, 2, 2) True Virtual board b'\\x01#Eg\\x89\\xab'\r\n\n\r\n");
+    board.files().Write("machine.py", "mine = 1\n");
+    EXPECT_EQ(board.Tool({"exec", "import machine; print(machine.mine)"}).output, "1\r\n");
+}
+
+TEST(Board, ThePromptIgnoresArrowKeysAndErasesWholeCharacters)
+{
+    const BoardProcess board;
+    ASSERT_TRUE(board.IsAtPrompt());
+    BoardLine line(board.devicePath());
+    ExpectExchanges(line,
+                    {{"'x\x1b[1;5Aä\x7f'\r", ">>> ", "'xä\b \b'\r\n'x'\r\n>>> "},
+                     {"\x05", "=== ", "\r\npaste mode; Ctrl-C to cancel, Ctrl-D to finish\r\n=== "},
+                     {"if 1:\r  print(2)\x04", ">>> ", "if 1:\r\n===   print(2)\r\n2\r\n>>> "}});
+}
+
+TEST(Board, AnInterruptTakesEffectAtAnyTimeOfAProgramsStart)
+{
+    const BoardProcess board;
+    RawLine line(board);
+    const std::string_view end = "KeyboardInterrupt: \r\n\x04>";
+    for (int i = 0; i < 40; ++i) {
+        line.Send("while True: pass\x04");
+        line.ReadTo("OK");
+        line.Send("\x03");
+        ASSERT_TRUE(line.ReadTo(end, std::chrono::seconds(2)).ends_with(end)) << i;
+    }
+}
+
 TEST(Board, EveryKindOfEndlessProgramIsInterrupted)
 {
     const BoardProcess board;
@@ -83,6 +137,7 @@ TEST(Board, EveryKindOfEndlessProgramIsInterrupted)
              "print('started')\nwhile True: pass",
              "import time\nprint('started')\ntime.sleep(1000)",
              "while True: print('started')",
+             "import gc\nprint('started')\nwhile True: gc.collect()",
              "try:\n print('started')\n input()\nfinally: print('cleaned up')",
          }) {
         SCOPED_TRACE(program);
@@ -137,6 +192,18 @@ TEST(Board, PowerOnRunsBootAndMainButTheToolsResetRunsBootOnly)
     EXPECT_EQ(board.Tool({"exec", "print('mine')"}).output, "mine\r\n");
     EXPECT_EQ(ReadFile(board.files() / "main.txt"), "m");
     EXPECT_TRUE(board.IsAtPrompt());
+    board.Tool({"reset"});
+    EXPECT_TRUE(WaitUntil([&] { return ReadFile(board.files() / "main.txt") == "mm"; }));
+}
+
+TEST(Board, IsNotReadyIfItsInterpreterDoesNotStart)
+{
+    const TemporaryFolder files;
+    const auto result =
+        RunProgram({QUILP_BIN "/virtual-board", files.path()}, {"QUILP_MICROPYTHON=/bin/false"});
+    EXPECT_EQ(result.output,
+              "virtual-board: /bin/false does not start: the interpreter has exited\n");
+    EXPECT_EQ(result.status, 1);
 }
 
 TEST(Board, ExitResetsAndACrashIsSurvived)
@@ -147,9 +214,9 @@ TEST(Board, ExitResetsAndACrashIsSurvived)
                            {"import sys; sys.exit()\x04", ">",
                             "OK\x04\x04MPY: soft reboot\r\nraw REPL; CTRL-B to exit\r\n>"},
                            {"print('kept' in globals())\x04", "\x04>", "OKFalse\r\n\x04\x04>"}});
-    line.Send("import ffi; ffi.open(None).func('v', 'abort', '')()\x04");
+    line.Send("import ffi; ffi.open(None).func('v', 'abort', '')()\x04print('alive')\x04");
     EXPECT_NE(line.ReadTo("\x04>").find("the interpreter has exited"), std::string::npos);
-    ExpectExchanges(line, {{"print('alive')\x04", "\x04>", "OKalive\r\n\x04\x04>"}});
+    EXPECT_EQ(line.ReadTo("\x04>"), "OKalive\r\n\x04\x04>");
 }
 
 TEST(Board, AClientThatDisconnectsLeavesAnotherConnected)
@@ -173,6 +240,72 @@ TEST(Board, CanBeUnpluggedDuringAProgramAndPluggedInAgain)
     EXPECT_EQ(board.Tool({"ls"}).output, "mpremote: no device found\n");
     board.SetPlugged(true);
     EXPECT_EQ(board.Tool({"ls"}).output, "ls :\n");
+}
+
+TEST(Board, QuicklyUnpluggedAndPluggedInItEndsPluggedIn)
+{
+    const TemporaryFolder folder;
+    BackgroundProgram board({QUILP_BIN "/virtual-board", "--link", folder / "port", folder / "f"});
+    ASSERT_TRUE(board.WaitForOutput("/dev/"));
+    for (int i = 0; i < 20; ++i) {
+        board.Signal(SIGUSR1);
+        board.Signal(SIGUSR2);
+        ASSERT_TRUE(WaitUntil([&] {
+            BoardLine line(folder / "port");
+            line.Send("\r");
+            return line.ReadTo(">>> ", std::chrono::milliseconds(200)).ends_with(">>> ");
+        })) << i;
+    }
+}
+
+// The launcher's copy in another folder has no bundled tool; PYTHONPATH replaces it.
+TEST(Launcher, RunsTheToolOfItsPythonAndWorksWithoutStandardOutput)
+{
+    const BoardProcess board;
+    const TemporaryFolder folder;
+    std::filesystem::copy(QUILP_MPREMOTE, folder / "mpremote.py");
+    auto variables = board.variables();
+    variables.push_back("PYTHONPATH=" + (folder / "mpremote.py") +
+                        "/..:" QUILP_BUNDLE "/../mpremote");
+    EXPECT_EQ(RunProgram({folder / "mpremote.py", "ls"}, variables).output, "ls :\n");
+    EXPECT_EQ(RunProgram({"sh", "-c", QUILP_MPREMOTE " touch :t >&-"}, variables).status, 0);
+    EXPECT_TRUE(std::filesystem::exists(board.files() / "t"));
+}
+
+TEST(Launcher, NeverUsesAnotherBoardInsteadOfTheVirtualOne)
+{
+    const BoardProcess other(BoardProcess::Files{{"x.txt", "x"}});
+    BoardProcess board;
+    const TemporaryFolder folder;  // With a module that makes the other board a real one.
+    folder.Write("sitecustomize.py",
+                 "from serial.tools import list_ports, list_ports_common\n"
+                 "port = list_ports_common.ListPortInfo('" +
+                     other.devicePath() +
+                     "')\n"
+                     "port.vid = port.pid = 1\n"
+                     "list_ports.comports = lambda: [port]\n");
+    const std::string path = "PYTHONPATH=" + folder.path();
+    const std::vector<std::string> line{QUILP_MPREMOTE, "rm", ":x.txt"};
+    const auto remove = [&] { return RunProgram(line, {board.variables()[0], path}).output; };
+    {
+        BackgroundProgram user({QUILP_MPREMOTE, "exec", "while True: print(1)"}, board.variables());
+        ASSERT_TRUE(user.WaitForOutput("1"));
+        EXPECT_EQ(remove(), "mpremote: no device found\n");
+    }
+    board.SetPlugged(false);
+    EXPECT_EQ(remove(), "mpremote: no device found\n");
+    EXPECT_TRUE(std::filesystem::exists(other.files() / "x.txt"));
+    EXPECT_EQ(RunProgram(line, {path}).output, "rm :x.txt\n");
+}
+
+TEST(Launcher, InterruptsTheProgramWhenItsTerminalIsClosed)
+{
+    const BoardProcess board;
+    BackgroundProgram tool({QUILP_MPREMOTE, "exec", "while True: print('x')"}, board.variables());
+    ASSERT_TRUE(tool.WaitForOutput("x"));
+    tool.Signal(SIGHUP);
+    EXPECT_TRUE(tool.WaitForExit());
+    EXPECT_TRUE(board.IsAtPrompt());
 }
 
 TEST(Board, WorksAfterTheToolWasKilledAtAnyTime)

@@ -2,6 +2,7 @@
 
 #include "editor_window_fixture.h"
 
+#include "board_process.h"
 #include "control_tool_bar.h"
 #include "file_save.h"
 #include "leaks.h"
@@ -31,6 +32,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <thread>
 
@@ -502,6 +504,14 @@ TEST_F(EditorWindow, AttachesAndDetachesTheVirtualBoard)
     Action("Attach Virtual Board")->trigger();
     EXPECT_TRUE(WaitUntil([&] { return shown->text() == "Virtual board"; }));
     Action("Detach Virtual Board")->trigger();
+    EXPECT_NE(shown->text(), "Virtual board");
+    AttachBoard();
+    const fs::path link = std::getenv("QUILP_VIRTUAL_BOARD");
+    BoardLine line(fs::read_symlink(link));
+    fs::remove_all(link.parent_path());
+    line.Send("import machine; machine.reset()\r");
+    EXPECT_TRUE(
+        MessageShows("The virtual board has stopped: virtual-board: cannot create the link"));
     EXPECT_NE(shown->text(), "Virtual board");
 }
 
