@@ -6,22 +6,27 @@
 #include <memory>
 #include <utility>
 
-BoardTool::BoardTool(Runtime& runtime, std::function<void(const std::string& text)> onOutput)
-    : runtime_(runtime), onOutput_(std::move(onOutput))
+BoardTool::BoardTool(Runtime& runtime, std::string program, OnOutput worksheet)
+    : runtime_(runtime), program_(std::move(program)), worksheet_(std::move(worksheet))
 {
 }
 
-void BoardTool::Run(const std::vector<std::string>& words, std::function<void(int status)> done)
+void BoardTool::Run(const std::vector<std::string>& words, OnOutput onOutput, OnDone done)
 {
     runtime_.StopJobs(JobGroup::Board);
+    std::vector<std::string> line{program_};
+    line.insert(line.end(), words.begin(), words.end());
     auto& queue = runtime_.queue();
-    auto forward = [onOutput = onOutput_, &queue](std::string&& text) {
+    auto forward = [onOutput = std::move(onOutput), &queue](std::string&& text) {
         queue.Post([onOutput, text = std::move(text)] { onOutput(text); });
     };
-    ShellJob::Program program{.words = words, .environment = ToolEnvironment(), .folder = {}};
-    program.yields = true;
     const auto job = std::make_shared<ShellJob>(
-        std::move(program), std::make_shared<const ShellJob::OnOutput>(std::move(forward)), queue);
+        ShellJob::Program{.words = std::move(line),
+                          .environment = ToolEnvironment(),
+                          .folder = {},
+                          .takesInput = true,
+                          .yields = true},
+        std::make_shared<const ShellJob::OnOutput>(std::move(forward)), queue);
     job->SetFinishedHandler([done = std::move(done), weak = std::weak_ptr(job)](int status) {
         const auto finished = weak.lock();
         if (done && finished && !finished->IsStopped()) {

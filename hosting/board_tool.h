@@ -10,15 +10,26 @@
 // commands, which in turn are stopped when a command of the host starts: there is one port. [ui]
 class BoardTool {
   public:
-    // `onOutput` is called on the user-interface thread with each piece of output, and must be
-    // valid until the Runtime is shut down. `runtime` must outlive this object.
-    BoardTool(Runtime& runtime, std::function<void(const std::string& text)> onOutput);
+    // Called on the user-interface thread with each piece of output.
+    using OnOutput = std::function<void(const std::string& text)>;
+    // Called with the exit status when the command has ended, but not when it was stopped.
+    using OnDone = std::function<void(int status)>;
 
-    // `words` are the words of the whole line, beginning with the tool's path. `done` receives the
-    // exit status, unless the command is stopped; it may be empty.
-    void Run(const std::vector<std::string>& words, std::function<void(int status)> done = {});
+    // `program` is the path of the tool. `worksheet` must be valid until the Runtime is shut down.
+    // `runtime` must outlive this object.
+    BoardTool(Runtime& runtime, std::string program, OnOutput worksheet);
+
+    // `words` are the words after the tool's path. The output goes to the worksheet.
+    void Run(const std::vector<std::string>& words, OnDone done = {})
+    {
+        Run(words, worksheet_, std::move(done));
+    }
+    // The callbacks may outlive the caller: what the program printed before it was stopped still
+    // arrives.
+    void Run(const std::vector<std::string>& words, OnOutput onOutput, OnDone done);
 
   private:
     Runtime& runtime_;
-    std::function<void(const std::string& text)> onOutput_;
+    std::string program_;
+    OnOutput worksheet_;
 };

@@ -35,10 +35,15 @@ std::vector<char*> AsArguments(const std::vector<std::string>& words)
 // whatever the calling thread has blocked or ignored.
 class SpawnSettings {
   public:
-    SpawnSettings(int output, const std::string& folder)
+    // An `input` of -1 stands for an empty one.
+    SpawnSettings(int input, int output, const std::string& folder)
     {
         posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        if (input < 0) {
+            posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        } else {
+            posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
+        }
         posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
         posix_spawn_file_actions_adddup2(&actions, output, STDERR_FILENO);
         if (!folder.empty()) {
@@ -79,18 +84,24 @@ int OpenProcessDescriptor([[maybe_unused]] pid_t pid)
 
 std::expected<ChildProcess, std::string> ChildProcess::Start(
     const std::vector<std::string>& words, const std::vector<std::string>& environment,
-    const std::string& folder)
+    const std::string& folder, Input input)
 {
+    ChildProcess child;
+    std::array<int, 2> inputPipe{-1, -1};
     std::array<int, 2> pipe{-1, -1};
-    if (!MakePipe(pipe)) {
+    const bool hasPipes = (input == Input::Empty || MakePipe(inputPipe)) && MakePipe(pipe);
+    child.input_ = inputPipe[1];
+    child.output_ = pipe[0];
+    if (!hasPipes) {
+        CloseDescriptor(inputPipe[0]);
         return std::unexpected(words.front() + ": " + std::strerror(errno));
     }
-    ChildProcess child;
-    child.output_ = pipe[0];
-    const SpawnSettings settings(pipe[1], folder);
+    SetNonBlocking(child.input_);
+    const SpawnSettings settings(inputPipe[0], pipe[1], folder);
     const int error =
         posix_spawnp(&child.pid_, words.front().c_str(), &settings.actions, &settings.attributes,
                      AsArguments(words).data(), AsArguments(environment).data());
+    CloseDescriptor(inputPipe[0]);
     CloseDescriptor(pipe[1]);
     if (error != 0) {
         child.pid_ = -1;
@@ -102,6 +113,7 @@ std::expected<ChildProcess, std::string> ChildProcess::Start(
 
 ChildProcess::ChildProcess(ChildProcess&& other) noexcept
     : pid_(std::exchange(other.pid_, -1)),
+      input_(std::exchange(other.input_, -1)),
       output_(std::exchange(other.output_, -1)),
       exit_(std::exchange(other.exit_, -1))
 {
@@ -109,6 +121,7 @@ ChildProcess::ChildProcess(ChildProcess&& other) noexcept
 
 ChildProcess::~ChildProcess()
 {
+    CloseDescriptor(input_);
     CloseDescriptor(output_);
     CloseDescriptor(exit_);
 }

@@ -7,17 +7,19 @@
 #include <string>
 #include <vector>
 
-// A child process in its own session and process group. Its standard input is empty, and its
-// standard output and error are merged into one pipe. Used by one thread at a time. It must be
+// A child process in its own session and process group. Its standard input is empty or a pipe, and
+// its standard output and error are merged into one pipe. Used by one thread at a time. It must be
 // reaped before this object is destroyed.
 class ChildProcess {
   public:
+    enum class Input { Empty, Pipe };
+
     // Starts the program words[0]; if the name contains no "/", it is searched for in PATH.
     // `environment` consists of words of the form "NAME=value". `folder` is the working directory;
     // empty for this process's own. The error is "program: reason".
     static std::expected<ChildProcess, std::string> Start(
         const std::vector<std::string>& words, const std::vector<std::string>& environment,
-        const std::string& folder = {});
+        const std::string& folder = {}, Input input = Input::Empty);
     ChildProcess(ChildProcess&& other) noexcept;
     ChildProcess& operator=(ChildProcess&&) = delete;
     ~ChildProcess();
@@ -25,6 +27,8 @@ class ChildProcess {
     pid_t pid() const { return pid_; }
     // The reading end of the pipe.
     int outputFd() const { return output_; }
+    // The writing end of the pipe for input, which does not block; -1 if there is none.
+    int inputFd() const { return input_; }
     // Readable when the process has exited; -1 if the system does not support such descriptors.
     // Then HasExited must be polled.
     int exitFd() const { return exit_; }
@@ -45,6 +49,7 @@ class ChildProcess {
     ChildProcess() = default;
 
     pid_t pid_ = -1;
+    int input_ = -1;
     int output_ = -1;
     int exit_ = -1;
 };

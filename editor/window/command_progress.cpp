@@ -55,7 +55,8 @@ void CommandProgress::ReportInterrupted(const BoardCommand& command,
                                         const std::vector<std::string>& words)
 {
     if (command.kind == BoardCommand::Kind::Upload) {
-        parts_.messages.OfferUpload(DescribeStopped(command), [this, words] { tool_.Run(words); });
+        const std::vector<std::string> again(words.begin() + 1, words.end());  // Without the tool.
+        parts_.messages.OfferUpload(DescribeStopped(command), [this, again] { tool_.Run(again); });
     } else {
         parts_.messages.Report(DescribeStopped(command));
     }

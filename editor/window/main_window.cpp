@@ -62,7 +62,8 @@ MainWindow::MainWindow(const PluginModule& plugin, Runtime& runtime, const Edito
       settings_(paths.folders.pluginSettings()),
       host_(
           plugin, runtime, [this](const std::string& text) { worksheet_->Append(text); }, this),
-      tool_(runtime, [this](const std::string& text) { worksheet_->Append(text); }),
+      tool_(runtime, ResourceFolder(plugin.bundle()) + "/mpremote/mpremote.py",
+            [this](const std::string& text) { worksheet_->Append(text); }),
       shortcuts_({}, {}),
       project_(new Project(this)),
       board_(new BoardMonitor(paths.boardProgram, paths.boardFolder, this))

@@ -134,6 +134,14 @@ void Runtime::OnJobStuck(ShellJob& job)
     NotifyIfIdle();
 }
 
+bool Runtime::SendInput(JobGroup group, std::string_view bytes)
+{
+    const auto job = std::ranges::find_if(jobs_, [group](const auto& candidate) {
+        return candidate->group() == group && candidate->IsStarted() && !candidate->IsStopped();
+    });
+    return job != jobs_.end() && (*job)->Send(bytes);
+}
+
 void Runtime::StopJobs(JobGroup group)
 {
     for (const auto& job : std::vector(jobs_)) {

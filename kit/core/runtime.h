@@ -1,17 +1,18 @@
 #pragma once
 
+#include "job_group.h"
 #include "ui_queue.h"
 
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 class BLooper;
 class BMenu;
 class BMenuItem;
 class ShellJob;
-enum class JobGroup;
 
 // The state of the framework: the queue to the user-interface thread, the programs that run in the
 // background, and the open windows. The host creates one after the application object and destroys
@@ -81,6 +82,10 @@ class Runtime {
     // ones that give way (ShellJob::Program::yields). A stopped job whose program cannot be killed
     // is reported after two seconds, and no longer waited for. False after ShutDown.
     bool Start(const std::shared_ptr<ShellJob>& job);
+
+    // Sends input to the running program of a group. Returns false if there is none, or if it has
+    // not read enough of the earlier input.
+    bool SendInput(JobGroup group, std::string_view bytes);
 
     // Stops all jobs of a group.
     void StopJobs(JobGroup group);

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <system_error>
 #include <tuple>
 #include <utility>
@@ -19,6 +20,7 @@ constexpr std::chrono::milliseconds kPipeGrace{100};
 constexpr std::chrono::milliseconds kTerminationGrace{500};
 // How often to check for events that no descriptor reports.
 constexpr std::chrono::milliseconds kPollInterval{20};
+constexpr std::size_t kMaxInput = 65536;      // bytes
 constexpr std::size_t kMaxDrained = 1 << 20;  // bytes
 constexpr int kNotStarted = 127;              // The exit status that shells use.
 
@@ -60,6 +62,19 @@ void ShellJob::Start(const Events& events)
         events.threadExits();
         exits_.set_value();
     }
+}
+
+bool ShellJob::Send(std::string_view bytes)
+{
+    {
+        const std::lock_guard lock(inputMutex_);
+        if (input_.size() > kMaxInput) {
+            return false;
+        }
+        input_ += bytes;
+    }
+    std::ignore = WriteFully(wake_[1], "i");
+    return true;
 }
 
 void ShellJob::Stop()
@@ -113,10 +128,13 @@ void ShellJob::RunProgram()
     if (!program_.words) {
         return Forward(program_.words.error() + "\n");
     }
-    auto child = ChildProcess::Start(*program_.words, program_.environment, program_.folder);
+    auto child = ChildProcess::Start(
+        *program_.words, program_.environment, program_.folder,
+        program_.takesInput ? ChildProcess::Input::Pipe : ChildProcess::Input::Empty);
     if (!child) {
         return Forward(child.error() + "\n");
     }
+    inputOpen_ = child->inputFd() >= 0;
     Follow(*child);
 }
 
@@ -159,16 +177,40 @@ void ShellJob::Wait(const ChildProcess& child)
     }
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now());
     // poll() ignores a descriptor of -1.
-    std::array<pollfd, 3> fds{{{outputOpen_ ? child.outputFd() : -1, POLLIN, 0},
+    std::array<pollfd, 4> fds{{{outputOpen_ ? child.outputFd() : -1, POLLIN, 0},
                                {programExited_ ? -1 : child.exitFd(), POLLIN, 0},
-                               {killAt_ ? -1 : wake_[0], POLLIN, 0}}};
+                               {wake_[0], POLLIN, 0},
+                               {HasInput() ? child.inputFd() : -1, POLLOUT, 0}}};
     poll(fds.data(), fds.size(), std::max(0, static_cast<int>(left.count())));
+    if (fds[2].revents != 0) {
+        std::ignore = ReadAvailable(wake_[0]);
+    }
+    if (fds[3].revents != 0) {
+        WriteInput(child);
+    }
     if (fds[0].revents != 0) {
         ReadOutput(child);
     }
     if (!programExited_ && (fds[1].revents != 0 || child.exitFd() < 0) && child.HasExited()) {
         programExited_ = true;
         abandonPipeAt_ = Clock::now() + kPipeGrace;
+    }
+}
+
+bool ShellJob::HasInput()
+{
+    const std::lock_guard lock(inputMutex_);
+    return inputOpen_ && !input_.empty();
+}
+
+void ShellJob::WriteInput(const ChildProcess& child)
+{
+    const std::lock_guard lock(inputMutex_);
+    const ssize_t n = write(child.inputFd(), input_.data(), input_.size());
+    if (n > 0) {
+        input_.erase(0, static_cast<std::size_t>(n));
+    } else if (errno != EAGAIN && errno != EINTR) {
+        inputOpen_ = false;
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "child_process.h"
+#include "job_group.h"
 #include "line_splitter.h"
 #include "toolkit.h"
 #include "ui_queue.h"
@@ -13,15 +14,12 @@
 #include <functional>
 #include <future>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <thread>
 #include <vector>
-
-// Jobs of one group share a resource, such as the board's port: the Runtime starts a job only after
-// every stopped job of its group has finished.
-enum class JobGroup { Board, UserShell };
 
 // After this time, a stopped program that is still running cannot be killed: it waits in the
 // kernel, for example for a disk that does not answer.
@@ -37,6 +35,7 @@ class ShellJob {
         std::vector<std::string> environment;  // "NAME=value"
         std::string folder;                    // Working directory; empty for this process's own.
         JobGroup group = JobGroup::Board;
+        bool takesInput = false;         // Otherwise its standard input is empty.
         bool splitsLines = true;         // Otherwise output is forwarded as it arrives.
         bool forwardsAfterStop = false;  // Otherwise a stopped program's output is discarded.
         bool yields = false;             // It is stopped when another job of its group is started.
@@ -75,6 +74,11 @@ class ShellJob {
     void Start(const Events& events);
     bool IsStarted() const { return started_; }
 
+    // Sends bytes to the program's standard input. Returns false, and takes none of them, while too
+    // many earlier ones have not been read. Bytes for a program that takes no input, or that has
+    // closed it, are lost.
+    bool Send(std::string_view bytes);
+
     // Terminates the program and drops the completion. Returns at once; further calls do nothing.
     void Stop();
     bool IsStopped() const { return stopped_; }
@@ -98,6 +102,8 @@ class ShellJob {
     void RunProgram();
     void Follow(ChildProcess& child);
     void Wait(const ChildProcess& child);
+    bool HasInput();
+    void WriteInput(const ChildProcess& child);
     void ReadOutput(const ChildProcess& child);
     void DrainAfterExit(const ChildProcess& child);
     void CheckDeadlines(const ChildProcess& child);
@@ -122,11 +128,14 @@ class ShellJob {
     std::array<int, 2> wake_{-1, -1};
     std::atomic<bool> stopped_ = false;
     std::atomic<bool> discardsOutput_ = false;
-    int status_;  // Written by the thread; read after Join.
+    std::mutex inputMutex_;
+    std::string input_;  // Not yet written.
+    int status_;         // Written by the thread; read after Join.
 
     // Used on the job's thread only.
     LineSplitter splitter_;
     bool outputOpen_ = true;
+    bool inputOpen_ = false;
     bool programExited_ = false;
     std::optional<Clock::time_point> flushAt_;  // When to forward the unfinished line.
     // When to stop reading the pipe of an exited program: other processes may keep it open.

@@ -33,10 +33,11 @@ void SimpleShell::Run(const std::string& commandLine, unique_function<void()>&& 
     if (!words) {
         words = std::unexpected("Invalid command line: " + words.error());
     }
-    const auto job = std::make_shared<ShellJob>(
-        ShellJob::Program{
-            .words = std::move(words), .environment = ToolEnvironment(), .folder = {}},
-        state_->onOutput, runtime.queue());
+    const auto job = std::make_shared<ShellJob>(ShellJob::Program{.words = std::move(words),
+                                                                  .environment = ToolEnvironment(),
+                                                                  .folder = {},
+                                                                  .takesInput = true},
+                                                state_->onOutput, runtime.queue());
     job->SetCompletion(std::move(done));
     if (runtime.Start(job)) {
         state_->job = job;

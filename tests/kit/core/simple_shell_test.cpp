@@ -92,7 +92,6 @@ TEST_F(SimpleShellTest, ForwardsOneLinePerPiece)
          Sh("echo one; echo two >&2; echo three; printf four >&2"),
          {"one\n", "two\n", "three\n", "four"}},
         {"environment", "printenv PYTHONUNBUFFERED PYTHONUTF8\n", {"1\n", "1\n"}},
-        {"no input", "wc -c", {"0\n"}},
         {"a crash", Sh("printf \"about to crash\"; kill -ABRT $$"), {"about to crash"}},
         {"no such tool", "/no/such/tool ls\n", {"/no/such/tool: No such file or directory\n"}},
         {"unbalanced quotes",
@@ -113,6 +112,19 @@ TEST_F(SimpleShellTest, ForwardsAnUnterminatedLineButNotPartOfACharacter)
     folder.Write("go", "");
     ASSERT_TRUE(WaitForIdle());
     EXPECT_EQ(pieces_, (Pieces{"euro ", "€ sign\n"}));
+}
+
+TEST_F(SimpleShellTest, SendsInputOfAnyLengthToTheRunningProgramOnly)
+{
+    EXPECT_FALSE(runtime_.SendInput(JobGroup::Board, "lost"));
+    const auto shell = Start(Sh("echo ready; head -c 1000001 | wc -c"));
+    EXPECT_FALSE(runtime_.SendInput(JobGroup::UserShell, "lost"));
+    for (std::size_t sent = 0; sent < 1'000'000;) {
+        sent += runtime_.SendInput(JobGroup::Board, std::string(1000, 'x')) ? 1000 : 0;
+    }
+    EXPECT_TRUE(WaitUntil([&] { return runtime_.SendInput(JobGroup::Board, "x"); }));
+    EXPECT_TRUE(WaitForIdle());
+    EXPECT_EQ(pieces_, (Pieces{"ready\n", "1000001\n"}));
 }
 
 TEST_F(SimpleShellTest, DoesNotWaitForAGrandchildThatHoldsThePipe)
