@@ -60,7 +60,9 @@ BWindow::~BWindow()
 void BWindow::Show()
 {
     if (const auto& widget = native_->content.widget) {
-        widget->Place(QApplication::activeWindow());
+        if (!widget->isVisible()) {
+            widget->Place(QApplication::activeWindow());
+        }
         widget->show();
         Runtime::Current().Keep(shared_from_this());
     }

@@ -71,7 +71,8 @@ void WindowWidget::ApplyFrame()
 
 void WindowWidget::CorrectFrame()
 {
-    if (!correct_.hasExpired() && DecorationOf(*this) != decoration_) {
+    const bool isAwaited = decoration_.isNull() && !correct_.hasExpired();
+    if (isAwaited && !DecorationOf(*this).isNull()) {
         ApplyFrame();
     }
 }

@@ -233,14 +233,14 @@ void TableWidget::dropEvent(QDropEvent* event)
     }
 }
 
-// A frame marks the row as well, because a selected row already has the fill's colour.
+// Only the frame marks a selected row, since that already has the colour of the fill.
 void TableWidget::PaintRowMark(QPainter& painter, const QModelIndex& index)
 {
     QRect area = visualRect(index);
     area.setRight(viewport()->width() - 1);
     const bool isSelected = selectionModel()->isSelected(index);
     QColor fill = palette().color(QPalette::Highlight);
-    fill.setAlpha(70);
+    fill.setAlpha(isSelected ? 0 : 70);
     painter.fillRect(area, fill);
     painter.setPen(
         QPen(palette().color(isSelected ? QPalette::HighlightedText : QPalette::Highlight), 2));
