@@ -9,6 +9,7 @@
 #include "find_bar.h"
 #include "help_dialogs.h"
 #include "message_area.h"
+#include "path_text.h"
 #include "plugin_actions.h"
 #include "session_keeper.h"
 #include "shortcut_code.h"
@@ -229,9 +230,9 @@ void MainWindow::ShowPosition()
 
 void MainWindow::ShowProject()
 {
-    host_.SetTarget(project_->target().toStdString());
-    host_.SetProjectTarget(project_->folderTarget().toStdString());
-    status_->ShowProject(project_->folder(), QString::fromStdString(host_.TargetRef(0).path()));
+    host_.SetTarget(TextToPath(project_->target()));
+    host_.SetProjectTarget(TextToPath(project_->folderTarget()));
+    status_->ShowProject(project_->folder(), PathToText(host_.TargetRef(0).path()));
     ShowControls();
 }
 

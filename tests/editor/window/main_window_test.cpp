@@ -492,8 +492,10 @@ TEST_F(EditorWindow, ReportsWhatCannotBeOpenedOrSavedAndKeepsTheText)
 TEST_F(EditorWindow, RestoresTheLastSession)
 {
     const QString first = Write("a.py", "");
-    const QString second = Write("b.txt", "");
-    Start({first, second});
+    const QString second = Write("b.txt", "1\n2\n3\n");
+    const QString third = Write("\xFF.py", "not UTF-8");
+    Start({first, third, second});
+    editor().GoToLine(3);
     window().resize(700, 500);
     window().project().SetTarget(first);
     window().worksheet().Append("kept\n");
@@ -502,13 +504,26 @@ TEST_F(EditorWindow, RestoresTheLastSession)
     ASSERT_TRUE(WaitUntil([] { return DeviceTable() != nullptr; }));
     DeviceTable()->window()->setGeometry(40, 50, 333, 444);
     DeviceTable()->window()->close();
+    for (int i = 0; i < 3; ++i) {
+        Action("Zoom In")->trigger();
+    }
+    const auto sessionHas = [&](const std::string& text) {
+        return Read("config/editor.ini").find(text) != std::string::npos;
+    };
+    EXPECT_TRUE(WaitUntil([&] { return sessionHas("zoom=3\n") && sessionHas("b.txt"); }))
+        << "a crash loses the settings: " << Read("config/editor.ini");
+    EXPECT_TRUE(WaitUntil([&] { return Read("state/worksheet.txt") == "kept\n"; }));
     Close();
     Start();
-    EXPECT_EQ(window().documents().Paths(), (QStringList{first, second}));
+    EXPECT_EQ(window().documents().Paths(), (QStringList{first, third, second}));
     EXPECT_EQ(window().documents().Front()->path(), first.toStdString());
     EXPECT_EQ(window().size(), QSize(700, 500));
     EXPECT_EQ(Sheet(), "kept\n");
+    window().OpenFiles({third});
+    EXPECT_EQ(editor().Content(), "not UTF-8");
     window().OpenFiles({second});
+    EXPECT_EQ(editor().CaretLine(), 3);
+    EXPECT_EQ(editor().SendScintilla(QsciScintilla::SCI_GETZOOM), 3);
     EXPECT_TRUE(ControlIsShown()) << "the target is lost";
     Press(Qt::Key_F8);
     ASSERT_TRUE(WaitUntil([] { return DeviceTable() != nullptr; }));
