@@ -152,6 +152,8 @@ void MainWindow::ConnectParts()
     connect(toolBar_, &ControlToolBar::MenuRequested, commands_, &PluginActions::OpenPopUp);
     connect(&diskTimer_, &QTimer::timeout, this, &MainWindow::CheckDisk);
     diskTimer_.start(kDiskCheckInterval);
+    controlsTimer_.setSingleShot(true);
+    connect(&controlsTimer_, &QTimer::timeout, this, &MainWindow::ShowControls);
     runtime_.handlers.windowClosed = [this] { SavePluginSettings(); };
     status_->ShowBoard(board_->board());
 }
@@ -188,6 +190,7 @@ void MainWindow::OpenFiles(const QStringList& files)
     if (tabs_->count() == 0) {
         tabs_->New();
     }
+    ShowControls();  // At once, so that the tool bar is complete when the window is shown.
 }
 
 void MainWindow::ReportPluginError(const std::string& error)
@@ -211,7 +214,7 @@ void MainWindow::ShowFront()
         page->editor().zoomTo(texts_->zoom());
     }
     status_->ShowDocument(page);
-    ShowControls();
+    UpdateControls();
 }
 
 void MainWindow::ConnectFront()
@@ -233,12 +236,13 @@ void MainWindow::ShowProject()
     host_.SetTarget(TextToPath(project_->target()));
     host_.SetProjectTarget(TextToPath(project_->folderTarget()));
     status_->ShowProject(project_->folder(), PathToText(host_.TargetRef(0).path()));
-    ShowControls();
+    UpdateControls();
 }
 
 // Asks the plug-in again, because its controls depend on the front document.
 void MainWindow::ShowControls()
 {
+    controlsTimer_.stop();
     toolBar_->ShowControls(host_.OfferedControls());
 }
 

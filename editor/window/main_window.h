@@ -82,6 +82,7 @@ class MainWindow final : public QMainWindow {
     void ShowPosition();
     void ShowProject();
     void ShowControls();
+    void UpdateControls() { controlsTimer_.start(0); }
     void ShowPluginHelp();
     void CheckDisk();
     void SavePluginSettings();
@@ -95,6 +96,7 @@ class MainWindow final : public QMainWindow {
     Shortcuts shortcuts_;
     std::unique_ptr<SessionKeeper> session_;
     QTimer diskTimer_;
+    QTimer controlsTimer_;  // Until the plug-in is queried, once for several changes.
 
     // Owned by their Qt parents.
     Project* project_;

@@ -6,6 +6,8 @@
 extern "C" std::int32_t PluginMain(int message, PluginInterface* pi, ...);
 extern "C" const char* PluginHelp();
 
+static int queries = 0;
+
 std::int32_t PluginMain(int message, PluginInterface* pi, ...)
 {
     switch (message) {
@@ -15,9 +17,14 @@ std::int32_t PluginMain(int message, PluginInterface* pi, ...)
             pi->RegisterCommand("A & B\n", "nonsense");
             pi->RegisterSettingsKey("no key at all");
             return -1;
-        case 307: pi->AddButton("", nullptr); return 99;
+        case 307:
+            ++queries;
+            pi->AddButton("", nullptr);
+            return 99;
         case 400: pi->WriteSettings("%s\n%s", "not a line", "\t"); throw 5;
-        default: throw std::runtime_error("message " + std::to_string(message));
+        default:
+            throw std::runtime_error("message " + std::to_string(message) + " after query " +
+                                     std::to_string(queries));
     }
 }
 

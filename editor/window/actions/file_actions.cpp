@@ -78,6 +78,7 @@ void FileActions::AddRecent(const QString& path)
 
 void FileActions::OfferLongLineFile(const QString& path, qint64 line)
 {
-    messages_.OfferLongLineFile(
-        path, line, [this, path] { tabs_.Open(path, DocumentTabs::LongLines::Accept); });
+    messages_.OfferLongLineFile(path, line, [this](const QString& accepted) {
+        tabs_.Open(accepted, DocumentTabs::LongLines::Accept);
+    });
 }
