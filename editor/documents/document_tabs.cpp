@@ -2,13 +2,16 @@
 
 #include "action_icons.h"
 #include "path_text.h"
+#include "tab_bar.h"
 #include "text_editor.h"
 
 #include <QApplication>
+#include <QClipboard>
+#include <QDesktopServices>
 #include <QFileInfo>
 #include <QPointer>
-#include <QTabBar>
 #include <QToolButton>
+#include <QUrl>
 
 #include <chrono>
 
@@ -25,6 +28,7 @@ DocumentTabs::DocumentTabs(const std::string& recoveryRoot, QWidget* parent)
       copies_(recoveryRoot, *this),
       checks_(kMaxCheckThreads, kCheckPatience)
 {
+    AddTabMenu();
     setDocumentMode(true);
     setMovable(true);
     setAccessibleName(tr("Documents"));
@@ -193,6 +197,39 @@ bool DocumentTabs::Close(int index)
     }
     RemovePage(indexOf(page));
     return true;
+}
+
+void DocumentTabs::CloseOthers(int index)
+{
+    auto* const kept = PageAt(index);
+    for (int i = count() - 1; i >= 0; --i) {
+        if (PageAt(i) != kept && !Close(i)) {
+            return;
+        }
+    }
+}
+
+void DocumentTabs::AddTabMenu()
+{
+    auto* const bar = new TabBar(this);
+    setTabBar(bar);
+    connect(bar, &TabBar::CloseRequested, this, &DocumentTabs::Close);
+    connect(bar, &TabBar::CloseOthersRequested, this, &DocumentTabs::CloseOthers);
+    connect(bar, &TabBar::CopyPathRequested, this, &DocumentTabs::CopyPath);
+    connect(bar, &TabBar::ShowInFolderRequested, this, &DocumentTabs::ShowInFolder);
+}
+
+void DocumentTabs::CopyPath(int index)
+{
+    QGuiApplication::clipboard()->setText(PathToText(PageAt(index)->document().path()));
+}
+
+void DocumentTabs::ShowInFolder(int index)
+{
+    const QString folder = QFileInfo(PathToText(PageAt(index)->document().path())).path();
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(folder))) {
+        Q_EMIT Failed(tr("The file is in %1.").arg(folder));
+    }
 }
 
 void DocumentTabs::CloseAll()

@@ -33,6 +33,8 @@ class DocumentTabs final : public QTabWidget {
 
     // Returns false if the user cancelled.
     bool Close(int index);
+    // Closes the other documents until the user cancels.
+    void CloseOthers(int index);
     // Closes all documents without asking.
     void CloseAll();
 
@@ -63,6 +65,9 @@ class DocumentTabs final : public QTabWidget {
   private:
     QString UnusedName() const;
     void RemovePage(int index);
+    void AddTabMenu();
+    void CopyPath(int index);
+    void ShowInFolder(int index);
     void CheckDisk(DocumentPage& page);
     void FollowDisk(DocumentPage& page, const FileStamp& now);
 

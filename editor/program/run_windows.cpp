@@ -1,4 +1,5 @@
 #include "main_window.h"
+#include "path_text.h"
 #include "plugin_settings.h"
 #include "run_modes.h"
 #include "session.h"
@@ -40,14 +41,14 @@ int RunEditor(const Options& options, const Files& files, const PluginModule& pl
         SetAppearance(*options.appearance);
     }
     if (!files.target.empty()) {
-        window.project().SetTarget(QString::fromStdString(files.target));
+        window.project().SetTarget(PathToText(files.target));
     }
     QStringList documents;
     for (const auto& path : options.files) {
-        documents.append(QString::fromStdString(path));
+        documents.append(PathToText(path));
     }
     if (!files.document.empty()) {
-        documents.append(QString::fromStdString(files.document));
+        documents.append(PathToText(files.document));
     }
     window.OpenFiles(documents);
     window.show();

@@ -1,5 +1,7 @@
 #include "dropped_files.h"
 
+#include "path_text.h"
+
 #include <QDropEvent>
 #include <QMimeData>
 #include <QUrl>
@@ -9,7 +11,7 @@ QStringList LocalFiles(const QMimeData& data)
     QStringList paths;
     for (const auto& url : data.urls()) {
         if (url.isLocalFile()) {
-            paths.append(url.toLocalFile());
+            paths.append(PathFromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()));
         }
     }
     return paths;

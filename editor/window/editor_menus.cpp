@@ -8,6 +8,7 @@
 #include "find_bar.h"
 #include "help_dialogs.h"
 #include "message_area.h"
+#include "path_text.h"
 #include "plugin_actions.h"
 #include "project.h"
 #include "text_actions.h"
@@ -16,7 +17,6 @@
 #include "worksheet_actions.h"
 
 #include <QDesktopServices>
-#include <QFileInfo>
 #include <QMainWindow>
 #include <QMenuBar>
 #include <QUrl>
@@ -285,8 +285,8 @@ void EditorMenus::MakeBoardMenu()
 
 void EditorMenus::ShowBoardFolder()
 {
-    const QString folder = QString::fromStdString(parts_.board.boardFolder());
-    if (!QFileInfo(folder).isDir() || !QDesktopServices::openUrl(QUrl::fromLocalFile(folder))) {
+    const QString folder = PathToText(parts_.board.boardFolder());
+    if (!IsFolder(folder) || !QDesktopServices::openUrl(QUrl::fromLocalFile(folder))) {
         parts_.messages.Report(tr("The virtual board's files are in %1.").arg(folder));
     }
 }

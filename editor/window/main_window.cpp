@@ -10,6 +10,7 @@
 #include "find_bar.h"
 #include "help_dialogs.h"
 #include "message_area.h"
+#include "path_text.h"
 #include "plugin_actions.h"
 #include "session_keeper.h"
 #include "shortcut_code.h"
@@ -156,6 +157,8 @@ void MainWindow::ConnectParts()
     connect(toolBar_, &ControlToolBar::MenuRequested, commands_, &PluginActions::OpenPopUp);
     connect(&diskTimer_, &QTimer::timeout, this, &MainWindow::CheckDisk);
     diskTimer_.start(kDiskCheckInterval);
+    controlsTimer_.setSingleShot(true);
+    connect(&controlsTimer_, &QTimer::timeout, this, &MainWindow::ShowControls);
     runtime_.handlers.windowClosed = [this] { SavePluginSettings(); };
     status_->ShowBoard(board_->board());
 }
@@ -192,6 +195,7 @@ void MainWindow::OpenFiles(const QStringList& files)
     if (tabs_->count() == 0) {
         tabs_->New();
     }
+    ShowControls();  // At once, so that the tool bar is complete when the window is shown.
 }
 
 void MainWindow::ReportPluginError(const std::string& error)
@@ -216,7 +220,7 @@ void MainWindow::ShowFront()
         page->editor().zoomTo(texts_->zoom());
     }
     status_->ShowDocument(page);
-    ShowControls();
+    UpdateControls();
 }
 
 void MainWindow::ConnectFront()
@@ -235,15 +239,16 @@ void MainWindow::ShowPosition()
 
 void MainWindow::ShowProject()
 {
-    host_.SetTarget(project_->target().toStdString());
-    host_.SetProjectTarget(project_->folderTarget().toStdString());
-    status_->ShowProject(project_->folder(), QString::fromStdString(host_.TargetRef(0).path()));
-    ShowControls();
+    host_.SetTarget(TextToPath(project_->target()));
+    host_.SetProjectTarget(TextToPath(project_->folderTarget()));
+    status_->ShowProject(project_->folder(), PathToText(host_.TargetRef(0).path()));
+    UpdateControls();
 }
 
 // Asks the plug-in again, because its controls depend on the front document.
 void MainWindow::ShowControls()
 {
+    controlsTimer_.stop();
     toolBar_->ShowControls(host_.OfferedControls());
     progress_->SetRunnable(QString::fromStdString(host_.Runnable().name()));
 }

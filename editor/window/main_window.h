@@ -84,6 +84,7 @@ class MainWindow final : public QMainWindow {
     void ShowPosition();
     void ShowProject();
     void ShowControls();
+    void UpdateControls() { controlsTimer_.start(0); }
     void ShowPluginHelp();
     void CheckDisk();
     void SavePluginSettings();
@@ -99,6 +100,7 @@ class MainWindow final : public QMainWindow {
     std::unique_ptr<SessionKeeper> session_;
     std::unique_ptr<CommandProgress> progress_;
     QTimer diskTimer_;
+    QTimer controlsTimer_;  // Until the plug-in is queried, once for several changes.
 
     // Owned by their Qt parents.
     Project* project_;

@@ -47,13 +47,23 @@ void MessageArea::OfferRecovery(const QStringList& names, const std::function<vo
 }
 
 void MessageArea::OfferLongLineFile(const QString& path, qint64 line,
-                                    const std::function<void()>& open)
+                                    const std::function<void(const QString& path)>& open)
 {
-    longLineFile_->ShowMessage(
-        tr("Line %1 of %2 is too long to edit smoothly: the editor would pause at each keystroke.")
-            .arg(line)
-            .arg(path),
-        {{tr("Open Anyway"), open}, {tr("Do Not Open"), [] {}}});
+    if (!longLineFile_->IsShowing()) {
+        longLineFiles_.clear();
+    }
+    longLineFiles_.removeAll(path);
+    longLineFiles_.append(path);
+    const QString text =
+        longLineFiles_.size() == 1
+            ? tr("Line %1 of %2 is too long to edit smoothly: the editor would pause at each "
+                 "keystroke.")
+                  .arg(line)
+                  .arg(path)
+            : tr("These files have lines that are too long to edit smoothly: %1.")
+                  .arg(longLineFiles_.join(", "));
+    const auto openAll = [files = longLineFiles_, open] { std::ranges::for_each(files, open); };
+    longLineFile_->ShowMessage(text, {{tr("Open Anyway"), openAll}, {tr("Do Not Open"), [] {}}});
 }
 
 void MessageArea::OfferUpload(const QString& message, const std::function<void()>& uploadAgain)

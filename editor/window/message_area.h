@@ -23,7 +23,9 @@ class MessageArea final : public QWidget {
                        const std::function<void()>& discard);
 
     // Asks whether to open a file although a line, counted from 1, is too long to edit smoothly.
-    void OfferLongLineFile(const QString& path, qint64 line, const std::function<void()>& open);
+    // Files that are offered before the user answers share one question.
+    void OfferLongLineFile(const QString& path, qint64 line,
+                           const std::function<void(const QString& path)>& open);
 
     // Reports that an upload was stopped, until another one starts.
     void OfferUpload(const QString& message, const std::function<void()>& uploadAgain);
@@ -38,4 +40,5 @@ class MessageArea final : public QWidget {
     MessageBar* messages_;
     MessageBar* longLineFile_;
     MessageBar* upload_;
+    QStringList longLineFiles_;  // Those in the question.
 };

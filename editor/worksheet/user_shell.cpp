@@ -1,10 +1,9 @@
 #include "user_shell.h"
 
+#include "path_text.h"
 #include "runtime.h"
 #include "shell_job.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QPointer>
 
 #include <chrono>
@@ -27,13 +26,13 @@ ShellJob::Program ProgramFor(const QString& command, const QString& folder)
         .words =
             std::vector{ShellProgram(), std::string("-c"), command.toLocal8Bit().toStdString()},
         .environment = CurrentEnvironment(),
-        .folder = QFile::encodeName(folder).toStdString(),
+        .folder = TextToPath(folder),
         .group = JobGroup::UserShell,
         .splitsLines = false,
         .forwardsAfterStop = true,
     };
-    if (!QFileInfo(folder).isDir()) {
-        program.words = std::unexpected("The folder " + folder.toStdString() + " does not exist.");
+    if (!IsFolder(folder)) {
+        program.words = std::unexpected("The folder " + TextToPath(folder) + " does not exist.");
     }
     return program;
 }

@@ -98,6 +98,7 @@ bool EditorWindow::MessageShows(const std::string& text)
 
 void EditorWindow::Answer(const QString& button)
 {
+    QCoreApplication::processEvents();  // Shows the buttons of a message that was just replaced.
     for (auto* const candidate : window_->findChildren<QPushButton*>()) {
         if (candidate->isVisible() && candidate->text() == button) {
             candidate->click();

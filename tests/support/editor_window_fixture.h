@@ -1,6 +1,7 @@
 #pragma once
 
 #include "main_window.h"
+#include "path_text.h"
 #include "text_editor.h"
 #include "wait.h"
 
@@ -31,7 +32,7 @@ class EditorWindow : public testing::Test {
 
     QString Write(const std::string& name, std::string_view content)
     {
-        return QString::fromStdString(folder.Write(name, content));
+        return PathToText(folder.Write(name, content));
     }
     QString PathOf(const std::string& name) { return QString::fromStdString(folder / name); }
     std::string Read(const std::string& name) { return ReadFile(folder / name); }

@@ -14,6 +14,8 @@ extern "C" const char* PluginHelp();
 
 namespace {
 
+int queries = 0;
+
 [[noreturn]] void Hang()
 {
     std::fputs("hangs\n", stderr);
@@ -48,10 +50,15 @@ std::int32_t PluginMain(int message, PluginInterface* pi, ...)
             pi->RegisterCommand("A & B\n", "nonsense");
             pi->RegisterSettingsKey("no key at all");
             return -1;
-        case 307: pi->AddButton("", nullptr); return 99;
+        case 307:
+            ++queries;
+            pi->AddButton("", nullptr);
+            return 99;
         case 400: pi->WriteSettings("%s\n%s", "not a line", "\t"); throw 5;
         case 103: return PerformCommand(pi->commandName);
-        default: throw std::runtime_error("message " + std::to_string(message));
+        default:
+            throw std::runtime_error("message " + std::to_string(message) + " after query " +
+                                     std::to_string(queries));
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "document_tabs.h"
 #include "message_area.h"
+#include "path_text.h"
 #include "project.h"
 
 #include <QFileDialog>
@@ -24,7 +25,7 @@ FileActions::FileActions(DocumentTabs& tabs, Project& project, MessageArea& mess
 void FileActions::Open(const QStringList& paths)
 {
     for (const auto& path : paths) {
-        if (QFileInfo(path).isDir()) {
+        if (IsFolder(path)) {
             project_.SetFolder(path);
         } else {
             tabs_.Open(path);
@@ -36,7 +37,7 @@ void FileActions::Open(const QStringList& paths)
 void FileActions::Reopen(const QStringList& paths, const QString& front)
 {
     for (const auto& path : paths + QStringList(front)) {
-        if (QFileInfo(path).isFile()) {
+        if (IsRegularFile(path)) {
             tabs_.Open(path);
         }
     }
@@ -46,7 +47,7 @@ void FileActions::OpenByDialog()
 {
     const auto* const front = tabs_.Front();
     const QString folder = front != nullptr && !front->path().empty()
-                               ? QFileInfo(QString::fromStdString(front->path())).path()
+                               ? QFileInfo(PathToText(front->path())).path()
                                : project_.folder();
     Open(QFileDialog::getOpenFileNames(window_, tr("Open"), folder, Document::FileDialogFilter()));
 }
@@ -65,7 +66,7 @@ void FileActions::MakeTarget(const Document& document)
     if (document.path().empty()) {
         return messages_.Report(tr("Save the document to a file first."));
     }
-    project_.SetTarget(QString::fromStdString(document.path()));
+    project_.SetTarget(PathToText(document.path()));
 }
 
 void FileActions::AddRecent(const QString& path)
@@ -77,6 +78,7 @@ void FileActions::AddRecent(const QString& path)
 
 void FileActions::OfferLongLineFile(const QString& path, qint64 line)
 {
-    messages_.OfferLongLineFile(
-        path, line, [this, path] { tabs_.Open(path, DocumentTabs::LongLines::Accept); });
+    messages_.OfferLongLineFile(path, line, [this](const QString& accepted) {
+        tabs_.Open(accepted, DocumentTabs::LongLines::Accept);
+    });
 }

@@ -4,6 +4,7 @@
 #include "document_tabs.h"
 #include "link_target.h"
 #include "message_area.h"
+#include "path_text.h"
 #include "project.h"
 #include "text_editor.h"
 #include "user_shell.h"
@@ -34,7 +35,7 @@ std::string WorksheetActions::WorkingFolder() const
     if (project_.folder().isEmpty() && front != nullptr && !front->path().empty()) {
         return std::filesystem::path(front->path()).parent_path().string();
     }
-    return (project_.folder().isEmpty() ? QDir::homePath() : project_.folder()).toStdString();
+    return TextToPath(project_.folder().isEmpty() ? QDir::homePath() : project_.folder());
 }
 
 void WorksheetActions::RunLine(const QString& text)
@@ -42,7 +43,7 @@ void WorksheetActions::RunLine(const QString& text)
     if (worksheet_.lineLength(worksheet_.lines() - 1) > 0) {
         worksheet_.Append("\n");
     }
-    shell_->Run(text, QString::fromStdString(WorkingFolder()));
+    shell_->Run(text, PathToText(WorkingFolder()));
 }
 
 void WorksheetActions::StopShell()
@@ -52,12 +53,11 @@ void WorksheetActions::StopShell()
 
 void WorksheetActions::FollowLink(const QString& path, int line)
 {
-    const auto file =
-        FindLinkedFile(path.toStdString(),
-                       {WorkingFolder(), project_.folder().toStdString(), board_.boardFolder()});
+    const auto file = FindLinkedFile(
+        TextToPath(path), {WorkingFolder(), TextToPath(project_.folder()), board_.boardFolder()});
     if (file.empty()) {
         messages_.Report(tr("The file %1 does not exist on this computer.").arg(path));
-    } else if (tabs_.Open(QString::fromStdString(file))) {
+    } else if (tabs_.Open(PathToText(file))) {
         tabs_.FrontPage()->editor().GoToLine(line);
     }
 }

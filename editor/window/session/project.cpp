@@ -1,15 +1,14 @@
 #include "project.h"
 
-#include <QFileInfo>
+#include "path_text.h"
 
-#include <utility>
+#include <QFileInfo>
 
 namespace {
 
 QString FullPathOfFile(const QString& path)
 {
-    const QFileInfo file(path);
-    return file.isFile() ? file.absoluteFilePath() : QString();
+    return IsRegularFile(path) ? QFileInfo(path).absoluteFilePath() : QString();
 }
 
 QString MainFileIn(const QString& folder)
@@ -21,8 +20,7 @@ QString MainFileIn(const QString& folder)
 
 void Project::SetFolder(const QString& folder)
 {
-    const QFileInfo info(folder);
-    folder_ = info.isDir() ? info.absoluteFilePath() : QString();
+    folder_ = IsFolder(folder) ? QFileInfo(folder).absoluteFilePath() : QString();
     folderTarget_ = MainFileIn(folder_);
     Q_EMIT Changed();
 }
@@ -35,8 +33,19 @@ void Project::SetTarget(const QString& file)
 
 void Project::UpdateFolderTarget()
 {
-    const QString found = MainFileIn(folder_);
-    if (std::exchange(folderTarget_, found) != found) {
-        Q_EMIT Changed();
+    if (folder_.isEmpty()) {
+        return;
     }
+    worker_.Do({}, [this, folder = folder_, known = folderTarget_]() -> FileWorker::Result {
+        const QString found = MainFileIn(folder);
+        if (found == known) {
+            return {};
+        }
+        return [this, folder, found] {
+            if (folder == folder_) {
+                folderTarget_ = found;
+                Q_EMIT Changed();
+            }
+        };
+    });
 }

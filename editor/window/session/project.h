@@ -1,5 +1,7 @@
 #pragma once
 
+#include "file_worker.h"
+
 #include <QObject>
 #include <QString>
 
@@ -20,7 +22,7 @@ class Project final : public QObject {
     // A path that is not a folder, or not a file, clears the setting.
     void SetFolder(const QString& folder);
     void SetTarget(const QString& file);
-    // Checks whether the folder's main.py has been created or deleted.
+    // Checks whether the folder's main.py has been created or deleted. Does not wait for the disk.
     void UpdateFolderTarget();
 
   Q_SIGNALS:
@@ -30,4 +32,5 @@ class Project final : public QObject {
     QString folder_;
     QString target_;
     QString folderTarget_;
+    FileWorker worker_{1, std::chrono::seconds(1)};
 };

@@ -14,6 +14,8 @@
 #include "text_editor.h"
 
 #include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QKeySequenceEdit>
@@ -531,11 +533,45 @@ TEST_F(EditorWindow, ReportsWhatCannotBeOpenedOrSavedAndKeepsTheText)
     Close();
 }
 
+TEST_F(EditorWindow, TabsAreClosedByAMiddleClickAndByTheirMenu)
+{
+    const QString first = Write("a.py", "");
+    Start({first, Write("b.py", ""), Write("c.py", ""), Write("d.py", "")});
+    auto& documents = window().documents();
+    auto& bar = *documents.tabBar();
+    QTest::mouseClick(&bar, Qt::MiddleButton, {}, bar.tabRect(1).center());
+    ASSERT_EQ(documents.count(), 3);
+    const auto choose = [&](const QString& label) {
+        bool isChosen = false;
+        WhenAsked([&](QWidget& menu) {
+            for (auto* const action : menu.actions()) {
+                if (action->text().remove('&') == label) {
+                    action->trigger();
+                }
+            }
+            menu.close();
+            isChosen = true;
+        });
+        const QPoint at = bar.tabRect(0).center();
+        QContextMenuEvent event(QContextMenuEvent::Mouse, at, bar.mapToGlobal(at));
+        QApplication::sendEvent(&bar, &event);
+        EXPECT_TRUE(WaitUntil([&] { return isChosen; }));
+    };
+    choose("Copy Path");
+    EXPECT_EQ(QApplication::clipboard()->text(), first);
+    choose("Close Others");
+    EXPECT_EQ(documents.Paths(), QStringList(first));
+    choose("Close");
+    EXPECT_EQ(documents.count(), 0);
+}
+
 TEST_F(EditorWindow, RestoresTheLastSession)
 {
     const QString first = Write("a.py", "");
-    const QString second = Write("b.txt", "");
-    Start({first, second});
+    const QString second = Write("b.txt", "1\n2\n3\n");
+    const QString third = Write("\xFF.py", "not UTF-8");
+    Start({first, third, second});
+    editor().GoToLine(3);
     window().resize(700, 500);
     window().project().SetTarget(first);
     window().worksheet().Append("kept\n");
@@ -544,13 +580,26 @@ TEST_F(EditorWindow, RestoresTheLastSession)
     ASSERT_TRUE(WaitUntil([] { return DeviceTable() != nullptr; }));
     DeviceTable()->window()->setGeometry(40, 50, 333, 444);
     DeviceTable()->window()->close();
+    for (int i = 0; i < 3; ++i) {
+        Action("Zoom In")->trigger();
+    }
+    const auto sessionHas = [&](const std::string& text) {
+        return Read("config/editor.ini").find(text) != std::string::npos;
+    };
+    EXPECT_TRUE(WaitUntil([&] { return sessionHas("zoom=3\n") && sessionHas("b.txt"); }))
+        << "a crash loses the settings: " << Read("config/editor.ini");
+    EXPECT_TRUE(WaitUntil([&] { return Read("state/worksheet.txt") == "kept\n"; }));
     Close();
     Start();
-    EXPECT_EQ(window().documents().Paths(), (QStringList{first, second}));
+    EXPECT_EQ(window().documents().Paths(), (QStringList{first, third, second}));
     EXPECT_EQ(window().documents().Front()->path(), first.toStdString());
     EXPECT_EQ(window().size(), QSize(700, 500));
     EXPECT_EQ(Sheet(), "kept\n");
+    window().OpenFiles({third});
+    EXPECT_EQ(editor().Content(), "not UTF-8");
     window().OpenFiles({second});
+    EXPECT_EQ(editor().CaretLine(), 3);
+    EXPECT_EQ(editor().SendScintilla(QsciScintilla::SCI_GETZOOM), 3);
     EXPECT_TRUE(ControlIsShown()) << "the target is lost";
     Press(Qt::Key_F8);
     ASSERT_TRUE(WaitUntil([] { return DeviceTable() != nullptr; }));
@@ -576,7 +625,7 @@ TEST_F(EditorWindow, SurvivesAPluginThatThrowsOrSendsInvalidMessages)
     Start({Write("a.py", "")}, QUILP_TEST_BIN "/throwing_plugin.so");
     EXPECT_TRUE(MessageShows("message 104"));
     window().findChild<RunControl*>()->click();
-    EXPECT_TRUE(MessageShows("message 100"));
+    EXPECT_TRUE(MessageShows("message 100 after query 1")) << "several queries at the start";
     Action("Show Command Menu")->trigger();
     EXPECT_TRUE(MessageShows("message 101"));
     Press(Qt::Key_F8);
@@ -603,11 +652,14 @@ TEST_F(EditorWindow, AsksBeforeItShowsALineThatIsSlowToEdit)
 {
     const std::string slow(kMaxSmoothLineLength + 1, '1');
     const QString path = Write("data.py", "x = 1\n" + slow);
+    const QString other = Write("other.py", slow);
     Start({path});
     EXPECT_EQ(window().documents().Paths(), QStringList());
     EXPECT_TRUE(Message().starts_with("Line 2 of " + path.toStdString())) << Message();
+    window().OpenFiles({other, path});
+    EXPECT_TRUE(MessageShows(other.toStdString() + ", " + path.toStdString()));
     Answer("Open Anyway");
-    EXPECT_EQ(window().documents().Paths(), QStringList(path));
+    EXPECT_EQ(window().documents().Paths(), (QStringList{other, path}));
 
     window().OpenFiles({Write("small.py", "x = 1\n")});
     Write("small.py", slow);
