@@ -61,6 +61,10 @@ class TextEditor final : public QsciScintilla {
     void UpdateNumberMargin();
     void IndentNewLine(int character);
     bool OpensBlock(long line) const;
+    bool EndsBlock(long line) const;
+    QByteArray IndentOf(long line) const;
+    QByteArray IndentAround(long line) const;
+    void StyleUpTo(long position) const;
     std::vector<long> SelectedLines() const;
     void Comment(long position);
 

@@ -151,6 +151,7 @@ void MainWindow::ConnectParts()
     connect(toolBar_, &ControlToolBar::MenuRequested, commands_, &PluginActions::OpenPopUp);
     connect(&diskTimer_, &QTimer::timeout, this, &MainWindow::CheckDisk);
     diskTimer_.start(kDiskCheckInterval);
+    runtime_.handlers.idle = [this] { worksheet_->EndOutput(); };
     runtime_.handlers.windowClosed = [this] { SavePluginSettings(); };
     status_->ShowBoard(board_->board());
 }

@@ -486,4 +486,13 @@ TEST_F(EditorWindow, TheEditMenuActsOnTheFieldThatHasTheFocus)
     window().worksheet().setFocus();
     Action("Paste")->trigger();
     EXPECT_EQ(Sheet(), "other");
+
+    editor().setFocus();
+    Action("Replace…")->trigger();
+    QTest::keyClicks(QApplication::focusWidget(), "w");
+    Answer("Replace &all");
+    EXPECT_EQ(editor().Content(), "ord\n");
+    QApplication::focusWidget()->parentWidget()->findChild<QPushButton*>()->setFocus();
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(editor().Content(), "word\n") << "while a button of the find bar has the focus";
 }
