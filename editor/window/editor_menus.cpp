@@ -7,7 +7,7 @@
 #include "editor_style.h"
 #include "file_actions.h"
 #include "find_bar.h"
-#include "help_dialogs.h"
+#include "help_window.h"
 #include "message_area.h"
 #include "plugin_actions.h"
 #include "project.h"
@@ -305,6 +305,6 @@ void EditorMenus::ShowBoardFolder()
 void EditorMenus::MakeHelpMenu()
 {
     auto* const menu = AddMenu(tr("&Help"));
-    Add(menu, tr("&Plug-in Help"), QKeySequence("F1"), [this] { Q_EMIT PluginHelpRequested(); });
+    Add(menu, tr("&Quilp Help"), QKeySequence("F1"), [this] { Q_EMIT HelpRequested(); });
     Add(menu, tr("&About Quilp"), {}, [this] { ShowAbout(&parts_.window); });
 }

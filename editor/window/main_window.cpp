@@ -7,7 +7,7 @@
 #include "editor_status_bar.h"
 #include "file_actions.h"
 #include "find_bar.h"
-#include "help_dialogs.h"
+#include "help_window.h"
 #include "message_area.h"
 #include "plugin_actions.h"
 #include "session_keeper.h"
@@ -19,6 +19,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QScreen>
@@ -146,7 +147,7 @@ void MainWindow::ConnectParts()
     connect(&menus_->commandsMenu(), &CommandsMenu::Chosen, commands_, &PluginActions::Perform);
     connect(menus_, &EditorMenus::CommandMenuRequested, this,
             [this] { commands_->OpenPopUp(toolBar_->FirstControl()); });
-    connect(menus_, &EditorMenus::PluginHelpRequested, this, &MainWindow::ShowPluginHelp);
+    connect(menus_, &EditorMenus::HelpRequested, this, &MainWindow::ShowHelp);
     connect(toolBar_, &ControlToolBar::ControlPressed, commands_, &PluginActions::PressControl);
     connect(toolBar_, &ControlToolBar::MenuRequested, commands_, &PluginActions::OpenPopUp);
     connect(&diskTimer_, &QTimer::timeout, this, &MainWindow::CheckDisk);
@@ -241,11 +242,12 @@ void MainWindow::ShowControls()
     toolBar_->ShowControls(host_.OfferedControls());
 }
 
-void MainWindow::ShowPluginHelp()
+void MainWindow::ShowHelp()
 {
     QString text;
     Runtime::Protect([&] { text = QString::fromStdString(plugin_.Help()); });
-    ::ShowPluginHelp(this, text);
+    help_ = help_ != nullptr ? help_ : new HelpWindow(this);
+    help_->Open(*menuBar(), text);
 }
 
 // Does nothing while the window is inactive or a dialog or menu is open.

@@ -19,6 +19,7 @@ class EditorMenus;
 class EditorStatusBar;
 class FileActions;
 class FindBar;
+class HelpWindow;
 class MessageArea;
 class PluginActions;
 class QSplitter;
@@ -82,7 +83,7 @@ class MainWindow final : public QMainWindow {
     void ShowPosition();
     void ShowProject();
     void ShowControls();
-    void ShowPluginHelp();
+    void ShowHelp();
     void CheckDisk();
     void SavePluginSettings();
     QStringList SaveEverything();
@@ -111,4 +112,5 @@ class MainWindow final : public QMainWindow {
     EditorMenus* menus_ = nullptr;
     ControlToolBar* toolBar_ = nullptr;
     EditorStatusBar* status_ = nullptr;
+    HelpWindow* help_ = nullptr;  // Null until it is needed.
 };

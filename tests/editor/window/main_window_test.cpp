@@ -18,7 +18,9 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTest>
+#include <QTextBrowser>
 #include <QToolButton>
 
 #include <chrono>
@@ -195,6 +197,12 @@ TEST_F(EditorWindow, ChangesShortcutsButRefusesConflicts)
     });
     Action("Shortcuts…")->trigger();
     EXPECT_EQ(Action("Run")->shortcut(), QKeySequence("Ctrl+R"));
+    Press(Qt::Key_F1);
+    const QString help = window().findChild<QTextBrowser*>()->toPlainText();
+    for (const char* row :
+         {"Run\\s+Ctrl\\+R\n", "Run Line or Selection\\s+Ctrl\\+Return\n", "WIP"}) {
+        EXPECT_TRUE(help.contains(QRegularExpression(row))) << row;
+    }
     Close();
     Start();
     EXPECT_EQ(Action("Run")->shortcut(), QKeySequence("Ctrl+R"));
