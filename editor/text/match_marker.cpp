@@ -62,6 +62,7 @@ void MatchMarker::Show(QsciScintilla& editor, const TextSearch& search)
             Restart();
             timer_.start(kDelay);
         }
+        UnmarkSelected();
         Q_EMIT Changed();
     });
     Restart();
@@ -71,8 +72,7 @@ void MatchMarker::Show(QsciScintilla& editor, const TextSearch& search)
 void MatchMarker::Clear()
 {
     timer_.stop();
-    matches_.clear();
-    isFinished_ = false;
+    Restart();
     search_.reset();
     if (editor_) {
         editor_->disconnect(this);
@@ -83,17 +83,40 @@ void MatchMarker::Clear()
 
 void MatchMarker::DefineMark()
 {
-    QColor color = ColorsFor(editor_->palette()).match;
+    const QColor color = ColorsFor(editor_->palette()).match;
     editor_->indicatorDefine(Sci::StraightBoxIndicator, kIndicator);
-    editor_->setIndicatorOutlineColor(color, kIndicator);
-    color.setAlpha(96);
     editor_->setIndicatorForegroundColor(color, kIndicator);
+    editor_->setIndicatorOutlineColor(color, kIndicator);
+    editor_->setIndicatorDrawUnder(true, kIndicator);
+}
+
+void MatchMarker::Mark(Match match)
+{
+    Send(*editor_, Sci::SCI_SETINDICATORCURRENT, kIndicator);
+    Send(*editor_, Sci::SCI_INDICATORFILLRANGE, match.start, match.end - match.start);
+}
+
+// The mark would hide the colour of the selection.
+void MatchMarker::UnmarkSelected()
+{
+    const auto counted = count();
+    const std::size_t selected = counted ? counted->selected : 0;
+    if (selected == unmarked_) {
+        return;
+    }
+    if (const auto old = std::exchange(unmarked_, selected); old > 0) {
+        Mark(matches_[old - 1]);
+    }
+    if (selected > 0) {
+        ClearMarks(*editor_, matches_[selected - 1].start, matches_[selected - 1].end);
+    }
 }
 
 // The marks remain until their part of the text is searched again.
 void MatchMarker::Restart()
 {
     matches_.clear();
+    unmarked_ = 0;
     position_ = 0;
     partSize_ = kPartSize;
     isFinished_ = false;
@@ -111,6 +134,7 @@ void MatchMarker::MarkPart()
     const auto context = TextBetween(*editor_, start, position_).size();
     AddMatches(TextBetween(*editor_, start, end), context, end == length_);
     if (isFinished_) {
+        UnmarkSelected();
         Q_EMIT Changed();
         return;
     }
@@ -141,9 +165,8 @@ void MatchMarker::AddMatches(const QString& part, qsizetype at, bool isEnd)
         const long start = position_;
         done = found.range.start + found.range.length;
         Advance(part, found.range.start, done);
-        Send(*editor_, Sci::SCI_SETINDICATORCURRENT, kIndicator);
-        Send(*editor_, Sci::SCI_INDICATORFILLRANGE, start, position_ - start);
         matches_.push_back({start, position_});
+        Mark(matches_.back());
         if (matches_.size() == kMaxMatches) {
             return Finish();
         }

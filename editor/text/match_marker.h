@@ -52,13 +52,16 @@ class MatchMarker final : public QObject {
     void Advance(const QString& part, qsizetype from, qsizetype to);
     void Finish();
     void DefineMark();
+    void Mark(Match match);
+    void UnmarkSelected();
 
     QPointer<QsciScintilla> editor_;
     std::optional<TextSearch> search_;
     QTimer timer_;
     std::vector<Match> matches_;
-    long position_ = 0;  // The text before it has been searched; in bytes.
-    long partSize_ = 0;  // Bytes.
-    long length_ = 0;    // Of the text that is being searched, in bytes.
+    std::size_t unmarked_ = 0;  // The number of the selected match, which has no mark.
+    long position_ = 0;         // The text before it has been searched; in bytes.
+    long partSize_ = 0;         // Bytes.
+    long length_ = 0;           // Of the text that is being searched, in bytes.
     bool isFinished_ = false;
 };

@@ -103,8 +103,7 @@ void MainWindow::MakeCentralWidget(const std::string& recoveryRoot)
     splitter_->setChildrenCollapsible(false);
     splitter_->addWidget(documents);
     splitter_->addWidget(worksheet_);
-    splitter_->setStretchFactor(0, 1);
-    splitter_->setSizes({500, 190});
+    splitter_->setSizes({500, 190});  // They keep this ratio in a window of any size.
     setCentralWidget(splitter_);
 }
 

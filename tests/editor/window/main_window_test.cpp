@@ -409,6 +409,16 @@ TEST_F(EditorWindow, RestoresTheLastSession)
     EXPECT_EQ(DeviceTable()->window()->size(), QSize(333, 444));
 }
 
+TEST_F(EditorWindow, TheWorksheetLeavesRoomForTheDocumentsInASmallWindow)
+{
+    Start({Write("a.py", "")});
+    window().resize(500, 360);
+    QCoreApplication::processEvents();
+    const int sheet = window().worksheet().height();
+    EXPECT_LE(sheet, window().centralWidget()->height() * 3 / 10);
+    EXPECT_GT(sheet, 30);
+}
+
 TEST_F(EditorWindow, RenamesItsOwnFilesThatItCannotRead)
 {
     const std::string damaged("\0\xFF binary", 9);
