@@ -1,8 +1,9 @@
 #include "appearance.h"
 
+#include "editor_proxy_style.h"
+
 #include <QApplication>
 #include <QPalette>
-#include <QStyleFactory>
 
 #include <algorithm>
 #include <array>
@@ -68,6 +69,7 @@ QToolButton#board::menu-indicator { subcontrol-origin: padding; subcontrol-posit
     right: 4px; }
 QMenu { background: {window}; border: 1px solid {line}; }
 QToolTip { background: {window}; color: {text}; border: 1px solid {line}; padding: 2px; }
+QAbstractScrollArea::corner { background: {window}; border: none; }
 QScrollBar { background: {window}; border: none; }
 QScrollBar:vertical { width: 13px; }
 QScrollBar:horizontal { height: 13px; }
@@ -125,7 +127,7 @@ void SetAppearance(Appearance appearance)
     const bool dark =
         appearance == Appearance::Dark || (appearance == Appearance::System && desktopIsDark);
     const Colors& colors = dark ? kDark : kLight;
-    QApplication::setStyle(QStyleFactory::create("Fusion"));
+    QApplication::setStyle(new EditorProxyStyle);  // Qt owns it.
     QApplication::setPalette(MakePalette(colors));
     qApp->setStyleSheet(StyleSheet(colors));
 }
