@@ -238,6 +238,28 @@ void TextEditor::Comment(long position)
     }
 }
 
+bool TextEditor::canInsertFromMimeData(const QMimeData* source) const
+{
+    if (!QsciScintilla::canInsertFromMimeData(source)) {
+        return false;
+    }
+    const QString text = source->text();
+    if (!FirstTooLongLine(text)) {
+        return true;
+    }
+    Q_EMIT LongLineRefused(text);
+    return false;
+}
+
+void TextEditor::Insert(QString text)
+{
+    text.replace("\r\n", "\n").replace('\r', '\n').replace('\n', LineEndingOf(*this).characters);
+    const auto bytes = text.toUtf8();
+    const long start = Send(*this, SCI_GETSELECTIONSTART);
+    ReplaceBetween(*this, start, Send(*this, SCI_GETSELECTIONEND), bytes);
+    Send(*this, SCI_GOTOPOS, start + bytes.size());
+}
+
 void TextEditor::GoToLine(int line)
 {
     const long start = LineStart(*this, std::clamp(line, 1, lines()) - 1);

@@ -22,6 +22,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPointer>
 #include <QScreen>
 #include <QSplitter>
 #include <QVBoxLayout>
@@ -218,8 +219,21 @@ void MainWindow::ConnectFront()
     auto& editor = tabs_->FrontPage()->editor();
     connect(&editor, &QsciScintilla::cursorPositionChanged, this, &MainWindow::ShowPosition,
             Qt::UniqueConnection);
+    connect(&editor, &TextEditor::LongLineRefused, this, &MainWindow::OfferLongLine,
+            Qt::UniqueConnection);
     connect(&editor, &QsciScintilla::SCN_ZOOM, texts_, &TextActions::AdoptZoom,
             Qt::UniqueConnection);
+}
+
+void MainWindow::OfferLongLine(const QString& text)
+{
+    const QPointer editor(&tabs_->FrontPage()->editor());
+    messages_->OfferLongLineText([editor, text] {
+        if (editor) {
+            editor->Insert(text);
+            editor->setFocus();
+        }
+    });
 }
 
 void MainWindow::ShowPosition()

@@ -81,6 +81,7 @@ class MainWindow final : public QMainWindow {
     void ShowFront();
     void ConnectFront();
     void ShowPosition();
+    void OfferLongLine(const QString& text);
     void ShowProject();
     void ShowControls();
     void ShowHelp();

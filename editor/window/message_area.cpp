@@ -17,12 +17,12 @@ MessageArea::MessageArea(QWidget* parent)
     : QWidget(parent),
       recovery_(new MessageBar(this)),
       messages_(new MessageBar(this)),
-      longLineFile_(new MessageBar(this))
+      longLine_(new MessageBar(this))
 {
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
-    for (auto* const bar : {recovery_, messages_, longLineFile_}) {
+    for (auto* const bar : {recovery_, messages_, longLine_}) {
         column->addWidget(bar);
     }
 }
@@ -48,16 +48,23 @@ void MessageArea::OfferRecovery(const QStringList& names, const std::function<vo
 void MessageArea::OfferLongLineFile(const QString& path, qint64 line,
                                     const std::function<void()>& open)
 {
-    longLineFile_->ShowMessage(
+    longLine_->ShowMessage(
         tr("Line %1 of %2 is too long to edit smoothly: the editor would pause at each keystroke.")
             .arg(line)
             .arg(path),
         {{tr("Open Anyway"), open}, {tr("Do Not Open"), [] {}}});
 }
 
+void MessageArea::OfferLongLineText(const std::function<void()>& insert)
+{
+    longLine_->ShowMessage(tr("The text has a line that is too long to edit smoothly: the editor "
+                              "would pause at each keystroke."),
+                           {{tr("Insert Anyway"), insert}, {tr("Do Not Insert"), [] {}}});
+}
+
 void MessageArea::FocusMessage()
 {
-    for (const auto* const bar : {recovery_, messages_, longLineFile_}) {
+    for (const auto* const bar : {recovery_, messages_, longLine_}) {
         if (bar->isVisible()) {
             bar->findChild<QPushButton*>()->setFocus();
             return;

@@ -25,6 +25,9 @@ class MessageArea final : public QWidget {
     // Asks whether to open a file although a line, counted from 1, is too long to edit smoothly.
     void OfferLongLineFile(const QString& path, qint64 line, const std::function<void()>& open);
 
+    // Asks whether to insert a text with such a line.
+    void OfferLongLineText(const std::function<void()>& insert);
+
     // Moves the focus to the first message, if there is one.
     void FocusMessage();
 
@@ -32,5 +35,5 @@ class MessageArea final : public QWidget {
     // Owned by their Qt parents.
     MessageBar* recovery_;
     MessageBar* messages_;
-    MessageBar* longLineFile_;
+    MessageBar* longLine_;
 };

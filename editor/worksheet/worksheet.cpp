@@ -450,6 +450,26 @@ bool Worksheet::ChooseLinkAt(long position)
     return true;
 }
 
+QByteArray Worksheet::fromMimeData(const QMimeData* source, bool& rectangular) const
+{
+    const auto bytes = QsciScintilla::fromMimeData(source, rectangular);
+    if (bytes.size() <= OutputText::kMaxLineLength) {
+        return bytes;
+    }
+    QString text;
+    for (QString line : QString::fromUtf8(bytes).split('\n')) {
+        while (line.size() > OutputText::kMaxLineLength) {
+            const bool dividesPair = line[OutputText::kMaxLineLength].isLowSurrogate();
+            const auto length = OutputText::kMaxLineLength - (dividesPair ? 1 : 0);
+            text += line.first(length) + '\n';
+            line.remove(0, length);
+        }
+        text += line + '\n';
+    }
+    text.chop(1);
+    return text.toUtf8();
+}
+
 void Worksheet::Click(int position)
 {
     // Dragging over a link selects its text.

@@ -11,7 +11,7 @@
 #include <string_view>
 
 // An editable text to which the output of programs is appended, with its colours. Tracebacks are
-// shown in the colour of errors. [ui]
+// shown in the colour of errors. Very long lines are split, also in text that is pasted. [ui]
 class Worksheet final : public QsciScintilla {
     Q_OBJECT
 
@@ -56,6 +56,7 @@ class Worksheet final : public QsciScintilla {
     void RunRequested(const QString& text);
 
   protected:
+    QByteArray fromMimeData(const QMimeData* source, bool& rectangular) const override;
     bool event(QEvent* event) override;
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;

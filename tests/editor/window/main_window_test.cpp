@@ -12,6 +12,7 @@
 #include "text_editor.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QKeySequenceEdit>
@@ -472,6 +473,22 @@ TEST_F(EditorWindow, AsksBeforeItShowsALineThatIsSlowToEdit)
     EXPECT_EQ(window().documents().Paths(), QStringList(path));
 
     window().OpenFiles({Write("small.py", "x = 1\n")});
+    const QString text = "y\n" + QString::fromStdString(slow);
+    QApplication::clipboard()->setText(text);
+    editor().setFocus();
+    Action("Paste")->trigger();
+    EXPECT_TRUE(MessageShows("too long"));
+    EXPECT_EQ(editor().Content(), "x = 1\n") << "the line was pasted";
+    Answer("Insert Anyway");
+    EXPECT_EQ(editor().Content(), text + "x = 1\n");
+    Action("Undo")->trigger();
+    ASSERT_TRUE(window().documents().SaveFront());
+    auto& sheet = window().worksheet();
+    sheet.setFocus();
+    Action("Paste")->trigger();
+    EXPECT_EQ(sheet.Content().remove('\n').size(), text.size() - 1);
+    EXPECT_EQ(sheet.lines(), 2 + kMaxSmoothLineLength / OutputText::kMaxLineLength);
+
     Write("small.py", slow);
     EXPECT_TRUE(MessageShows("too long"));
     EXPECT_EQ(editor().Content(), "x = 1\n") << "the changed file was loaded";
