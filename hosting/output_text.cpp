@@ -7,6 +7,8 @@
 namespace {
 
 constexpr QChar kEscape = u'\x1b';
+constexpr QChar kBell = u'\x07';
+constexpr std::size_t kMaxParameters = 256;  // bytes
 
 bool IsFinalByte(QChar c)
 {
@@ -16,6 +18,17 @@ bool IsFinalByte(QChar c)
 bool IsParameterByte(QChar c)
 {
     return c >= u' ' && c <= u'?';
+}
+
+// What follows an escape character.
+bool StartsString(QChar c)
+{
+    return QStringView(u"]PX^_").contains(c);
+}
+
+bool StartsDesignation(QChar c)
+{
+    return c >= u' ' && c <= u'/';
 }
 
 }  // namespace
@@ -38,49 +51,87 @@ OutputChange OutputText::Feed(std::string_view bytes, qsizetype column)
 void OutputText::Process(QChar c)
 {
     switch (std::exchange(state_, State::Text)) {
-        case State::Text: AppendCharacter(c); return;
-        case State::CarriageReturn:
-            if (c == u'\r') {
-                state_ = State::CarriageReturn;
-                return;
-            }
-            if (c != u'\n') {
-                RestartLine();
-            }
-            AppendCharacter(c);
-            return;
-        case State::Escape:
-            if (c == u'[') {
-                state_ = State::ControlSequence;
-                return;
-            }
-            change_.text += kEscape;
-            ++column_;
-            AppendCharacter(c);
-            return;
-        case State::ControlSequence:
-            if (IsParameterByte(c)) {
-                state_ = State::ControlSequence;
-            } else if (!IsFinalByte(c)) {
-                AppendCharacter(c);  // The sequence was aborted.
+        case State::Text: return AppendCharacter(c);
+        case State::Escape: return ProcessEscape(c);
+        case State::ControlSequence: return ProcessControlSequence(c);
+        case State::String: return ProcessString(c);
+        case State::Designation:
+            if (StartsDesignation(c)) {
+                state_ = State::Designation;
+            } else if (c < u'0' || c > u'~') {
+                AppendCharacter(c);
             }
             return;
+        case State::StringEscape:
+            if (c != u'\\') {
+                ProcessEscape(c);  // Another sequence has aborted the string.
+            }
+            return;
+    }
+}
+
+void OutputText::ProcessEscape(QChar c)
+{
+    if (c == u'[') {
+        state_ = State::ControlSequence;
+        parameters_.clear();
+    } else if (StartsString(c)) {
+        state_ = State::String;
+    } else if (StartsDesignation(c)) {
+        state_ = State::Designation;
+    } else {
+        AppendStyled(kEscape);
+        AppendCharacter(c);
+    }
+}
+
+void OutputText::ProcessControlSequence(QChar c)
+{
+    if (IsParameterByte(c)) {
+        state_ = State::ControlSequence;
+        if (parameters_.size() < kMaxParameters) {
+            parameters_ += static_cast<char>(c.unicode());
+        }
+    } else if (!IsFinalByte(c)) {
+        AppendCharacter(c);  // The sequence was aborted.
+    } else if (c == u'm') {
+        style_ = ApplyParameters(style_, parameters_);
+    }
+}
+
+// A line end also ends a string, so that an unfinished one does not hide all further output.
+void OutputText::ProcessString(QChar c)
+{
+    if (c == u'\n' || c == u'\r') {
+        AppendCharacter(c);
+    } else if (c != kBell) {
+        state_ = c == kEscape ? State::StringEscape : State::String;
     }
 }
 
 void OutputText::AppendCharacter(QChar c)
 {
     if (c == u'\r') {
-        state_ = State::CarriageReturn;
-        return;
-    }
-    if (c == kEscape) {
+        hasReturned_ = true;
+    } else if (c == kEscape) {
         state_ = State::Escape;
-        return;
+    } else {
+        AppendStyled(c);
+    }
+}
+
+void OutputText::AppendStyled(QChar c)
+{
+    if (std::exchange(hasReturned_, false) && c != u'\n') {
+        RestartLine();
     }
     if (c != u'\n' && column_ >= kMaxLineLength && !c.isLowSurrogate()) {
         change_.text += u'\n';
         column_ = 0;
+    }
+    auto& parts = change_.parts;
+    if (style_ != (parts.empty() ? TextStyle() : parts.back().style)) {
+        parts.push_back({change_.text.size(), style_});
     }
     change_.text += c;
     column_ = c == u'\n' ? 0 : column_ + 1;
@@ -91,5 +142,6 @@ void OutputText::RestartLine()
     const auto line = change_.text.lastIndexOf(u'\n') + 1;
     change_.erasesLastLine = change_.erasesLastLine || line == 0;
     change_.text.truncate(line);
+    std::erase_if(change_.parts, [=](const auto& part) { return part.start >= line; });
     column_ = 0;
 }

@@ -34,6 +34,9 @@ QString CommandLabel(const RegisteredCommand& command)
 {
     static const QString kPrefix = QStringLiteral("Quilp");
     static const QRegularExpression kWordStart("(?<=[a-z])(?=[A-Z])");
+    if (const auto* const row = FindCommandByName(command.name); row != nullptr && *row->label) {
+        return row->label;
+    }
     QString label = QString::fromStdString(command.name);
     if (label.startsWith(kPrefix) && label.size() > kPrefix.size()) {
         label.remove(0, kPrefix.size());

@@ -20,6 +20,8 @@ struct PluginCommand {
     const char* defaultShortcut;
     // Whether it acts on the front document or the target, which must be saved first.
     bool needsFile;
+    // The label in the host's menus; empty if it is derived from the name.
+    const char* label = "";
 };
 
 inline constexpr std::string_view kOpenDeviceWindow = "Open Device window";
@@ -28,7 +30,7 @@ inline constexpr std::array<PluginCommand, 8> kPluginCommands{{
     {"QuilpRun", "Run", "run", "F5", true},
     {"QuilpStop", "Stop ", "stop", "Shift+F5", false},
     {"QuilpUpload", "Upload ", "upload", "F6", true},
-    {"QuilpUploadAsMain", "Upload", "upload-as-main", "Shift+F6", true},
+    {"QuilpUploadAsMain", "Upload", "upload-as-main", "Shift+F6", true, "Upload as main.py"},
     {"QuilpList", "List ", "list", "F7", false},
     {"", "Status ", "status", "", false},
     {"", "Add upload command to worksheet ", "copy-template", "", false},

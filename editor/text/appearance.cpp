@@ -1,8 +1,9 @@
 #include "appearance.h"
 
+#include "editor_proxy_style.h"
+
 #include <QApplication>
 #include <QPalette>
-#include <QStyleFactory>
 
 #include <algorithm>
 #include <array>
@@ -11,15 +12,15 @@
 namespace {
 
 struct Colors {
-    QColor window, base, alternate, text, muted, line, button, highlight, message;
+    QColor window, base, alternate, text, muted, line, button, highlight, message, thumb;
 };
 
-const Colors kLight{{0xf4, 0xf5, 0xf7}, Qt::white,          {0xf7, 0xf9, 0xfb},
-                    {0x1f, 0x23, 0x28}, {0x5b, 0x64, 0x6d}, {0xd5, 0xd9, 0xde},
-                    {0xfb, 0xfc, 0xfd}, {0x2f, 0x7f, 0xd6}, {0xff, 0xf4, 0xd6}};
-const Colors kDark{{0x31, 0x36, 0x3d}, {0x1c, 0x1f, 0x23}, {0x22, 0x26, 0x2b},
-                   {0xe3, 0xe6, 0xea}, {0xa4, 0xad, 0xb7}, {0x49, 0x50, 0x59},
-                   {0x3d, 0x43, 0x4b}, {0x2f, 0x6f, 0xb8}, {0x46, 0x3f, 0x2a}};
+const Colors kLight{{0xf4, 0xf5, 0xf7}, Qt::white,          {0xf7, 0xf9, 0xfb}, {0x1f, 0x23, 0x28},
+                    {0x5b, 0x64, 0x6d}, {0xd5, 0xd9, 0xde}, {0xfb, 0xfc, 0xfd}, {0x2f, 0x7f, 0xd6},
+                    {0xff, 0xf4, 0xd6}, {0x86, 0x8e, 0x97}};
+const Colors kDark{{0x31, 0x36, 0x3d}, {0x1c, 0x1f, 0x23}, {0x22, 0x26, 0x2b}, {0xe3, 0xe6, 0xea},
+                   {0xa4, 0xad, 0xb7}, {0x49, 0x50, 0x59}, {0x3d, 0x43, 0x4b}, {0x2f, 0x6f, 0xb8},
+                   {0x46, 0x3f, 0x2a}, {0x7d, 0x86, 0x90}};
 
 QPalette MakePalette(const Colors& colors)
 {
@@ -66,6 +67,18 @@ QToolButton#board:hover { background: {line}; }
 QToolButton#board:focus { border-color: {highlight}; }
 QToolButton#board::menu-indicator { subcontrol-origin: padding; subcontrol-position: center right;
     right: 4px; }
+QMenu { background: {window}; border: 1px solid {line}; }
+QToolTip { background: {window}; color: {text}; border: 1px solid {line}; padding: 2px; }
+QAbstractScrollArea::corner { background: {window}; border: none; }
+QScrollBar { background: {window}; border: none; }
+QScrollBar:vertical { width: 13px; }
+QScrollBar:horizontal { height: 13px; }
+QScrollBar::handle { background: {thumb}; border-radius: 4px; margin: 2px; }
+QScrollBar::handle:hover { background: {muted}; }
+QScrollBar::handle:vertical { min-height: 28px; }
+QScrollBar::handle:horizontal { min-width: 28px; }
+QScrollBar::add-line, QScrollBar::sub-line { width: 0; height: 0; }
+QScrollBar::add-page, QScrollBar::sub-page { background: none; }
 QFrame#messageBar { background: {message}; border: none; border-bottom: 1px solid {line}; }
 )";
 
@@ -76,7 +89,7 @@ QString StyleSheet(const Colors& colors)
          {std::pair("{window}", colors.window), std::pair("{base}", colors.base),
           std::pair("{text}", colors.text), std::pair("{muted}", colors.muted),
           std::pair("{line}", colors.line), std::pair("{highlight}", colors.highlight),
-          std::pair("{message}", colors.message)}) {
+          std::pair("{message}", colors.message), std::pair("{thumb}", colors.thumb)}) {
         sheet.replace(QLatin1String(name), color.name());
     }
     return sheet;
@@ -114,7 +127,7 @@ void SetAppearance(Appearance appearance)
     const bool dark =
         appearance == Appearance::Dark || (appearance == Appearance::System && desktopIsDark);
     const Colors& colors = dark ? kDark : kLight;
-    QApplication::setStyle(QStyleFactory::create("Fusion"));
+    QApplication::setStyle(new EditorProxyStyle);  // Qt owns it.
     QApplication::setPalette(MakePalette(colors));
     qApp->setStyleSheet(StyleSheet(colors));
 }

@@ -5,15 +5,23 @@
 #include <QColor>
 #include <QFont>
 
+#include <array>
+
 class QKeyEvent;
 
 // The common style of all text views. [ui]
+
+// The keys that every menu shows for Redo.
+inline constexpr int kRedoKeys =
+    static_cast<int>(Qt::CTRL) | static_cast<int>(Qt::SHIFT) | static_cast<int>(Qt::Key_Z);
 
 // Colours that QPalette has no roles for.
 struct EditorColors {
     QColor caretLine, margin, guide, link;
     QColor keyword, builtin, string, comment, number, className, function, decorator;
-    QColor matchedBrace, error;  // `error` is also used for unmatched brackets.
+    QColor matchedBrace, match, error;  // `error` is also used for unmatched brackets.
+    // The colours that programs can choose for their output, legible on this background.
+    std::array<QColor, 16> output;
 };
 
 const EditorColors& ColorsFor(const QPalette& palette);

@@ -1,13 +1,18 @@
 #include "find_bar.h"
 
 #include "editor_style.h"
+#include "line_ending_table.h"
+#include "line_label.h"
+#include "match_marker.h"
 #include "scintilla_text.h"
 
 #include <QCheckBox>
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QLocale>
 #include <QPushButton>
 #include <QToolButton>
 
@@ -23,28 +28,10 @@ long PositionOf(const QString& text, qsizetype units)
     return QStringView(text).first(units).toUtf8().size();
 }
 
-QString LineEndingOf(const QsciScintilla& editor)
-{
-    switch (editor.eolMode()) {
-        case QsciScintilla::EolWindows: return "\r\n";
-        case QsciScintilla::EolMac: return "\r";
-        case QsciScintilla::EolUnix: break;
-    }
-    return "\n";
-}
-
 void Select(QsciScintilla& editor, const QString& text, FoundText range)
 {
     SelectBetween(editor, PositionOf(text, range.start),
                   PositionOf(text, range.start + range.length));
-}
-
-QHBoxLayout* MakeRowLayout(QWidget* row)
-{
-    auto* layout = new QHBoxLayout(row);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(kSpacing);
-    return layout;
 }
 
 QLabel* MakeLabel(const QString& text, QWidget* field)
@@ -71,29 +58,62 @@ FindBar::FindBar(QWidget* parent)
       matchCase_(new QCheckBox(tr("&Match case"), this)),
       wholeWords_(new QCheckBox(tr("Whole w&ords"), this)),
       regularExpression_(new QCheckBox(tr("Re&gular expression"), this)),
-      message_(new QLabel(this))
+      result_(new LineLabel(this)),
+      marker_(new MatchMarker(this))
 {
     hide();
-    auto* rows = new QVBoxLayout(this);
+    auto* rows = new QGridLayout(this);
     rows->setContentsMargins(kMargin, kSpacing, kMargin, kSpacing);
     rows->setSpacing(kSpacing);
-    rows->addWidget(MakeFindRow());
-    replaceRow_ = MakeReplaceRow();
-    replaceRow_->hide();
-    rows->addWidget(replaceRow_);
+    rows->setColumnStretch(1, 1);
+    MakeFindRow(*rows);
+    MakeReplaceRow(*rows);
+    MakeOptionsRow(*rows);
+    SetTabOrder();
+    connect(marker_, &MatchMarker::Changed, this, &FindBar::ShowResult);
     connect(searchText_, &QLineEdit::textEdited, this, &FindBar::FindWhileTyping);
     for (auto* option : {matchCase_, wholeWords_, regularExpression_}) {
         connect(option, &QCheckBox::toggled, this, &FindBar::FindWhileTyping);
     }
 }
 
-QWidget* FindBar::MakeFindRow()
+void FindBar::MakeFindRow(QGridLayout& rows)
 {
-    auto* row = new QWidget;
-    auto* layout = MakeRowLayout(row);
     searchText_->setAccessibleName(tr("Find"));
     searchText_->setClearButtonEnabled(true);
-    message_->setAccessibleName(tr("Search result"));
+    rows.addWidget(MakeLabel(tr("Fi&nd:"), searchText_), 0, 0);
+    rows.addWidget(searchText_, 0, 1);
+    rows.addWidget(MakeButton(tr("Ne&xt"), this, &FindBar::FindNext), 0, 2);
+    rows.addWidget(MakeButton(tr("Previo&us"), this, &FindBar::FindPrevious), 0, 3);
+    rows.addWidget(MakeCloseButton(), 0, 4);
+}
+
+void FindBar::MakeReplaceRow(QGridLayout& rows)
+{
+    replacement_->setAccessibleName(tr("Replace with"));
+    replaceRow_ = {MakeLabel(tr("Replace w&ith:"), replacement_), replacement_,
+                   MakeButton(tr("Rep&lace"), this, &FindBar::Replace),
+                   MakeButton(tr("Replace &all"), this, &FindBar::ReplaceAll)};
+    for (int column = 0; auto* const widget : replaceRow_) {
+        rows.addWidget(widget, 1, column++);
+        widget->hide();
+    }
+}
+
+void FindBar::MakeOptionsRow(QGridLayout& rows)
+{
+    auto* const row = new QHBoxLayout;
+    row->setSpacing(kSpacing);
+    for (auto* option : {matchCase_, wholeWords_, regularExpression_}) {
+        row->addWidget(option);
+    }
+    result_->setAccessibleName(tr("Search result"));
+    row->addWidget(result_, 1);
+    rows.addLayout(row, 2, 0, 1, rows.columnCount());
+}
+
+QWidget* FindBar::MakeCloseButton()
+{
     auto* close = new QToolButton;
     close->setText(QStringLiteral("×"));
     close->setAutoRaise(true);
@@ -101,34 +121,28 @@ QWidget* FindBar::MakeFindRow()
     close->setAccessibleName(tr("Close"));
     close->setToolTip(tr("Close (Esc)"));
     connect(close, &QToolButton::clicked, this, &FindBar::Close);
-    layout->addWidget(MakeLabel(tr("Fi&nd:"), searchText_));
-    layout->addWidget(searchText_, 1);
-    layout->addWidget(MakeButton(tr("Ne&xt"), this, &FindBar::FindNext));
-    layout->addWidget(MakeButton(tr("Previo&us"), this, &FindBar::FindPrevious));
-    for (auto* option : {matchCase_, wholeWords_, regularExpression_}) {
-        layout->addWidget(option);
-    }
-    layout->addWidget(message_);
-    layout->addWidget(close);
-    return row;
+    return close;
 }
 
-QWidget* FindBar::MakeReplaceRow()
+// Tab goes from one field to the other, and then to the buttons.
+void FindBar::SetTabOrder()
 {
-    auto* row = new QWidget;
-    auto* layout = MakeRowLayout(row);
-    replacement_->setAccessibleName(tr("Replace with"));
-    layout->addWidget(MakeLabel(tr("Replace w&ith:"), replacement_));
-    layout->addWidget(replacement_, 1);
-    layout->addWidget(MakeButton(tr("Rep&lace"), this, &FindBar::Replace));
-    layout->addWidget(MakeButton(tr("Replace &all"), this, &FindBar::ReplaceAll));
-    return row;
+    setTabOrder(searchText_, replacement_);
+    QWidget* last = replacement_;
+    for (auto* const button : findChildren<QAbstractButton*>()) {
+        setTabOrder(last, button);
+        last = button;
+    }
 }
 
 void FindBar::SetEditor(QsciScintilla* editor)
 {
+    if (editor_ == editor) {
+        return;
+    }
     editor_ = editor;
     ShowMessage({});
+    MarkMatches();
 }
 
 void FindBar::OpenForFind()
@@ -148,8 +162,11 @@ void FindBar::Open(bool replaces)
         searchText_->setText(selected);
     }
     ShowMessage({});
-    replaceRow_->setVisible(replaces);
+    for (auto* const widget : replaceRow_) {
+        widget->setVisible(replaces);
+    }
     show();
+    MarkMatches();
     searchText_->setFocus();
     searchText_->selectAll();
 }
@@ -157,6 +174,7 @@ void FindBar::Open(bool replaces)
 void FindBar::Close()
 {
     hide();
+    marker_->Clear();
     if (editor_) {
         editor_->setFocus();
     }
@@ -176,7 +194,26 @@ void FindBar::FindPrevious()
 // Starts at the selection's start, so that a match can grow with the search text.
 void FindBar::FindWhileTyping()
 {
+    MarkMatches();
     Find(Selection().start, true);
+}
+
+std::expected<TextSearch, QString> FindBar::MakeSearch() const
+{
+    return TextSearch::Make(searchText_->text(), {matchCase_->isChecked(), wholeWords_->isChecked(),
+                                                  regularExpression_->isChecked()});
+}
+
+// Marks the matches, unless the bar is hidden.
+void FindBar::MarkMatches()
+{
+    const auto search = MakeSearch();
+    if (editor_ && !isHidden() && search && !searchText_->text().isEmpty()) {
+        marker_->Show(*editor_, *search);
+    } else {
+        marker_->Clear();
+    }
+    ShowResult();
 }
 
 std::optional<TextSearch> FindBar::Search()
@@ -185,9 +222,7 @@ std::optional<TextSearch> FindBar::Search()
     if (!editor_ || searchText_->text().isEmpty()) {
         return std::nullopt;
     }
-    auto search = TextSearch::Make(
-        searchText_->text(),
-        {matchCase_->isChecked(), wholeWords_->isChecked(), regularExpression_->isChecked()});
+    auto search = MakeSearch();
     if (!search) {
         ShowMessage(search.error(), Kind::Error);
         return std::nullopt;
@@ -206,8 +241,8 @@ void FindBar::Find(qsizetype from, bool forward)
     if (forward && found && *found == FoundText{from, 0}) {
         found = search->FindFrom(text, from + 1);  // Do not find the same empty match again.
     }
-    const bool wraps = found && !*found;
-    if (wraps) {
+    hasWrapped_ = found && !*found;
+    if (hasWrapped_) {
         found = forward ? search->FindFrom(text, 0) : search->FindBefore(text, text.size() + 1);
     }
     if (!found || !*found) {
@@ -215,10 +250,8 @@ void FindBar::Find(qsizetype from, bool forward)
         show();
         return;
     }
-    if (wraps) {
-        ShowMessage(tr("The search wrapped around"));
-    }
     Select(*editor_, text, **found);
+    ShowResult();
 }
 
 FoundText FindBar::Selection() const
@@ -249,8 +282,8 @@ void FindBar::Replace()
     }
     const QString text = TextOf(*editor_);
     const auto selection = Selection();
-    if (const auto replacement =
-            search->Replacement(text, selection, replacement_->text(), LineEndingOf(*editor_))) {
+    if (const auto replacement = search->Replacement(text, selection, replacement_->text(),
+                                                     LineEndingOf(*editor_).characters)) {
         const long start = PositionOf(text, selection.start);
         const auto bytes = replacement->toUtf8();
         ReplaceBetween(*editor_, start, PositionOf(text, selection.start + selection.length),
@@ -267,7 +300,8 @@ void FindBar::ReplaceAll()
         return;
     }
     const QString text = TextOf(*editor_);
-    const auto replaced = search->ReplaceAll(text, replacement_->text(), LineEndingOf(*editor_));
+    const auto replaced =
+        search->ReplaceAll(text, replacement_->text(), LineEndingOf(*editor_).characters);
     if (!replaced) {
         ShowMessage(tr(kTooComplex), Kind::Error);
         return;
@@ -283,15 +317,44 @@ void FindBar::ReplaceAll()
                                      : tr("%1 matches replaced").arg(replaced->count));
 }
 
+// Another message, and the next search, replaces it.
 void FindBar::ShowMessage(const QString& text, Kind kind)
 {
+    message_ = text;
     kind_ = kind;
+    hasWrapped_ = false;
+    ShowResult();
+}
+
+void FindBar::ShowResult()
+{
+    if (message_.isEmpty() && marker_->IsBusy()) {
+        return;  // The old result remains for a moment, instead of nothing.
+    }
     QPalette colors = palette();
-    if (kind == Kind::Error) {
+    if (kind_ == Kind::Error) {
         colors.setColor(QPalette::WindowText, ColorsFor(colors).error);
     }
-    message_->setPalette(colors);
-    message_->setText(text);
+    result_->setPalette(colors);
+    QString text = message_.isEmpty() ? CountText() : message_;
+    if (message_.isEmpty() && hasWrapped_) {
+        text = text.isEmpty() ? tr("Wrapped around") : tr("%1, wrapped around").arg(text);
+    }
+    result_->setText(text);
+}
+
+QString FindBar::CountText() const
+{
+    const auto count = marker_->count();
+    if (!count || count->total == 0) {
+        return {};
+    }
+    const QString total = (count->isLimited ? tr("over %1") : QStringLiteral("%1"))
+                              .arg(QLocale().toString(static_cast<qulonglong>(count->total)));
+    if (count->selected == 0) {
+        return count->total == 1 ? tr("1 match") : tr("%1 matches").arg(total);
+    }
+    return tr("%1 of %2").arg(QLocale().toString(static_cast<qulonglong>(count->selected)), total);
 }
 
 void FindBar::keyPressEvent(QKeyEvent* event)
@@ -314,6 +377,7 @@ void FindBar::changeEvent(QEvent* event)
 {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::PaletteChange) {
-        ShowMessage(message_->text(), kind_);
+        marker_->Clear();
+        MarkMatches();
     }
 }

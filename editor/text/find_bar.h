@@ -5,12 +5,17 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <vector>
+
 class QCheckBox;
-class QLabel;
+class QGridLayout;
 class QLineEdit;
+class LineLabel;
+class MatchMarker;
 class QsciScintilla;
 
-// Finds and replaces text. Initially hidden. [ui]
+// Finds and replaces text. While it is visible, all matches are marked and counted. Initially
+// hidden. [ui]
 class FindBar final : public QWidget {
     Q_OBJECT
 
@@ -37,18 +42,25 @@ class FindBar final : public QWidget {
   private:
     enum class Kind { Normal, Error };
 
-    QWidget* MakeFindRow();
-    QWidget* MakeReplaceRow();
+    void MakeFindRow(QGridLayout& rows);
+    void MakeReplaceRow(QGridLayout& rows);
+    void MakeOptionsRow(QGridLayout& rows);
+    QWidget* MakeCloseButton();
+    void SetTabOrder();
     void Open(bool replaces);
     void Close();
     void FindWhileTyping();
     void Find(qsizetype from, bool forward);
     void Replace();
     void ReplaceAll();
+    std::expected<TextSearch, QString> MakeSearch() const;
     std::optional<TextSearch> Search();
     FoundText Selection() const;
     bool CanReplace();
     void ShowMessage(const QString& text, Kind kind = Kind::Normal);
+    void ShowResult();
+    void MarkMatches();
+    QString CountText() const;
 
     // Owned by their Qt parents.
     QLineEdit* searchText_;
@@ -56,8 +68,11 @@ class FindBar final : public QWidget {
     QCheckBox* matchCase_;
     QCheckBox* wholeWords_;
     QCheckBox* regularExpression_;
-    QLabel* message_;
-    QWidget* replaceRow_ = nullptr;
+    LineLabel* result_;
+    MatchMarker* marker_;
+    std::vector<QWidget*> replaceRow_;  // The widgets that are shown only for replacing.
     QPointer<QsciScintilla> editor_;
+    QString message_;  // Shown instead of the count.
     Kind kind_ = Kind::Normal;
+    bool hasWrapped_ = false;
 };

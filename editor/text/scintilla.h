@@ -6,5 +6,6 @@
 #include <Qsci/qscicommandset.h>
 #include <Qsci/qscilexerpython.h>
 #include <Qsci/qsciscintilla.h>
+#include <Qsci/qscistyle.h>
 #undef signals
 #undef slots

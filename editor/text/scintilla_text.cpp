@@ -49,7 +49,7 @@ void ReplaceBetween(QsciScintillaBase& editor, long start, long end, const QByte
 
 void SelectBetween(QsciScintillaBase& editor, long anchor, long caret)
 {
-    const long line = LineAt(editor, caret);
+    const long line = Send(editor, Sci::SCI_VISIBLEFROMDOCLINE, LineAt(editor, caret));
     const long visible = Send(editor, Sci::SCI_LINESONSCREEN);
     const long first = Send(editor, Sci::SCI_GETFIRSTVISIBLELINE);
     if (line < first || line >= first + visible) {

@@ -4,6 +4,7 @@
 #include "document_file.h"
 #include "dropped_files.h"
 #include "editor_style.h"
+#include "line_ending_table.h"
 #include "on_demand_accessibility.h"
 #include "python_lexer.h"
 #include "scintilla_text.h"
@@ -14,6 +15,8 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <set>
+#include <string_view>
 
 namespace {
 
@@ -24,17 +27,7 @@ constexpr int kPadding = 8;  // pixels
 
 QsciScintilla::EolMode ModeFor(const QString& text)
 {
-    switch (DominantLineEnding(text)) {
-        case LineEnding::Lf: return QsciScintilla::EolUnix;
-        case LineEnding::CrLf: return QsciScintilla::EolWindows;
-        case LineEnding::Cr: return QsciScintilla::EolMac;
-    }
-    return QsciScintilla::EolUnix;
-}
-
-char LastCharacterOfEol(QsciScintilla::EolMode mode)
-{
-    return mode == QsciScintilla::EolMac ? '\r' : '\n';
+    return RowOf(DominantLineEnding(text)).mode;
 }
 
 bool IsSpaceOrTab(char c)
@@ -45,6 +38,28 @@ bool IsSpaceOrTab(char c)
 long IndentLength(const QByteArray& line)
 {
     return std::find_if_not(line.begin(), line.end(), IsSpaceOrTab) - line.begin();
+}
+
+// The statements that end a block.
+const std::set<std::string_view> kLastStatements{"return", "pass", "break", "continue", "raise"};
+
+const std::set<long> kStylesOfLongStrings{
+    QsciLexerPython::TripleSingleQuotedString, QsciLexerPython::TripleDoubleQuotedString,
+    QsciLexerPython::TripleSingleQuotedFString, QsciLexerPython::TripleDoubleQuotedFString};
+
+std::string_view FirstWord(std::string_view code)
+{
+    const auto isLetter = [](char c) { return c >= 'a' && c <= 'z'; };
+    const auto end = std::ranges::find_if_not(code, isLetter);
+    return code.substr(0, static_cast<std::size_t>(end - code.begin()));
+}
+
+int DepthChange(char c)
+{
+    if (c == '(' || c == '[' || c == '{') {
+        return 1;
+    }
+    return c == ')' || c == ']' || c == '}' ? -1 : 0;
 }
 
 qsizetype DigitsOf(int lineCount)
@@ -223,6 +238,28 @@ void TextEditor::Comment(long position)
     }
 }
 
+bool TextEditor::canInsertFromMimeData(const QMimeData* source) const
+{
+    if (!QsciScintilla::canInsertFromMimeData(source)) {
+        return false;
+    }
+    const QString text = source->text();
+    if (!FirstTooLongLine(text)) {
+        return true;
+    }
+    Q_EMIT LongLineRefused(text);
+    return false;
+}
+
+void TextEditor::Insert(QString text)
+{
+    text.replace("\r\n", "\n").replace('\r', '\n').replace('\n', LineEndingOf(*this).characters);
+    const auto bytes = text.toUtf8();
+    const long start = Send(*this, SCI_GETSELECTIONSTART);
+    ReplaceBetween(*this, start, Send(*this, SCI_GETSELECTIONEND), bytes);
+    Send(*this, SCI_GOTOPOS, start + bytes.size());
+}
+
 void TextEditor::GoToLine(int line)
 {
     const long start = LineStart(*this, std::clamp(line, 1, lines()) - 1);
@@ -246,13 +283,15 @@ int TextEditor::CaretColumn() const
 void TextEditor::IndentNewLine(int character)
 {
     const long line = CaretLine() - 1;
-    if (character != LastCharacterOfEol(eolMode()) || line == 0) {
+    if (character != std::string_view(LineEndingOf(*this).characters).back() || line == 0) {
         return;
     }
-    const auto before = BytesBetween(*this, LineStart(*this, line - 1), LineEnd(*this, line - 1));
-    QByteArray indent = before.first(IndentLength(before));
+    const bool isAtEnd = LineStart(*this, line) == LineEnd(*this, line);
+    QByteArray indent = IndentOf(line - 1);
     if (OpensBlock(line - 1)) {
         indent.append(kIndent, ' ');
+    } else if (isAtEnd && EndsBlock(line - 1)) {
+        indent = IndentAround(line - 1);
     }
     const long caret = Send(*this, SCI_GETCURRENTPOS);
     ReplaceBetween(*this, caret, caret, indent);
@@ -266,7 +305,7 @@ bool TextEditor::OpensBlock(long line) const
     }
     const long start = LineStart(*this, line);
     long at = LineEnd(*this, line);
-    Send(*this, SCI_COLOURISE, Send(*this, SCI_GETENDSTYLED), at);
+    StyleUpTo(at);
     while (at > start) {
         --at;
         const auto c = static_cast<char>(Send(*this, SCI_GETCHARAT, at));
@@ -278,6 +317,57 @@ bool TextEditor::OpensBlock(long line) const
         }
     }
     return false;
+}
+
+// Whether the line is a whole statement after which Python does not continue the block.
+bool TextEditor::EndsBlock(long line) const
+{
+    const QByteArray indent = IndentOf(line);
+    const long start = LineStart(*this, line) + indent.size();
+    const long end = LineEnd(*this, line);
+    const QByteArray code = BytesBetween(*this, start, end);
+    const auto word = std::string_view(code.constData(), static_cast<std::size_t>(code.size()));
+    if (!isPython_ || indent.isEmpty() || !kLastStatements.contains(FirstWord(word))) {
+        return false;
+    }
+    StyleUpTo(end + 1);
+    int depth = 0;
+    for (long at = start; at < end; ++at) {
+        if (Send(*this, SCI_GETSTYLEAT, at) == QsciLexerPython::Operator) {
+            depth += DepthChange(code.at(at - start));
+        }
+    }
+    const bool continues = depth > 0 || code.endsWith('\\') ||
+                           kStylesOfLongStrings.contains(Send(*this, SCI_GETSTYLEAT, end));
+    return Send(*this, SCI_GETSTYLEAT, start) == QsciLexerPython::Keyword && !continues;
+}
+
+QByteArray TextEditor::IndentOf(long line) const
+{
+    const auto text = BytesBetween(*this, LineStart(*this, line), LineEnd(*this, line));
+    return text.first(IndentLength(text));
+}
+
+// The indentation of the nearest line above that is indented less: that of the enclosing block.
+QByteArray TextEditor::IndentAround(long line) const
+{
+    constexpr long kMaxDistance = 1000;  // lines
+    const auto inner = IndentOf(line).size();
+    for (long above = line - 1; above >= std::max(0L, line - kMaxDistance); --above) {
+        const QByteArray indent = IndentOf(above);
+        const auto first =
+            static_cast<char>(Send(*this, SCI_GETCHARAT, LineStart(*this, above) + indent.size()));
+        const bool isCode = first != '\n' && first != '\r' && first != '#';
+        if (isCode && indent.size() < inner) {
+            return indent;
+        }
+    }
+    return {};
+}
+
+void TextEditor::StyleUpTo(long position) const
+{
+    Send(*this, SCI_COLOURISE, Send(*this, SCI_GETENDSTYLED), position);
 }
 
 void TextEditor::changeEvent(QEvent* event)

@@ -34,6 +34,10 @@ class TextEditor final : public QsciScintilla {
     // Comments out the selected lines, or uncomments them if all are comments.
     void ToggleComment();
 
+    // Replaces the selection, also with a text that was refused. Its lines get the document's
+    // ending.
+    void Insert(QString text);
+
     // Moves the caret and the focus to a line, counted from 1, or to the nearest existing line.
     void GoToLine(int line);
 
@@ -44,10 +48,13 @@ class TextEditor final : public QsciScintilla {
   Q_SIGNALS:
     // The text is about to change.
     void Changing();
+    // This text was not pasted or dropped, because a line is too long to edit smoothly.
+    void LongLineRefused(const QString& text) const;
     // Full paths of local files and folders.
     void FilesDropped(const QStringList& paths);
 
   protected:
+    bool canInsertFromMimeData(const QMimeData* source) const override;
     void changeEvent(QEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dragMoveEvent(QDragMoveEvent* event) override;
@@ -61,6 +68,10 @@ class TextEditor final : public QsciScintilla {
     void UpdateNumberMargin();
     void IndentNewLine(int character);
     bool OpensBlock(long line) const;
+    bool EndsBlock(long line) const;
+    QByteArray IndentOf(long line) const;
+    QByteArray IndentAround(long line) const;
+    void StyleUpTo(long position) const;
     std::vector<long> SelectedLines() const;
     void Comment(long position);
 

@@ -62,6 +62,23 @@ std::expected<std::optional<FoundText>, MatchLimitExceeded> TextSearch::FindFrom
     return match.hasMatch() ? std::optional(RangeOf(match)) : std::nullopt;
 }
 
+PartSearch TextSearch::FindInPart(const QString& part, qsizetype start, bool isEnd) const
+{
+    const auto type =
+        isEnd ? QRegularExpression::NormalMatch : QRegularExpression::PartialPreferFirstMatch;
+    // Checking the encoding of the whole part for each match would take most of the time.
+    const auto match = pattern_.match(part, CharacterFrom(part, start), type,
+                                      QRegularExpression::DontCheckSubjectStringMatchOption);
+    if (!match.isValid()) {
+        return {PartSearch::LimitExceeded, {}};
+    }
+    if (match.hasPartialMatch()) {
+        return {PartSearch::Incomplete, RangeOf(match)};
+    }
+    return match.hasMatch() ? PartSearch{PartSearch::Found, RangeOf(match)}
+                            : PartSearch{PartSearch::NotFound, {}};
+}
+
 std::expected<std::optional<FoundText>, MatchLimitExceeded> TextSearch::FindBefore(
     const QString& text, qsizetype end) const
 {

@@ -30,6 +30,18 @@ struct ReplacedText {
 // The regular-expression engine gave up, because matching would take too long.
 struct MatchLimitExceeded {};
 
+// The result of searching a part of a text.
+struct PartSearch {
+    enum Kind {
+        Found,
+        NotFound,
+        Incomplete,  // What follows the part decides whether there is a match at `range.start`.
+        LimitExceeded,
+    };
+    Kind kind;
+    FoundText range;
+};
+
 // A compiled search pattern.
 class TextSearch {
   public:
@@ -40,6 +52,9 @@ class TextSearch {
     // The first match that starts at `start` or later.
     std::expected<std::optional<FoundText>, MatchLimitExceeded> FindFrom(const QString& text,
                                                                          qsizetype start) const;
+    // The first match at `start` or later in a part of a text. `isEnd` tells that no text follows.
+    // The part must be valid UTF-16.
+    PartSearch FindInPart(const QString& part, qsizetype start, bool isEnd) const;
     // The last match that starts before `end`.
     std::expected<std::optional<FoundText>, MatchLimitExceeded> FindBefore(const QString& text,
                                                                            qsizetype end) const;
@@ -51,6 +66,8 @@ class TextSearch {
     std::expected<ReplacedText, MatchLimitExceeded> ReplaceAll(const QString& text,
                                                                const QString& replacement,
                                                                const QString& lineEnding) const;
+
+    bool operator==(const TextSearch&) const = default;
 
   private:
     TextSearch(QRegularExpression pattern, bool isRegularExpression)

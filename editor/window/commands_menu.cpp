@@ -11,7 +11,7 @@ CommandsMenu::CommandsMenu(Shortcuts& shortcuts, QWidget* parent)
 void CommandsMenu::AddCommands(const std::vector<RegisteredCommand>& commands)
 {
     commands_ = commands;
-    auto* const end = actions().isEmpty() ? nullptr : insertSeparator(actions().constFirst());
+    auto* const end = actions().isEmpty() ? nullptr : actions().constFirst();
     for (const auto& command : commands_) {
         auto* const action = new QAction(CommandLabel(command), this);
         action->setStatusTip(QString::fromStdString(command.description));

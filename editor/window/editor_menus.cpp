@@ -4,9 +4,10 @@
 #include "board_monitor.h"
 #include "commands_menu.h"
 #include "document_tabs.h"
+#include "editor_style.h"
 #include "file_actions.h"
 #include "find_bar.h"
-#include "help_dialogs.h"
+#include "help_window.h"
 #include "message_area.h"
 #include "path_text.h"
 #include "plugin_actions.h"
@@ -16,6 +17,7 @@
 #include "worksheet.h"
 #include "worksheet_actions.h"
 
+#include <QActionGroup>
 #include <QDesktopServices>
 #include <QMainWindow>
 #include <QMenuBar>
@@ -115,16 +117,16 @@ void EditorMenus::MakeRecentMenu(QMenu* parent)
 void EditorMenus::MakeEditMenu()
 {
     auto* const menu = AddMenu(tr("&Edit"));
-    const auto add = [&](const QString& text, const char* keys, const char* slot) {
-        Add(menu, text, QKeySequence(keys), [this, slot] { parts_.texts.Edit(slot); });
+    const auto add = [&](const QString& text, const QKeySequence& keys, const char* slot) {
+        Add(menu, text, keys, [this, slot] { parts_.texts.Edit(slot); });
     };
-    add(tr("&Undo"), "Ctrl+Z", "undo");
-    add(tr("&Redo"), "Ctrl+Shift+Z", "redo");
+    add(tr("&Undo"), QKeySequence("Ctrl+Z"), "undo");
+    add(tr("&Redo"), kRedoKeys, "redo");
     menu->addSeparator();
-    add(tr("Cu&t"), "Ctrl+X", "cut");
-    add(tr("&Copy"), "Ctrl+C", "copy");
-    add(tr("&Paste"), "Ctrl+V", "paste");
-    add(tr("Select &All"), "Ctrl+A", "selectAll");
+    add(tr("Cu&t"), QKeySequence("Ctrl+X"), "cut");
+    add(tr("&Copy"), QKeySequence("Ctrl+C"), "copy");
+    add(tr("&Paste"), QKeySequence("Ctrl+V"), "paste");
+    add(tr("Select &All"), QKeySequence("Ctrl+A"), "selectAll");
     menu->addSeparator();
     AddForDocument(menu, tr("Toggle Co&mment"), QKeySequence("Ctrl+/"),
                    [](DocumentPage& page) { page.editor().ToggleComment(); });
@@ -182,12 +184,14 @@ void EditorMenus::AddTabActions(QMenu* menu)
 void EditorMenus::MakeAppearanceMenu(QMenu* parent)
 {
     auto* const menu = parent->addMenu(tr("&Appearance"));
+    auto* const choices = new QActionGroup(menu);  // Exclusive, so its items have radio marks.
     for (const auto& [text, wanted] :
          {std::pair(tr("&Follow System"), Appearance::System),
           std::pair(tr("&Light"), Appearance::Light), std::pair(tr("&Dark"), Appearance::Dark)}) {
         const auto appearance = wanted;
         auto* const action = Add(menu, text, {}, [appearance] { SetAppearance(appearance); });
         action->setCheckable(true);
+        choices->addAction(action);
         connect(menu, &QMenu::aboutToShow, action,
                 [action, appearance] { action->setChecked(CurrentAppearance() == appearance); });
     }
@@ -197,6 +201,8 @@ void EditorMenus::MakeCommandsMenu()
 {
     auto* const menu = commandsMenu_;
     parts_.window.menuBar()->addMenu(menu);
+    Add(menu, tr("S&tatus"), {}, [this] { parts_.commands.ShowStatus(); });
+    menu->addSeparator();
     Add(menu, tr("Show Command &Menu"), QKeySequence("Alt+Return"),
         [this] { Q_EMIT CommandMenuRequested(); });
     Add(menu, tr("&Device Window"), QKeySequence("F8"),
@@ -263,6 +269,11 @@ void EditorMenus::MakeWorksheetMenu()
     Add(menu, tr("&Previous Traceback Line"), QKeySequence("Shift+F4"),
         [&actions] { actions.GoToPreviousLink(); });
     menu->addSeparator();
+    auto* const wraps = Add(menu, tr("&Wrap Lines"), {}, [] {});
+    wraps->setCheckable(true);
+    connect(wraps, &QAction::toggled, &parts_.worksheet, &Worksheet::SetWraps);
+    connect(menu, &QMenu::aboutToShow, wraps,
+            [this, wraps] { wraps->setChecked(parts_.worksheet.wraps()); });
     Add(menu, tr("&Clear"), QKeySequence("Ctrl+Shift+K"), [this] { parts_.worksheet.ClearAll(); });
 }
 
@@ -294,6 +305,6 @@ void EditorMenus::ShowBoardFolder()
 void EditorMenus::MakeHelpMenu()
 {
     auto* const menu = AddMenu(tr("&Help"));
-    Add(menu, tr("&Plug-in Help"), QKeySequence("F1"), [this] { Q_EMIT PluginHelpRequested(); });
+    Add(menu, tr("&Quilp Help"), QKeySequence("F1"), [this] { Q_EMIT HelpRequested(); });
     Add(menu, tr("&About Quilp"), {}, [this] { ShowAbout(&parts_.window); });
 }

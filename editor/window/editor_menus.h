@@ -34,7 +34,7 @@ class EditorMenus final : public QObject {
 
   Q_SIGNALS:
     void CommandMenuRequested();
-    void PluginHelpRequested();
+    void HelpRequested();
 
   private:
     QMenu* AddMenu(const QString& title);

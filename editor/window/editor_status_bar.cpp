@@ -2,6 +2,7 @@
 
 #include "action_icons.h"
 #include "document_page.h"
+#include "line_ending_table.h"
 #include "text_editor.h"
 
 #include <QFileInfo>
@@ -19,15 +20,6 @@ QString EncodingName(TextEncoding encoding)
         case TextEncoding::Latin1: return "Latin-1";
     }
     return {};
-}
-
-QString LineEndingName(int mode)
-{
-    switch (mode) {
-        case QsciScintilla::EolWindows: return "CRLF";
-        case QsciScintilla::EolMac: return "CR";
-        default: return "LF";
-    }
 }
 
 QString FileName(const QString& path)
@@ -75,16 +67,20 @@ void EditorStatusBar::ShowDocument(DocumentPage* page)
     }
     const auto& editor = page->editor();
     position_->setText(tr("Ln %1, Col %2").arg(editor.CaretLine()).arg(editor.CaretColumn()));
-    format_->setText(EncodingName(page->document().encoding()) + "   " +
-                     LineEndingName(editor.eolMode()) + "   " +
-                     (editor.lexer() != nullptr ? "Python" : tr("Plain text")));
+    format_->setText(EncodingName(page->document().encoding()) + "   " + LineEndingOf(editor).name +
+                     "   " + (editor.lexer() != nullptr ? "Python" : tr("Plain text")));
 }
 
 void EditorStatusBar::ShowProject(const QString& folder, const QString& target)
 {
-    const QString project = folder.isEmpty() ? QString() : FileName(folder) + "   ";
-    target_->setText(project +
-                     (target.isEmpty() ? tr("No target") : tr("Target: %1").arg(FileName(target))));
+    QStringList parts;
+    if (!folder.isEmpty()) {
+        parts.append(FileName(folder));
+    }
+    if (!target.isEmpty()) {
+        parts.append(tr("Target: %1").arg(FileName(target)));
+    }
+    target_->setText(parts.join("   "));
     target_->setToolTip(target);
 }
 

@@ -8,7 +8,7 @@
 #include "editor_status_bar.h"
 #include "file_actions.h"
 #include "find_bar.h"
-#include "help_dialogs.h"
+#include "help_window.h"
 #include "message_area.h"
 #include "path_text.h"
 #include "plugin_actions.h"
@@ -21,8 +21,10 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
+#include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPointer>
 #include <QScreen>
 #include <QSplitter>
 #include <QVBoxLayout>
@@ -106,8 +108,7 @@ void MainWindow::MakeCentralWidget(const std::string& recoveryRoot)
     splitter_->setChildrenCollapsible(false);
     splitter_->addWidget(documents);
     splitter_->addWidget(worksheet_);
-    splitter_->setStretchFactor(0, 1);
-    splitter_->setSizes({500, 190});
+    splitter_->setSizes({500, 190});  // They keep this ratio in a window of any size.
     setCentralWidget(splitter_);
 }
 
@@ -152,13 +153,14 @@ void MainWindow::ConnectParts()
     connect(&menus_->commandsMenu(), &CommandsMenu::Chosen, commands_, &PluginActions::Perform);
     connect(menus_, &EditorMenus::CommandMenuRequested, this,
             [this] { commands_->OpenPopUp(toolBar_->FirstControl()); });
-    connect(menus_, &EditorMenus::PluginHelpRequested, this, &MainWindow::ShowPluginHelp);
+    connect(menus_, &EditorMenus::HelpRequested, this, &MainWindow::ShowHelp);
     connect(toolBar_, &ControlToolBar::ControlPressed, commands_, &PluginActions::PressControl);
     connect(toolBar_, &ControlToolBar::MenuRequested, commands_, &PluginActions::OpenPopUp);
     connect(&diskTimer_, &QTimer::timeout, this, &MainWindow::CheckDisk);
     diskTimer_.start(kDiskCheckInterval);
     controlsTimer_.setSingleShot(true);
     connect(&controlsTimer_, &QTimer::timeout, this, &MainWindow::ShowControls);
+    runtime_.handlers.idle = [this] { worksheet_->EndOutput(); };
     runtime_.handlers.windowClosed = [this] { SavePluginSettings(); };
     status_->ShowBoard(board_->board());
 }
@@ -228,8 +230,21 @@ void MainWindow::ConnectFront()
     auto& editor = tabs_->FrontPage()->editor();
     connect(&editor, &QsciScintilla::cursorPositionChanged, this, &MainWindow::ShowPosition,
             Qt::UniqueConnection);
+    connect(&editor, &TextEditor::LongLineRefused, this, &MainWindow::OfferLongLine,
+            Qt::UniqueConnection);
     connect(&editor, &QsciScintilla::SCN_ZOOM, texts_, &TextActions::AdoptZoom,
             Qt::UniqueConnection);
+}
+
+void MainWindow::OfferLongLine(const QString& text)
+{
+    const QPointer editor(&tabs_->FrontPage()->editor());
+    messages_->OfferLongLineText([editor, text] {
+        if (editor) {
+            editor->Insert(text);
+            editor->setFocus();
+        }
+    });
 }
 
 void MainWindow::ShowPosition()
@@ -253,11 +268,12 @@ void MainWindow::ShowControls()
     progress_->SetRunnable(QString::fromStdString(host_.Runnable().name()));
 }
 
-void MainWindow::ShowPluginHelp()
+void MainWindow::ShowHelp()
 {
     QString text;
     Runtime::Protect([&] { text = QString::fromStdString(plugin_.Help()); });
-    ::ShowPluginHelp(this, text);
+    help_ = help_ != nullptr ? help_ : new HelpWindow(this);
+    help_->Open(*menuBar(), text);
 }
 
 // Does nothing while the window is inactive or a dialog or menu is open.

@@ -21,6 +21,7 @@ class EditorMenus;
 class EditorStatusBar;
 class FileActions;
 class FindBar;
+class HelpWindow;
 class MessageArea;
 class PluginActions;
 class QSplitter;
@@ -82,10 +83,11 @@ class MainWindow final : public QMainWindow {
     void ShowFront();
     void ConnectFront();
     void ShowPosition();
+    void OfferLongLine(const QString& text);
     void ShowProject();
     void ShowControls();
     void UpdateControls() { controlsTimer_.start(0); }
-    void ShowPluginHelp();
+    void ShowHelp();
     void CheckDisk();
     void SavePluginSettings();
     QStringList SaveEverything();
@@ -117,4 +119,5 @@ class MainWindow final : public QMainWindow {
     EditorMenus* menus_ = nullptr;
     ControlToolBar* toolBar_ = nullptr;
     EditorStatusBar* status_ = nullptr;
+    HelpWindow* help_ = nullptr;  // Null until it is needed.
 };

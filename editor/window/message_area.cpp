@@ -17,13 +17,13 @@ MessageArea::MessageArea(QWidget* parent)
     : QWidget(parent),
       recovery_(new MessageBar(this)),
       messages_(new MessageBar(this)),
-      longLineFile_(new MessageBar(this)),
+      longLine_(new MessageBar(this)),
       upload_(new MessageBar(this))
 {
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
-    for (auto* const bar : {recovery_, messages_, longLineFile_, upload_}) {
+    for (auto* const bar : {recovery_, messages_, longLine_, upload_}) {
         column->addWidget(bar);
     }
 }
@@ -49,7 +49,7 @@ void MessageArea::OfferRecovery(const QStringList& names, const std::function<vo
 void MessageArea::OfferLongLineFile(const QString& path, qint64 line,
                                     const std::function<void(const QString& path)>& open)
 {
-    if (!longLineFile_->IsShowing()) {
+    if (!longLine_->IsShowing()) {
         longLineFiles_.clear();
     }
     longLineFiles_.removeAll(path);
@@ -63,7 +63,7 @@ void MessageArea::OfferLongLineFile(const QString& path, qint64 line,
             : tr("These files have lines that are too long to edit smoothly: %1.")
                   .arg(longLineFiles_.join(", "));
     const auto openAll = [files = longLineFiles_, open] { std::ranges::for_each(files, open); };
-    longLineFile_->ShowMessage(text, {{tr("Open Anyway"), openAll}, {tr("Do Not Open"), [] {}}});
+    longLine_->ShowMessage(text, {{tr("Open Anyway"), openAll}, {tr("Do Not Open"), [] {}}});
 }
 
 void MessageArea::OfferUpload(const QString& message, const std::function<void()>& uploadAgain)
@@ -76,9 +76,17 @@ void MessageArea::WithdrawUpload()
     upload_->hide();
 }
 
+void MessageArea::OfferLongLineText(const std::function<void()>& insert)
+{
+    longLineFiles_.clear();
+    longLine_->ShowMessage(tr("The text has a line that is too long to edit smoothly: the editor "
+                              "would pause at each keystroke."),
+                           {{tr("Insert Anyway"), insert}, {tr("Do Not Insert"), [] {}}});
+}
+
 void MessageArea::FocusMessage()
 {
-    for (const auto* const bar : {recovery_, messages_, longLineFile_, upload_}) {
+    for (const auto* const bar : {recovery_, messages_, longLine_, upload_}) {
         if (bar->isVisible()) {
             bar->findChild<QPushButton*>()->setFocus();
             return;

@@ -31,6 +31,9 @@ class MessageArea final : public QWidget {
     void OfferUpload(const QString& message, const std::function<void()>& uploadAgain);
     void WithdrawUpload();
 
+    // Asks whether to insert a text with such a line.
+    void OfferLongLineText(const std::function<void()>& insert);
+
     // Moves the focus to the first message, if there is one.
     void FocusMessage();
 
@@ -38,7 +41,7 @@ class MessageArea final : public QWidget {
     // Owned by their Qt parents.
     MessageBar* recovery_;
     MessageBar* messages_;
-    MessageBar* longLineFile_;
+    MessageBar* longLine_;
     MessageBar* upload_;
     QStringList longLineFiles_;  // Those in the question.
 };

@@ -6,6 +6,7 @@
 #include "source_link.h"
 
 #include <QKeyEvent>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <utility>
@@ -15,13 +16,30 @@ namespace {
 constexpr std::size_t kChunkSize = 65'536;      // bytes a turn
 constexpr std::size_t kMaxPending = 8'388'608;  // bytes
 // Removing lines moves the whole text, so many are removed at once.
-constexpr int kLinesAfterDrop = 95'000;
-constexpr long kBytesAfterDrop = Worksheet::kMaxBytes / 16 * 15;
+constexpr int kLinesAfterDrop = Worksheet::kMaxLines - Worksheet::kMaxLines / 20;
+constexpr long kBytesAfterDrop = Worksheet::kMaxBytes - Worksheet::kMaxBytes / 16;
 constexpr std::string_view kTraceback = "Traceback (most recent call last):";
 constexpr int kLinkIndicator = 8;
 constexpr int kChosenMarker = 1;
 constexpr int kMargin = 1;
 constexpr int kMarginWidth = 8;  // pixels
+
+// The numbers of styles: 0 for plain text, then two for each colour, one of them bold. The smaller
+// numbers are Scintilla's own.
+constexpr int kFirstStyle = 40;
+constexpr int kTracebackStyle = kFirstStyle + 2 * (TextStyle::kColors + 1);
+
+int NumberOf(const TextStyle& style)
+{
+    return style == TextStyle() ? 0 : kFirstStyle + 2 * (style.color + 1) + (style.isBold ? 1 : 0);
+}
+
+// Whether the line, perhaps not complete yet, names an exception, as the last one of a traceback.
+bool NamesException(const QByteArray& line)
+{
+    static const QRegularExpression name(R"(^[A-Za-z_][\w.]*(:|$))");
+    return name.match(QString::fromUtf8(line)).hasMatch();
+}
 
 // Disables notifications, undo and read-only mode. Without notifications, appending a million lines
 // takes seconds instead of minutes.
@@ -51,11 +69,34 @@ class NotificationBlocker {
     long mask_;
 };
 
+// The number of lines on the screen that the whole text takes.
+long DisplayedLines(const QsciScintilla& editor)
+{
+    const long last = Send(editor, QsciScintilla::SCI_GETLINECOUNT) - 1;
+    return Send(editor, QsciScintilla::SCI_VISIBLEFROMDOCLINE, last) +
+           Send(editor, QsciScintilla::SCI_WRAPCOUNT, last);
+}
+
 bool IsEndInSight(const QsciScintilla& editor)
 {
     return Send(editor, QsciScintilla::SCI_GETFIRSTVISIBLELINE) +
                Send(editor, QsciScintilla::SCI_LINESONSCREEN) >=
-           Send(editor, QsciScintilla::SCI_GETLINECOUNT);
+           DisplayedLines(editor);
+}
+
+void ShowEnd(const QsciScintilla& editor)
+{
+    if (editor.wrapMode() != QsciScintilla::WrapNone) {
+        // Wraps the new lines, which Scintilla would do later.
+        Send(editor, QsciScintilla::SCI_ENSUREVISIBLE, editor.lines() - 1);
+    }
+    Send(editor, QsciScintilla::SCI_SETFIRSTVISIBLELINE, DisplayedLines(editor));
+}
+
+void SetStyle(const QsciScintilla& editor, long start, long end, int style)
+{
+    Send(editor, QsciScintilla::SCI_STARTSTYLING, start);
+    Send(editor, QsciScintilla::SCI_SETSTYLING, end - start, style);
 }
 
 bool IsRunChord(const QKeyEvent& event)
@@ -73,6 +114,7 @@ Worksheet::Worksheet(QWidget* parent) : QsciScintilla(parent)
     setMarginMarkerMask(kMargin, 0);
     setMarginWidth(kMargin, kMarginWidth);
     SetUpLinks();
+    ApplyColors();
     appendTimer_.setSingleShot(true);
     connect(&appendTimer_, &QTimer::timeout, this, &Worksheet::AppendChunk);
     markTimer_.setSingleShot(true);
@@ -84,7 +126,6 @@ void Worksheet::SetUpLinks()
     Send(*this, SCI_MARKERDEFINE, kChosenMarker, SC_MARK_EMPTY);
     indicatorDefine(PlainIndicator, kLinkIndicator);
     setIndicatorHoverStyle(TextColorIndicator, kLinkIndicator);  // Also shows the hand cursor.
-    ApplyLinkStyle();
     connect(this, &QsciScintillaBase::SCN_MODIFIED, this,
             [this](int position, int type, const char*, int length) {
                 RecordChange(position, type, length);
@@ -93,11 +134,33 @@ void Worksheet::SetUpLinks()
             [this](int position) { Click(position); });
 }
 
-void Worksheet::ApplyLinkStyle()
+void Worksheet::ApplyColors()
 {
-    const QColor link = ColorsFor(palette()).link;
-    setIndicatorForegroundColor(link, kLinkIndicator);
-    setIndicatorHoverForegroundColor(link, kLinkIndicator);
+    const auto& colors = ColorsFor(palette());
+    setIndicatorForegroundColor(colors.link, kLinkIndicator);
+    setIndicatorHoverForegroundColor(colors.link, kLinkIndicator);
+    const auto apply = [this](int style, const QColor& color, bool isBold) {
+        QFont font = EditorFont();
+        font.setBold(isBold);
+        QsciStyle(style, {}, color, palette().color(QPalette::Base), font).apply(this);
+    };
+    for (int color = -1; color < TextStyle::kColors; ++color) {
+        for (const bool isBold : {false, true}) {
+            const QColor plain = palette().color(QPalette::Text);
+            apply(NumberOf({color, isBold}),
+                  color < 0 ? plain : colors.output.at(static_cast<std::size_t>(color)), isBold);
+        }
+    }
+    apply(kTracebackStyle, colors.error, false);
+}
+
+void Worksheet::SetWraps(bool wraps)
+{
+    const bool follows = IsEndInSight(*this);
+    setWrapMode(wraps ? WrapCharacter : WrapNone);
+    if (follows) {
+        ShowEnd(*this);
+    }
 }
 
 void Worksheet::Append(std::string_view utf8)
@@ -148,15 +211,78 @@ void Worksheet::Apply(const OutputChange& change)
     const long oldEnd = Length(*this);
     const auto bytes = change.text.toUtf8();
     SendScintilla(SCI_APPENDTEXT, static_cast<unsigned long>(bytes.size()), bytes.constData());
+    SetStyles(change, oldEnd);
     MarkLinks(lastLine, Length(*this));
+    ColorTracebacks(lastLine);
     if (FirstLinkFrom(oldEnd)) {
         // The next search starts at the new links.
         Send(*this, SCI_MARKERDELETEHANDLE, std::exchange(chosen_, -1));
     }
     DropOldLines();
     if (follows) {
-        Send(*this, SCI_SETFIRSTVISIBLELINE, lines());
+        ShowEnd(*this);
     }
+}
+
+void Worksheet::EndOutput()
+{
+    Append("\x1b[m");
+}
+
+// Sets the styles of output that was appended at a position.
+void Worksheet::SetStyles(const OutputChange& change, long position)
+{
+    qsizetype units = 0;
+    const auto advance = [&](qsizetype to) {
+        position += QStringView(change.text).sliced(units, to - units).toUtf8().size();
+        units = to;
+        return position;
+    };
+    for (std::size_t i = 0; i < change.parts.size(); ++i) {
+        const bool isLast = i + 1 == change.parts.size();
+        const long start = advance(change.parts[i].start);
+        const long end = advance(isLast ? change.text.size() : change.parts[i + 1].start);
+        SetStyle(*this, start, end, NumberOf(change.parts[i].style));
+    }
+}
+
+// Colours the tracebacks from the start of a line to the end of the text.
+void Worksheet::ColorTracebacks(long start)
+{
+    const auto bytes = BytesBetween(*this, start, Length(*this));
+    const QByteArrayView heading(kTraceback.data(), static_cast<qsizetype>(kTraceback.size()));
+    for (long line = LineAt(*this, start); line < lines(); ++line) {
+        if (!IsInTraceback(line)) {
+            if (Send(*this, SCI_GETSTYLEAT, LineStart(*this, line)) == kTracebackStyle) {
+                SetStyle(*this, LineStart(*this, line), LineEnd(*this, line), 0);
+            }
+            const auto found = bytes.indexOf(heading, LineStart(*this, line) - start);
+            if (found < 0) {
+                return;
+            }
+            line = LineAt(*this, start + found);
+        }
+        SetStyle(*this, LineStart(*this, line), LineEnd(*this, line), kTracebackStyle);
+    }
+}
+
+// A traceback is a heading, indented lines, and the name of an exception.
+bool Worksheet::IsInTraceback(long line) const
+{
+    const auto text = [this](long number) {
+        return BytesBetween(*this, LineStart(*this, number), LineEnd(*this, number));
+    };
+    const auto isInside = [](const QByteArray& bytes) {
+        return bytes.startsWith(' ') || bytes.contains(kTraceback.data());
+    };
+    const auto current = text(line);
+    if (current.contains(kTraceback.data())) {
+        return true;
+    }
+    const bool follows =
+        line > 0 && Send(*this, SCI_GETSTYLEAT, LineStart(*this, line - 1)) == kTracebackStyle &&
+        isInside(text(line - 1));
+    return follows && (current.startsWith(' ') || NamesException(current));
 }
 
 void Worksheet::DropOldLines()
@@ -187,8 +313,9 @@ void Worksheet::SetContent(const QString& text)
     const NotificationBlocker blocker(*this);
     ReplaceBetween(*this, 0, 0, text.toUtf8());
     MarkLinks(0, Length(*this));
+    ColorTracebacks(0);
     DropOldLines();
-    Send(*this, SCI_SETFIRSTVISIBLELINE, lines());
+    ShowEnd(*this);
 }
 
 void Worksheet::ClearAll()
@@ -323,11 +450,40 @@ bool Worksheet::ChooseLinkAt(long position)
     return true;
 }
 
+QByteArray Worksheet::fromMimeData(const QMimeData* source, bool& rectangular) const
+{
+    const auto bytes = QsciScintilla::fromMimeData(source, rectangular);
+    if (bytes.size() <= OutputText::kMaxLineLength) {
+        return bytes;
+    }
+    QString text;
+    for (QString line : QString::fromUtf8(bytes).split('\n')) {
+        while (line.size() > OutputText::kMaxLineLength) {
+            const bool dividesPair = line[OutputText::kMaxLineLength].isLowSurrogate();
+            const auto length = OutputText::kMaxLineLength - (dividesPair ? 1 : 0);
+            text += line.first(length) + '\n';
+            line.remove(0, length);
+        }
+        text += line + '\n';
+    }
+    text.chop(1);
+    return text.toUtf8();
+}
+
 void Worksheet::Click(int position)
 {
     // Dragging over a link selects its text.
     if (!hasSelectedText()) {
-        ChooseLinkAt(position);
+        clicked_ = position;
+    }
+}
+
+// Scintilla reports the click before it changes the selection.
+void Worksheet::mouseReleaseEvent(QMouseEvent* event)
+{
+    QsciScintilla::mouseReleaseEvent(event);
+    if (const auto position = std::exchange(clicked_, std::nullopt)) {
+        ChooseLinkAt(*position);
     }
 }
 
@@ -369,6 +525,6 @@ void Worksheet::changeEvent(QEvent* event)
     QsciScintilla::changeEvent(event);
     if (event->type() == QEvent::PaletteChange) {
         ApplyStyle(*this);
-        ApplyLinkStyle();
+        ApplyColors();
     }
 }

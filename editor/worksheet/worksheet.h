@@ -10,7 +10,8 @@
 #include <string>
 #include <string_view>
 
-// An editable text to which the output of programs is appended. [ui]
+// An editable text to which the output of programs is appended, with its colours. Tracebacks are
+// shown in the colour of errors. Very long lines are split, also in text that is pasted. [ui]
 class Worksheet final : public QsciScintilla {
     Q_OBJECT
 
@@ -26,6 +27,13 @@ class Worksheet final : public QsciScintilla {
     // is visible; the caret and the selection do not move. Undo does not revert output, nor changes
     // made before output erased a line.
     void Append(std::string_view utf8);
+
+    // A program has ended: its colours, or its unfinished control sequence, end as well.
+    void EndOutput();
+
+    // Whether lines that are wider than the view are continued on the next one.
+    bool wraps() const { return wrapMode() != WrapNone; }
+    void SetWraps(bool wraps);
 
     // The whole text, including pending output.
     QString Content();
@@ -48,9 +56,11 @@ class Worksheet final : public QsciScintilla {
     void RunRequested(const QString& text);
 
   protected:
+    QByteArray fromMimeData(const QMimeData* source, bool& rectangular) const override;
     bool event(QEvent* event) override;
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
 
   private:
     // The number of unchanged bytes at the start and at the end.
@@ -59,7 +69,10 @@ class Worksheet final : public QsciScintilla {
     };
 
     void SetUpLinks();
-    void ApplyLinkStyle();
+    void ApplyColors();
+    void SetStyles(const OutputChange& change, long position);
+    void ColorTracebacks(long start);
+    bool IsInTraceback(long line) const;
     void AppendChunk();
     void AppendPending();
     void Apply(const OutputChange& change);
@@ -79,5 +92,6 @@ class Worksheet final : public QsciScintilla {
     QTimer appendTimer_;
     QTimer markTimer_;
     std::optional<Unchanged> unchanged_;  // Until the links in the user's changes are marked.
+    std::optional<long> clicked_;         // The position of a link, until the button is released.
     long chosen_ = -1;                    // The handle of the marker on the chosen line.
 };

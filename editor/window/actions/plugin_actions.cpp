@@ -82,6 +82,13 @@ void PluginActions::OpenPopUp(const QWidget& control)
         });
 }
 
+void PluginActions::ShowStatus()
+{
+    if (!host_.Perform(*FindCommandByBatchName("status"))) {
+        messages_.Report(tr("The plug-in cannot show the status."));
+    }
+}
+
 void PluginActions::OpenDeviceWindow()
 {
     if (!host_.PerformFromMenu(std::string(kOpenDeviceWindow))) {

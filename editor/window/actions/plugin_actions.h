@@ -26,6 +26,8 @@ class PluginActions final : public QObject {
     void PressControl();
     // Opens the plug-in's menu below the control.
     void OpenPopUp(const QWidget& control);
+    // Shows the attached boards in the worksheet.
+    void ShowStatus();
     void OpenDeviceWindow();
 
   private:

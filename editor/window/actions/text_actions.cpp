@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QInputDialog>
+#include <QLineEdit>
 #include <QSplitter>
 
 #include <algorithm>
@@ -33,12 +34,16 @@ bool TextActions::IsFindBarFocused() const
     return focused != nullptr && findBar_.isAncestorOf(focused);
 }
 
-// QLineEdit and QsciScintilla have slots of the same names.
+// QLineEdit and QsciScintilla have slots of the same names. While a button of the find bar has the
+// focus, the action is for the text that the bar searches.
 void TextActions::Edit(const char* slot)
 {
-    auto* const target = IsFindBarFocused() ? QApplication::focusWidget() : FocusedText();
-    if (target != nullptr &&
-        target->metaObject()->indexOfSlot(QByteArray(slot).append("()").constData()) >= 0) {
+    QWidget* target = FocusedText();
+    if (IsFindBarFocused()) {
+        target = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+        target = target != nullptr ? target : findBar_.editor();
+    }
+    if (target != nullptr) {
         QMetaObject::invokeMethod(target, slot);
     }
 }

@@ -27,6 +27,7 @@ Session Read(QSettings& settings)
     session.target = PathFromStored(settings.value("session/target").toString());
     session.zoom = std::clamp(settings.value(kRequiredKey, 0).toInt(), kMinZoom, kMaxZoom);
     session.savesBeforeCommands = settings.value("editor/savesBeforeCommands", true).toBool();
+    session.wrapsWorksheet = settings.value("editor/wrapsWorksheet", false).toBool();
     session.appearance =
         ParseAppearance(settings.value("editor/appearance").toString().toStdString())
             .value_or(Appearance::System);
@@ -75,6 +76,7 @@ std::expected<void, std::string> SaveSession(const std::string& path, const Sess
     settings.setValue("session/target", PathToStored(session.target));
     settings.setValue(kRequiredKey, session.zoom);
     settings.setValue("editor/savesBeforeCommands", session.savesBeforeCommands);
+    settings.setValue("editor/wrapsWorksheet", session.wrapsWorksheet);
     settings.setValue("editor/appearance",
                       QString::fromStdString(AppearanceName(session.appearance)));
     shortcuts.Save(settings);

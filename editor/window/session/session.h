@@ -27,6 +27,7 @@ struct Session {
     QString target;
     int zoom = 0;
     bool savesBeforeCommands = true;
+    bool wrapsWorksheet = false;
     Appearance appearance = Appearance::System;
 
     bool operator==(const Session&) const = default;

@@ -56,6 +56,7 @@ void SessionKeeper::Restore()
     parts_.files.SetRecent(last_.recent);
     parts_.texts.ZoomTo(last_.zoom);
     parts_.commands.SetSavesFirst(last_.savesBeforeCommands);
+    parts_.worksheet.SetWraps(last_.wrapsWorksheet);
     RestoreWorksheet();
     isSheetEdited_ = false;
     savedLength_ = lastLength_ = Length(parts_.worksheet);
@@ -111,6 +112,7 @@ Session SessionKeeper::Current() const
         .target = parts_.project.target(),
         .zoom = parts_.texts.zoom(),
         .savesBeforeCommands = parts_.commands.savesFirst(),
+        .wrapsWorksheet = parts_.worksheet.wraps(),
         .appearance = CurrentAppearance(),
     };
 }

@@ -76,7 +76,7 @@ class FindBarTest : public testing::Test {
                 Press(QString::fromStdString(step.act));
             }
             EXPECT_EQ(selection(), step.selection);
-            EXPECT_EQ(message(), step.message);
+            EXPECT_TRUE(WaitUntil([&] { return message() == step.message; })) << message();
         }
     }
 
@@ -85,30 +85,86 @@ class FindBarTest : public testing::Test {
     FindBar* bar = new FindBar;
 };
 
-constexpr const char* kWrapped = "The search wrapped around";
-
 }  // namespace
 
 TEST_F(FindBarTest, TypingAndReturnFindAndWrapAround)
 {
-    Search("😀 one two One\nONE twone", {{"=one", "5-8"},
-                                        {"Return", "13-16"},
-                                        {"Previous", "5-8"},
-                                        {"Previous", "23-26", kWrapped},
-                                        {"Return", "5-8", kWrapped},
-                                        {"Match case", "5-8"},
-                                        {"Return", "23-26"},
-                                        {"Whole words", "5-8", kWrapped},
+    Search("😀 one two One\nONE twone", {{"=one", "5-8", "1 of 4"},
+                                        {"Return", "13-16", "2 of 4"},
+                                        {"Previous", "5-8", "1 of 4"},
+                                        {"Previous", "23-26", "4 of 4, wrapped around"},
+                                        {"Return", "5-8", "1 of 4, wrapped around"},
+                                        {"Match case", "5-8", "1 of 2"},
+                                        {"Return", "23-26", "2 of 2"},
+                                        {"Whole words", "5-8", "1 of 1, wrapped around"},
                                         {"=onex", "5-8", "No match"}});
+}
+
+TEST_F(FindBarTest, AllMatchesOfALargeTextAreMarkedAndCountedInParts)
+{
+    const auto isMarked = [&](long at) {
+        constexpr int kIndicator = 9;
+        return Send(*editor, QsciScintilla::SCI_INDICATORVALUEAT, kIndicator, at) != 0;
+    };
+    const auto shows = [&](const std::string& text) {
+        EXPECT_TRUE(WaitUntil([&] { return message() == text; })) << message();
+    };
+    QString text;
+    for (int i = 0; i < 700'000; ++i) {
+        text += QString::number(i) + "é\n";
+    }
+    editor->setText(text);
+    bar->OpenForFind();
+    Press("Regular expression");
+    words()->insert("7é\\n");  // Some matches are divided by the end of a part.
+    EXPECT_EQ(message(), "") << "one turn searched everything";
+    shows("1 of 70,000");
+    EXPECT_TRUE(isMarked(Length(*editor) - 22) && !isMarked(Length(*editor) - 18));
+    editor->setCursorPosition(0, 0);
+    editor->insert("7é\n");
+    shows("70,001 matches");
+    bar->OpenForFind();
+    words()->insert("(?s)^7é.*699999");  // Does not fit into a part.
+    shows("1 of 1");
+    words()->selectAll();
+    words()->insert("[0-9]");
+    shows("1 of over 100,000");
+    QTest::keyClick(words(), Qt::Key_Escape);
+    EXPECT_FALSE(isMarked(1)) << "the bar is closed";
+}
+
+TEST_F(FindBarTest, TabGoesToTheReplacementAndAResultMovesNothing)
+{
+    window.resize(500, 300);
+    bar->OpenForReplace();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(window.width(), 500) << "the bar does not fit";
+    auto* const replacement = Named<QLineEdit>("Replace with");
+    QTest::keyClick(words(), Qt::Key_Tab);
+    EXPECT_TRUE(replacement->hasFocus());
+    EXPECT_EQ(words()->x(), replacement->x());
+    EXPECT_GT(words()->width(), 100);
+    const QRect before = words()->geometry();
+    Press("Regular expression");
+    words()->setText("(");
+    Press("Next");
+    ASSERT_NE(message(), "");
+    QCoreApplication::processEvents();
+    EXPECT_EQ(words()->geometry(), before);
+    EXPECT_EQ(window.width(), 500);
 }
 
 TEST_F(FindBarTest, RegularExpressionsAndTheirEmptyMatchesAreFound)
 {
-    Search("aab a.b\r\nÄb", {{"=a.b", "4-7"}, {"=äb", "9-12"}});
+    Search("aab a.b\r\nÄb", {{"=a.b", "4-7", "1 of 1"}, {"=äb", "9-12", "1 of 1"}});
     Press("Regular expression");
-    Search("aab a.b\r\nÄb", {{"=a.b", "0-3"}, {"=b$", "6-7"}});
-    Search("a\nb\nc", {{"=^", "2-2"}, {"Next", "4-4"}, {"Previous", "2-2"}, {"Previous", "0-0"}});
-    Search("😀b", {{"=(?=.)", "4-4"}, {"Next", "0-0", kWrapped}});  // Not inside a character.
+    Search("aab a.b\r\nÄb", {{"=a.b", "0-3", "1 of 2"}, {"=b$", "6-7", "1 of 2"}});
+    Search("a\nb\nc", {{"=^", "2-2", "2 of 3"},
+                       {"Next", "4-4", "3 of 3"},
+                       {"Previous", "2-2", "2 of 3"},
+                       {"Previous", "0-0", "1 of 3"}});
+    Search("😀b", {{"=(?=.)", "4-4", "2 of 2"},
+                  {"Next", "0-0", "1 of 2, wrapped around"}});  // Not inside a character.
 }
 
 TEST_F(FindBarTest, AnExpressionThatFailsIsReportedAndChangesNothing)
@@ -186,7 +242,7 @@ TEST_F(FindBarTest, ReplaceChangesTheSelectedMatchAndFindsTheNext)
 
 TEST_F(FindBarTest, FindNextWorksWhileTheBarIsClosed)
 {
-    Search("one two one", {{"=one", "0-3"}});
+    Search("one two one", {{"=one", "0-3", "1 of 2"}});
     QTest::keyClick(words(), Qt::Key_Escape);
     EXPECT_TRUE(editor->hasFocus());
     bar->FindNext();

@@ -23,7 +23,9 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTest>
+#include <QTextBrowser>
 #include <QToolButton>
 
 #include <fcntl.h>
@@ -345,6 +347,12 @@ TEST_F(EditorWindow, ChangesShortcutsButRefusesConflicts)
     });
     Action("Shortcuts…")->trigger();
     EXPECT_EQ(Action("Run")->shortcut(), QKeySequence("Ctrl+R"));
+    Press(Qt::Key_F1);
+    const QString help = window().findChild<QTextBrowser*>()->toPlainText();
+    for (const char* row :
+         {"Run\\s+Ctrl\\+R\n", "Run Line or Selection\\s+Ctrl\\+Return\n", "WIP"}) {
+        EXPECT_TRUE(help.contains(QRegularExpression(row))) << row;
+    }
     Close();
     Start();
     EXPECT_EQ(Action("Run")->shortcut(), QKeySequence("Ctrl+R"));
@@ -606,6 +614,16 @@ TEST_F(EditorWindow, RestoresTheLastSession)
     EXPECT_EQ(DeviceTable()->window()->size(), QSize(333, 444));
 }
 
+TEST_F(EditorWindow, TheWorksheetLeavesRoomForTheDocumentsInASmallWindow)
+{
+    Start({Write("a.py", "")});
+    window().resize(500, 360);
+    QCoreApplication::processEvents();
+    const int sheet = window().worksheet().height();
+    EXPECT_LE(sheet, window().centralWidget()->height() * 3 / 10);
+    EXPECT_GT(sheet, 30);
+}
+
 TEST_F(EditorWindow, RenamesItsOwnFilesThatItCannotRead)
 {
     const std::string damaged("\0\xFF binary", 9);
@@ -662,6 +680,22 @@ TEST_F(EditorWindow, AsksBeforeItShowsALineThatIsSlowToEdit)
     EXPECT_EQ(window().documents().Paths(), (QStringList{other, path}));
 
     window().OpenFiles({Write("small.py", "x = 1\n")});
+    const QString text = "y\n" + QString::fromStdString(slow);
+    QApplication::clipboard()->setText(text);
+    editor().setFocus();
+    Action("Paste")->trigger();
+    EXPECT_TRUE(MessageShows("too long"));
+    EXPECT_EQ(editor().Content(), "x = 1\n") << "the line was pasted";
+    Answer("Insert Anyway");
+    EXPECT_EQ(editor().Content(), text + "x = 1\n");
+    Action("Undo")->trigger();
+    ASSERT_TRUE(window().documents().saver().SaveFront());
+    auto& sheet = window().worksheet();
+    sheet.setFocus();
+    Action("Paste")->trigger();
+    EXPECT_EQ(sheet.Content().remove('\n').size(), text.size() - 1);
+    EXPECT_EQ(sheet.lines(), 2 + kMaxSmoothLineLength / OutputText::kMaxLineLength);
+
     Write("small.py", slow);
     EXPECT_TRUE(MessageShows("too long"));
     EXPECT_EQ(editor().Content(), "x = 1\n") << "the changed file was loaded";
@@ -694,4 +728,13 @@ TEST_F(EditorWindow, TheEditMenuActsOnTheFieldThatHasTheFocus)
     window().worksheet().setFocus();
     Action("Paste")->trigger();
     EXPECT_EQ(Sheet(), "other");
+
+    editor().setFocus();
+    Action("Replace…")->trigger();
+    QTest::keyClicks(QApplication::focusWidget(), "w");
+    Answer("Replace &all");
+    EXPECT_EQ(editor().Content(), "ord\n");
+    QApplication::focusWidget()->parentWidget()->findChild<QPushButton*>()->setFocus();
+    Press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(editor().Content(), "word\n") << "while a button of the find bar has the focus";
 }

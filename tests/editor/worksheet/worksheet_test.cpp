@@ -1,12 +1,17 @@
 #include "worksheet.h"
 
+#include "appearance.h"
+#include "editor_style.h"
 #include "scintilla_text.h"
 #include "wait.h"
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QSignalSpy>
 #include <QTest>
+
+#include <cmath>
 
 namespace {
 
@@ -66,6 +71,9 @@ TEST_F(WorksheetTest, OutputBecomesTextHoweverItIsSplit)
         {"line ends", "a\r\nb\r\r\nc", "a\nb\nc"},
         {"progress", "top\n 1%\r 20%\r100%\r\nend", "top\n100%\nend"},
         {"colours", "\x1b[1;31mred\x1b[0m \x1b[2K\x1b[?25lend", "red end"},
+        {"titles", "\x1b]0;a title\x07one \x1b]8;;x\x1b\\two\x1b]2;\nend", "one two\nend"},
+        {"a character set, strings", "\x1b(Ba\x1bP1$r\x1b\\b\x1b]x\x1b[31mc", "abc"},
+        {"a colour after a line end", "100%\r\x1b[0m\r\n", "100%\n"},
         {"an incomplete sequence", "\x1b[31\nend \x1b?", "\nend \x1b?"},
     };
     for (const auto& row : rows) {
@@ -77,6 +85,84 @@ TEST_F(WorksheetTest, OutputBecomesTextHoweverItIsSplit)
             Append({byte});
         }
         EXPECT_EQ(sheet.Content(), row.text) << row.name << " byte by byte";
+    }
+}
+
+TEST_F(WorksheetTest, OutputHasTheColoursOfItsSequencesHoweverItIsSplit)
+{
+    using Style = std::pair<QColor, bool>;
+    const QColor plain = sheet.palette().color(QPalette::Text);
+    const auto& colors = ColorsFor(sheet.palette());
+    const struct {
+        std::string bytes;
+        std::string text;  // Of the part in this style.
+        Style style;
+    } rows[] = {
+        {"a\x1b[31mred\x1b[mb", "red", {colors.output[1], false}},
+        {"\x1b[1;94mé\x1b[22m-\x1b[0m", "é", {colors.output[12], true}},
+        {"\x1b[1mbold\x1b[22m-", "bold", {plain, true}},
+        {"\x1b[38;5;2mg\x1b[48;5;1;32mg\x1b[38;2;1;2;3;36mc", "gg", {colors.output[2], false}},
+        {"10%\r\x1b[33m20%\x1b[39m!", "20%", {colors.output[3], false}},
+        {"\x1b[31m\x1b[38;5;200mplain\x1b[-1;3;99999999999m!", "plain!", {plain, false}},
+        {"x\nTraceback (most recent call last):\n  File \"a.py\", line 1, in f\nOSError: 2\nend",
+         "Traceback (most recent call last):  File \"a.py\", line 1, in fOSError: 2",
+         {colors.error, false}},
+        {"Traceback (most recent call last):\n  File\nno exception",
+         "no exception",
+         {plain, false}},
+    };
+    const auto styleAt = [&](long at) -> Style {
+        const auto number = Send(sheet, QsciScintilla::SCI_GETSTYLEAT, at);
+        const auto color = Send(sheet, QsciScintilla::SCI_STYLEGETFORE, number);
+        return {QColor(color & 0xff, (color >> 8) & 0xff, (color >> 16) & 0xff),
+                std::abs(Send(sheet, QsciScintilla::SCI_STYLEGETWEIGHT, number)) >= QFont::Bold};
+    };
+    for (const auto& row : rows) {
+        for (const bool isSplit : {false, true}) {
+            sheet.ClearAll();
+            sheet.Append(isSplit ? "" : row.bytes);
+            for (const char byte : isSplit ? row.bytes : "") {
+                Append({byte});
+            }
+            const auto bytes = sheet.Content().toUtf8();
+            std::string found;
+            for (int at = 0; at < bytes.size(); ++at) {
+                if (bytes[at] != '\n' && styleAt(at) == row.style) {
+                    found += bytes[at];
+                }
+            }
+            EXPECT_EQ(found, row.text) << row.bytes << (isSplit ? " byte by byte" : " at once");
+        }
+    }
+    sheet.ClearAll();
+    sheet.Append("\x1b[31mstopped \x1b]0;");
+    sheet.EndOutput();
+    Append("next");
+    EXPECT_EQ(styleAt(Length(sheet) - 1), Style(plain, false)) << "the next program is red, too";
+}
+
+TEST_F(WorksheetTest, EveryColourOfOutputIsLegible)
+{
+    const auto luminance = [](const QColor& color) {
+        const auto part = [](double value) {
+            return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * part(color.redF()) + 0.7152 * part(color.greenF()) +
+               0.0722 * part(color.blueF());
+    };
+    for (const auto appearance : {Appearance::Light, Appearance::Dark}) {
+        SetAppearance(appearance);
+        const auto palette = QApplication::palette();
+        const auto& colors = ColorsFor(palette);
+        std::vector<QColor> all(colors.output.begin(), colors.output.end());
+        all.push_back(colors.error);
+        for (const auto& color : all) {
+            for (const auto& paper : {palette.color(QPalette::Base), colors.caretLine}) {
+                const auto [dark, light] = std::minmax({luminance(color), luminance(paper)});
+                EXPECT_GE((light + 0.05) / (dark + 0.05), 4.5)
+                    << color.name().toStdString() << " on " << paper.name().toStdString();
+            }
+        }
     }
 }
 
@@ -150,6 +236,15 @@ TEST_F(WorksheetTest, TheViewFollowsTheOutputOnlyAtTheEnd)
     const QString before = topText();
     Append(Lines(10'000));
     EXPECT_EQ(topText(), before) << "the oldest lines were removed";
+
+    sheet.ClearAll();
+    sheet.SetWraps(true);
+    for (int i = 0; i < 3; ++i) {
+        Append(std::string(3000, 'x') + "\n" + Lines(100));
+        QCoreApplication::processEvents();
+        const auto last = Send(sheet, QsciScintilla::SCI_POINTYFROMPOSITION, 0, Length(sheet));
+        EXPECT_LT(last, sheet.height()) << "lines that are wrapped are not followed";
+    }
 }
 
 TEST_F(WorksheetTest, OutputKeepsTheCaretTheSelectionAndTheUndoHistory)
@@ -188,6 +283,7 @@ TEST_F(WorksheetTest, TracebackLinesAreLinks)
                       {static_cast<int>(x) + 2, static_cast<int>(y) + 5});
     ASSERT_EQ(chosen.count(), 1);
     EXPECT_EQ(chosen[0], (QVariantList{"main.py", 12}));
+    EXPECT_EQ(sheet.selectedText(), "ö  File \"main.py\", line 12, in f") << "not the whole line";
 }
 
 TEST_F(WorksheetTest, LinksFollowEveryChangeOfTheText)
