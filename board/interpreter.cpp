@@ -139,7 +139,10 @@ std::expected<Interpreter, std::string> Interpreter::Start(const InterpreterFile
 std::expected<void, std::string> Interpreter::WaitUntilStarted()
 {
     pollfd message{control_, POLLIN, 0};
-    if (poll(&message, 1, kStartTimeoutMilliseconds) == 0) {
+    int count = 0;
+    while ((count = poll(&message, 1, kStartTimeoutMilliseconds)) < 0 && errno == EINTR) {
+    }
+    if (count == 0) {
         return std::unexpected("it does not answer");
     }
     const auto answer = TakeMessage();
