@@ -52,6 +52,13 @@ std::optional<Pipes> MakePipes()
 [[noreturn]] void BecomeInterpreter(pid_t parent, const Pipes& pipes, const char* const* arguments)
 {
     SignalOnParentExit(parent, SIGKILL);
+    // In a group of its own, so that signals to the board's group do not reach it. Those that were
+    // sent meanwhile are discarded by ignoring them.
+    setpgid(0, 0);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGUSR1, SIGUSR2}) {
+        signal(number, SIG_IGN);
+        signal(number, SIG_DFL);
+    }
     dup2(pipes.input[0], STDIN_FILENO);
     dup2(pipes.output[1], STDOUT_FILENO);
     dup2(pipes.output[1], STDERR_FILENO);
@@ -60,7 +67,6 @@ std::optional<Pipes> MakePipes()
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
     signal(SIGPIPE, SIG_DFL);
-    signal(SIGINT, SIG_DFL);
     execv(arguments[0], const_cast<char* const*>(arguments));
     _exit(127);
 }
@@ -116,11 +122,16 @@ std::expected<Interpreter, std::string> Interpreter::Start(const InterpreterFile
                                                files.script.c_str(),  folder.c_str(), nullptr};
     Interpreter self;
     const pid_t parent = getpid();
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    sigprocmask(SIG_SETMASK, &all, &before);  // The child must not run this process's handlers.
     self.pid_ = fork();
     if (self.pid_ == 0) {
         BecomeInterpreter(parent, *pipes, arguments.data());
     }
     const int forkError = errno;
+    sigprocmask(SIG_SETMASK, &before, nullptr);
     CloseDescriptor(pipes->control[1]);
     CloseDescriptor(pipes->output[1]);
     self.control_ = pipes->control[0];
