@@ -52,6 +52,13 @@ std::optional<Pipes> MakePipes()
 [[noreturn]] void BecomeInterpreter(pid_t parent, const Pipes& pipes, const char* const* arguments)
 {
     SignalOnParentExit(parent, SIGKILL);
+    // In a group of its own, so that signals to the board's group do not reach it. Those that were
+    // sent meanwhile are discarded by ignoring them.
+    setpgid(0, 0);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGUSR1, SIGUSR2}) {
+        signal(number, SIG_IGN);
+        signal(number, SIG_DFL);
+    }
     dup2(pipes.input[0], STDIN_FILENO);
     dup2(pipes.output[1], STDOUT_FILENO);
     dup2(pipes.output[1], STDERR_FILENO);
@@ -59,7 +66,7 @@ std::optional<Pipes> MakePipes()
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
-    for (const int number : {SIGPIPE, SIGXFSZ, SIGINT}) {
+    for (const int number : {SIGPIPE, SIGXFSZ}) {
         signal(number, SIG_DFL);
     }
     execv(arguments[0], const_cast<char* const*>(arguments));
@@ -117,11 +124,16 @@ std::expected<Interpreter, std::string> Interpreter::Start(const InterpreterFile
                                                files.script.c_str(),  folder.c_str(), nullptr};
     Interpreter self;
     const pid_t parent = getpid();
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    sigprocmask(SIG_SETMASK, &all, &before);  // The child must not run this process's handlers.
     self.pid_ = fork();
     if (self.pid_ == 0) {
         BecomeInterpreter(parent, *pipes, arguments.data());
     }
     const int forkError = errno;
+    sigprocmask(SIG_SETMASK, &before, nullptr);
     CloseDescriptor(pipes->control[1]);
     CloseDescriptor(pipes->output[1]);
     self.control_ = pipes->control[0];
@@ -140,7 +152,10 @@ std::expected<Interpreter, std::string> Interpreter::Start(const InterpreterFile
 std::expected<void, std::string> Interpreter::WaitUntilStarted()
 {
     pollfd message{control_, POLLIN, 0};
-    if (poll(&message, 1, kStartTimeoutMilliseconds) == 0) {
+    int count = 0;
+    while ((count = poll(&message, 1, kStartTimeoutMilliseconds)) < 0 && errno == EINTR) {
+    }
+    if (count == 0) {
         return std::unexpected("it does not answer");
     }
     const auto answer = TakeMessage();
