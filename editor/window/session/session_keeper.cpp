@@ -37,7 +37,7 @@ SessionKeeper::SessionKeeper(const UserFolders& folders, Shortcuts& shortcuts,
       shortcuts_(shortcuts),
       parts_(parts),
       lastShortcuts_(shortcuts),
-      worker_(1, kEndPatience)
+      worker_(1, FileWorker::Patience(0))  // SaveAtExit has waited.
 {
     QObject::connect(&timer_, &QTimer::timeout, [this] { SaveChanges(); });
     QObject::connect(&parts_.worksheet, &QsciScintilla::textChanged, &timer_,
@@ -189,8 +189,10 @@ QStringList SessionKeeper::SaveAtExit()
     parts_.worksheet.Content();  // Appends pending output.
     SaveWorksheet();
     SaveSettings(Current());
+    const auto end = std::chrono::steady_clock::now() + kEndPatience;
     for (const auto& path : {worksheetPath_, sessionPath_}) {
-        if (!worker_.WaitFor(path, kEndPatience)) {
+        const auto rest = end - std::chrono::steady_clock::now();
+        if (!worker_.WaitFor(path, std::chrono::duration_cast<FileWorker::Patience>(rest))) {
             Fail(QString::fromStdString(path + " cannot be saved: the disk does not answer"));
         }
     }

@@ -114,6 +114,7 @@ extern "C" int stat(const char* path, struct stat* status)
 TEST_F(EditorWindow, ADiskThatDoesNotAnswerHoldsUpNothingElse)
 {
     const QString slow = Write("slow/a.py", "old");
+    const QString other = Write("slow/c.py", "old");
     Start({Write("b.py", "old"), slow});
     diskIsStuck = true;
     Type("1");
@@ -123,6 +124,8 @@ TEST_F(EditorWindow, ADiskThatDoesNotAnswerHoldsUpNothingElse)
     Type("2");
     Press(Qt::Key_F5);
     EXPECT_TRUE(MessageShows("still being saved"));
+    window().OpenFiles({other});
+    EXPECT_TRUE(MessageShows("c.py was not opened"));
     documents.setCurrentIndex(0);
     Write("b.py", "another program's");
     EXPECT_TRUE(WaitUntil([&] { return editor().Content() == "another program's"; }));
