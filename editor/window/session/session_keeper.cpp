@@ -37,7 +37,7 @@ SessionKeeper::SessionKeeper(const UserFolders& folders, Shortcuts& shortcuts,
       shortcuts_(shortcuts),
       parts_(parts),
       lastShortcuts_(shortcuts),
-      worker_(1, FileWorker::Patience(0))  // SaveAtExit has waited.
+      worker_(1, kEndPatience)
 {
     QObject::connect(&timer_, &QTimer::timeout, [this] { SaveChanges(); });
     QObject::connect(&parts_.worksheet, &QsciScintilla::textChanged, &timer_,

@@ -102,7 +102,7 @@ extern "C" int fsync(int fd)
     if (afterRename && fs::is_directory(path, error)) {
         std::exchange(afterRename, {})();
     }
-    return fdatasync(fd);
+    return 0;  // A loaded disk must not slow the test down.
 }
 
 extern "C" int stat(const char* path, struct stat* status)
