@@ -109,7 +109,7 @@ void EditorMenus::MakeRecentMenu(QMenu* parent)
         menu->clear();
         for (const auto& path : parts_.files.recent()) {
             Add(menu, QString(path).replace('&', "&&"), {},
-                [this, path] { parts_.tabs.Open(path); });
+                [this, path] { parts_.files.Open({path}); });
         }
     });
 }

@@ -191,8 +191,10 @@ QStringList SessionKeeper::SaveAtExit()
     parts_.worksheet.Content();  // Appends pending output.
     SaveWorksheet();
     SaveSettings(Current());
+    const auto end = std::chrono::steady_clock::now() + kEndPatience;
     for (const auto& path : {worksheetPath_, sessionPath_}) {
-        if (!worker_.WaitFor(path, kEndPatience)) {
+        const auto rest = end - std::chrono::steady_clock::now();
+        if (!worker_.WaitFor(path, std::chrono::duration_cast<FileWorker::Patience>(rest))) {
             Fail(QString::fromStdString(path + " cannot be saved: the disk does not answer"));
         }
     }

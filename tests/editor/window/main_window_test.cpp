@@ -108,7 +108,7 @@ extern "C" int fsync(int fd)
     if (afterRename && fs::is_directory(path, error)) {
         std::exchange(afterRename, {})();
     }
-    return fdatasync(fd);
+    return 0;  // A loaded disk must not slow the test down.
 }
 
 extern "C" int stat(const char* path, struct stat* status)
@@ -120,6 +120,7 @@ extern "C" int stat(const char* path, struct stat* status)
 TEST_F(EditorWindow, ADiskThatDoesNotAnswerHoldsUpNothingElse)
 {
     const QString slow = Write("slow/a.py", "old");
+    const QString other = Write("slow/c.py", "old");
     Start({Write("b.py", "old"), slow});
     diskIsStuck = true;
     Type("1");
@@ -129,6 +130,8 @@ TEST_F(EditorWindow, ADiskThatDoesNotAnswerHoldsUpNothingElse)
     Type("2");
     Press(Qt::Key_F5);
     EXPECT_TRUE(MessageShows("still being saved"));
+    window().OpenFiles({other});
+    EXPECT_TRUE(MessageShows("c.py was not opened"));
     documents.setCurrentIndex(0);
     Write("b.py", "another program's");
     EXPECT_TRUE(WaitUntil([&] { return editor().Content() == "another program's"; }));
