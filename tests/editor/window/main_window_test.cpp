@@ -11,15 +11,18 @@
 #include "table_widget.h"
 #include "text_editor.h"
 
+#include <QActionGroup>
 #include <QApplication>
 #include <QClipboard>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QKeySequenceEdit>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QStatusBar>
 #include <QTest>
 #include <QTextBrowser>
 #include <QToolButton>
@@ -81,6 +84,9 @@ TEST_F(EditorWindow, RunsFollowsErrorsStopsAndUploads)
     Press(Qt::Key_F6);
     ASSERT_TRUE(WaitUntil([] { return Runtime::Current().IsIdle(); }));
     EXPECT_EQ(Read("board/loop.py"), kEndless);
+
+    Action("Status")->trigger();
+    EXPECT_TRUE(SheetShows("avail")) << Sheet();
 }
 
 TEST_F(EditorWindow, ShowsTheControlExactlyWhileThePluginOffersIt)
@@ -392,6 +398,7 @@ TEST_F(EditorWindow, RestoresTheLastSession)
     window().resize(700, 500);
     window().project().SetTarget(first);
     window().worksheet().Append("kept\n");
+    Action("Wrap Lines")->setChecked(true);
     window().OpenFiles({first});
     Press(Qt::Key_F8);
     ASSERT_TRUE(WaitUntil([] { return DeviceTable() != nullptr; }));
@@ -403,11 +410,24 @@ TEST_F(EditorWindow, RestoresTheLastSession)
     EXPECT_EQ(window().documents().Front()->path(), first.toStdString());
     EXPECT_EQ(window().size(), QSize(700, 500));
     EXPECT_EQ(Sheet(), "kept\n");
+    EXPECT_TRUE(window().worksheet().wraps());
     window().OpenFiles({second});
     EXPECT_TRUE(ControlIsShown()) << "the target is lost";
     Press(Qt::Key_F8);
     ASSERT_TRUE(WaitUntil([] { return DeviceTable() != nullptr; }));
     EXPECT_EQ(DeviceTable()->window()->size(), QSize(333, 444));
+}
+
+TEST_F(EditorWindow, MenusAndTheStatusBarShowWhatApplies)
+{
+    Start({Write("main.py", "")});
+    for (const auto* const label : window().statusBar()->findChildren<QLabel*>()) {
+        EXPECT_FALSE(label->text().contains("target", Qt::CaseInsensitive)) << "there is none";
+    }
+    EXPECT_EQ(Action("Upload as main.py")->shortcut(), QKeySequence("Shift+F6"));
+    const auto* const redo = editor().standardCommands()->find(QsciCommand::Redo);
+    EXPECT_EQ(Action("Redo")->shortcut(), QKeySequence(redo->key())) << "in the context menu";
+    EXPECT_TRUE(Action("Dark")->actionGroup()->isExclusive()) << "no radio marks";
 }
 
 TEST_F(EditorWindow, TheWorksheetLeavesRoomForTheDocumentsInASmallWindow)
