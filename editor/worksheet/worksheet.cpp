@@ -158,6 +158,8 @@ void Worksheet::SetWraps(bool wraps)
 {
     const bool follows = IsEndInSight(*this);
     setWrapMode(wraps ? WrapCharacter : WrapNone);
+    // A scroll bar that appears would wrap all lines again.
+    setVerticalScrollBarPolicy(wraps ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAsNeeded);
     if (follows) {
         ShowEnd(*this);
     }
@@ -517,6 +519,15 @@ void Worksheet::keyPressEvent(QKeyEvent* event)
         event->ignore();
     } else {
         QsciScintilla::keyPressEvent(event);
+    }
+}
+
+void Worksheet::resizeEvent(QResizeEvent* event)
+{
+    const bool follows = IsEndInSight(*this);
+    QsciScintilla::resizeEvent(event);
+    if (follows) {
+        ShowEnd(*this);
     }
 }
 

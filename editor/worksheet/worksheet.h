@@ -61,6 +61,7 @@ class Worksheet final : public QsciScintilla {
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
     // The number of unchanged bytes at the start and at the end.
