@@ -150,8 +150,8 @@ void Board::RestartInterpreter()
     }
 }
 
-// Bytes that the program is not ready to read wait on the line. They must not keep a new client, or
-// one that discards them, from interrupting the program.
+// Bytes that the program is not ready to read wait on the line. Neither they nor another interrupt
+// character keep a new client, or one that discards unsent bytes, from interrupting the program.
 void Board::ReceiveFromClient(bool isFlushed)
 {
     const bool isFull = interpreter_ && interpreter_->isInputFull();
@@ -159,8 +159,11 @@ void Board::ReceiveFromClient(bool isFlushed)
         return port_->CheckForClient();
     }
     const std::string bytes = port_->Read();
-    if (port_->TakeFlushed() && isFull) {
-        std::ignore = interpreter_->TakeUnreadInput();
+    if (port_->TakeFlushed()) {
+        interruptCharacter_ = kControlC;
+        if (isFull) {
+            std::ignore = interpreter_->TakeUnreadInput();
+        }
     }
     for (const char byte : bytes) {
         Receive(byte);
