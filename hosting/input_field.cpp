@@ -68,6 +68,7 @@ void InputField::MakeCompleter()
     completer_->setWidget(text_);
     completer_->setCaseSensitivity(Qt::CaseSensitive);
     completer_->setMaxVisibleItems(kMaxListHeight);
+    text_->SetList(*completer_->popup());
     completer_->popup()->setAccessibleName(tr("Completions"));
     connect(completer_, qOverload<const QString&>(&QCompleter::activated), this,
             &InputField::InsertCompletion);

@@ -147,7 +147,11 @@ bool InputText::event(QEvent* event)
 
 void InputText::keyPressEvent(QKeyEvent* event)
 {
-    if (!HandleKey(*event)) {
+    const bool isOfList =
+        IsReturn(*event) || event->key() == Qt::Key_Tab || event->key() == Qt::Key_Escape;
+    if (isOfList && list_ != nullptr && list_->isVisible()) {
+        event->ignore();  // The completer sends it to the list.
+    } else if (!HandleKey(*event)) {
         QPlainTextEdit::keyPressEvent(event);
     }
 }

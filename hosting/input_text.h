@@ -16,6 +16,8 @@ class InputText final : public QPlainTextEdit {
     void SetHistory(InputHistory& history) { history_ = &history; }
     // The caret is at the end afterwards.
     void SetText(const QString& text);
+    // A list of completions. While it is visible, Return, Tab and Escape belong to it.
+    void SetList(const QWidget& list) { list_ = &list; }
     void SetTextFont(const QFont& font);
     QString TextBeforeCaret() const;
 
@@ -39,4 +41,5 @@ class InputText final : public QPlainTextEdit {
     void FitHeight();
 
     InputHistory* history_;
+    const QWidget* list_ = nullptr;
 };
