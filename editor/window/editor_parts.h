@@ -1,9 +1,11 @@
 #pragma once
 
 class BoardMonitor;
+class BoardPrompt;
 class DocumentTabs;
 class FileActions;
 class FindBar;
+class InputField;
 class MessageArea;
 class PluginActions;
 class Project;
@@ -21,10 +23,12 @@ struct EditorParts {
     DocumentTabs& tabs;
     FindBar& findBar;
     Worksheet& worksheet;
+    InputField& input;
     Project& project;
     BoardMonitor& board;
     FileActions& files;
     TextActions& texts;
     PluginActions& commands;
     WorksheetActions& worksheetActions;
+    BoardPrompt& prompt;
 };

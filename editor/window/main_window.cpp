@@ -1,5 +1,6 @@
 #include "main_window.h"
 
+#include "board_prompt.h"
 #include "command_progress.h"
 #include "commands_menu.h"
 #include "control_tool_bar.h"
@@ -9,6 +10,7 @@
 #include "file_actions.h"
 #include "find_bar.h"
 #include "help_window.h"
+#include "input_field.h"
 #include "message_area.h"
 #include "path_text.h"
 #include "plugin_actions.h"
@@ -45,6 +47,19 @@ QString EscapeForTitle(QString name)
     return name.replace("[*]", "[*][*]");
 }
 
+// Places the widgets below each other, with a line between them.
+void Stack(const std::vector<QWidget*>& widgets, QWidget& parent)
+{
+    auto* const column = new QVBoxLayout(&parent);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(1);
+    for (auto* const widget : widgets) {
+        column->addWidget(widget);
+    }
+    parent.setBackgroundRole(QPalette::Mid);
+    parent.setAutoFillBackground(true);
+}
+
 std::vector<NamedShortcut> DefaultShortcuts()
 {
     std::vector<NamedShortcut> shortcuts;
@@ -67,6 +82,7 @@ MainWindow::MainWindow(const PluginModule& plugin, Runtime& runtime, const Edito
           plugin, runtime, [this](const std::string& text) { worksheet_->Append(text); }, this),
       tool_(runtime, ResourceFolder(plugin.bundle()) + "/mpremote/mpremote.py",
             [this](const std::string& text) { worksheet_->Append(text); }),
+      monitor_(runtime, nullptr),
       shortcuts_({}, {}),
       project_(new Project(this)),
       board_(new BoardMonitor(paths.boardProgram, paths.boardFolder, this))
@@ -101,13 +117,16 @@ void MainWindow::MakeCentralWidget(const std::string& recoveryRoot)
     column->addWidget(tabs_, 1);
     column->addWidget(findBar_);
 
-    worksheet_ = new Worksheet(this);
+    auto* const console = new QWidget(this);
+    worksheet_ = new Worksheet(console);
     worksheet_->setAccessibleName(tr("Worksheet"));
+    input_ = new InputField(console);
+    Stack({worksheet_, input_}, *console);
     splitter_ = new QSplitter(Qt::Vertical, this);
     splitter_->setHandleWidth(5);  // Only one pixel of it is drawn.
     splitter_->setChildrenCollapsible(false);
     splitter_->addWidget(documents);
-    splitter_->addWidget(worksheet_);
+    splitter_->addWidget(console);
     splitter_->setSizes({500, 190});  // They keep this ratio in a window of any size.
     setCentralWidget(splitter_);
 }
@@ -120,9 +139,10 @@ void MainWindow::MakeActions()
     commands_ = new PluginActions(host_, *tabs_, *messages_, this);
     worksheetActions_ = new WorksheetActions(*worksheet_, *tabs_, *project_, *board_, *messages_);
     worksheetActions_->setParent(this);
-    const EditorParts parts{*this,     *splitter_,  *messages_, *tabs_,
-                            *findBar_, *worksheet_, *project_,  *board_,
-                            *files_,   *texts_,     *commands_, *worksheetActions_};
+    prompt_ = new BoardPrompt(runtime_, {*input_, *worksheet_, tool_, monitor_, *messages_}, this);
+    const EditorParts parts{*this,       *splitter_, *messages_,         *tabs_,  *findBar_,
+                            *worksheet_, *input_,    *project_,          *board_, *files_,
+                            *texts_,     *commands_, *worksheetActions_, *prompt_};
     menus_ = new EditorMenus(parts, shortcuts_);
     session_ = std::make_unique<SessionKeeper>(folders_, shortcuts_, parts);
     status_ = new EditorStatusBar(&menus_->boardMenu(), this);
@@ -138,7 +158,7 @@ void MainWindow::MakeToolBar()
     menus_->AddDocumentAction(
         toolBar_->AddButton(Action::Save, tr("Save"), [this] { tabs_->saver().SaveFront(); }));
     toolBar_->addSeparator();
-    progress_.reset(new CommandProgress(runtime_, tool_,
+    progress_.reset(new CommandProgress(monitor_, tool_,
                                         {*status_, *toolBar_, *messages_, *commands_, shortcuts_}));
 }
 
@@ -156,6 +176,7 @@ void MainWindow::ConnectParts()
     connect(menus_, &EditorMenus::HelpRequested, this, &MainWindow::ShowHelp);
     connect(toolBar_, &ControlToolBar::ControlPressed, commands_, &PluginActions::PressControl);
     connect(toolBar_, &ControlToolBar::MenuRequested, commands_, &PluginActions::OpenPopUp);
+    connect(input_, &InputField::Left, texts_, &TextActions::GoToDocument);
     connect(&diskTimer_, &QTimer::timeout, this, &MainWindow::CheckDisk);
     diskTimer_.start(kDiskCheckInterval);
     controlsTimer_.setSingleShot(true);

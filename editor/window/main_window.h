@@ -2,6 +2,7 @@
 
 #include "board_monitor.h"
 #include "board_tool.h"
+#include "command_monitor.h"
 #include "document_tabs.h"
 #include "plugin_host.h"
 #include "plugin_settings.h"
@@ -15,6 +16,7 @@
 #include <memory>
 #include <string>
 
+class BoardPrompt;
 class CommandProgress;
 class ControlToolBar;
 class EditorMenus;
@@ -22,6 +24,7 @@ class EditorStatusBar;
 class FileActions;
 class FindBar;
 class HelpWindow;
+class InputField;
 class MessageArea;
 class PluginActions;
 class QSplitter;
@@ -98,6 +101,7 @@ class MainWindow final : public QMainWindow {
     PluginSettings settings_;
     PluginHost host_;
     BoardTool tool_;
+    CommandMonitor monitor_;
     Shortcuts shortcuts_;
     std::unique_ptr<SessionKeeper> session_;
     std::unique_ptr<CommandProgress> progress_;
@@ -112,10 +116,12 @@ class MainWindow final : public QMainWindow {
     DocumentTabs* tabs_ = nullptr;
     FindBar* findBar_ = nullptr;
     Worksheet* worksheet_ = nullptr;
+    InputField* input_ = nullptr;
     FileActions* files_ = nullptr;
     TextActions* texts_ = nullptr;
     PluginActions* commands_ = nullptr;
     WorksheetActions* worksheetActions_ = nullptr;
+    BoardPrompt* prompt_ = nullptr;
     EditorMenus* menus_ = nullptr;
     ControlToolBar* toolBar_ = nullptr;
     EditorStatusBar* status_ = nullptr;
