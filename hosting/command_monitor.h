@@ -27,6 +27,7 @@ class CommandMonitor final : public QObject {
   Q_SIGNALS:
     // The text has changed, or a command has started or ended.
     void Changed();
+    void Ended(const BoardCommand& command, Runtime::CommandEnd end);
     // A command that leaves something incomplete was stopped.
     void Interrupted(const BoardCommand& command, const std::vector<std::string>& words);
 
