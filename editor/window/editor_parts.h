@@ -1,5 +1,6 @@
 #pragma once
 
+class BoardActions;
 class BoardMonitor;
 class DocumentTabs;
 class FileActions;
@@ -27,4 +28,5 @@ struct EditorParts {
     TextActions& texts;
     PluginActions& commands;
     WorksheetActions& worksheetActions;
+    BoardActions& boardActions;
 };

@@ -15,6 +15,7 @@
 #include <memory>
 #include <string>
 
+class BoardActions;
 class CommandProgress;
 class ControlToolBar;
 class EditorMenus;
@@ -34,6 +35,7 @@ struct EditorPaths {
     UserFolders folders;
     std::string boardProgram;
     std::string boardFolder;  // Contains the virtual board's files.
+    BoardMonitor::FindPorts findPorts = [] { return FindBoardPorts(); };
 };
 
 // The editor's window, which creates and connects its parts. It must be destroyed after
@@ -116,6 +118,7 @@ class MainWindow final : public QMainWindow {
     TextActions* texts_ = nullptr;
     PluginActions* commands_ = nullptr;
     WorksheetActions* worksheetActions_ = nullptr;
+    BoardActions* boardActions_ = nullptr;
     EditorMenus* menus_ = nullptr;
     ControlToolBar* toolBar_ = nullptr;
     EditorStatusBar* status_ = nullptr;
