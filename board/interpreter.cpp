@@ -22,6 +22,7 @@ namespace {
 constexpr std::size_t kHeaderSize = 18;
 constexpr char kCompiled = 'C';
 constexpr std::size_t kMaxText = 1'000'000;  // bytes
+constexpr std::size_t kMaxInput = 16384;     // bytes, in addition to those in the pipe
 constexpr int kStartTimeoutMilliseconds = 5000;
 constexpr const char* kHeapSize = "heapsize=4m";
 
@@ -52,6 +53,13 @@ std::optional<Pipes> MakePipes()
 [[noreturn]] void BecomeInterpreter(pid_t parent, const Pipes& pipes, const char* const* arguments)
 {
     SignalOnParentExit(parent, SIGKILL);
+    // In a group of its own, so that signals to the board's group do not reach it. Those that were
+    // sent meanwhile are discarded by ignoring them.
+    setpgid(0, 0);
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGUSR1, SIGUSR2}) {
+        signal(number, SIG_IGN);
+        signal(number, SIG_DFL);
+    }
     dup2(pipes.input[0], STDIN_FILENO);
     dup2(pipes.output[1], STDOUT_FILENO);
     dup2(pipes.output[1], STDERR_FILENO);
@@ -59,7 +67,7 @@ std::optional<Pipes> MakePipes()
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
-    for (const int number : {SIGPIPE, SIGXFSZ, SIGINT}) {
+    for (const int number : {SIGPIPE, SIGXFSZ}) {
         signal(number, SIG_DFL);
     }
     execv(arguments[0], const_cast<char* const*>(arguments));
@@ -117,11 +125,16 @@ std::expected<Interpreter, std::string> Interpreter::Start(const InterpreterFile
                                                files.script.c_str(),  folder.c_str(), nullptr};
     Interpreter self;
     const pid_t parent = getpid();
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    sigprocmask(SIG_SETMASK, &all, &before);  // The child must not run this process's handlers.
     self.pid_ = fork();
     if (self.pid_ == 0) {
         BecomeInterpreter(parent, *pipes, arguments.data());
     }
     const int forkError = errno;
+    sigprocmask(SIG_SETMASK, &before, nullptr);
     CloseDescriptor(pipes->control[1]);
     CloseDescriptor(pipes->output[1]);
     self.control_ = pipes->control[0];
@@ -140,7 +153,10 @@ std::expected<Interpreter, std::string> Interpreter::Start(const InterpreterFile
 std::expected<void, std::string> Interpreter::WaitUntilStarted()
 {
     pollfd message{control_, POLLIN, 0};
-    if (poll(&message, 1, kStartTimeoutMilliseconds) == 0) {
+    int count = 0;
+    while ((count = poll(&message, 1, kStartTimeoutMilliseconds)) < 0 && errno == EINTR) {
+    }
+    if (count == 0) {
         return std::unexpected("it does not answer");
     }
     const auto answer = TakeMessage();
@@ -172,7 +188,8 @@ Interpreter& Interpreter::operator=(Interpreter&& other) noexcept
         inputWrite_ = std::exchange(other.inputWrite_, -1);
         sequence_ = other.sequence_;
         busy_ = other.busy_;
-        outputSequence_ = other.outputSequence_;
+        unconfirmed_ = other.unconfirmed_;
+        input_ = std::move(other.input_);
         isInterruptible_ = other.isInterruptible_;
         interruptWhenCompiled_ = other.interruptWhenCompiled_;
     }
@@ -227,9 +244,9 @@ std::expected<std::optional<Message>, std::string> Interpreter::TakeMessage()
         return std::unexpected("the interpreter has exited");
     }
     const auto kind = static_cast<Message::Kind>(header[0]);
-    if (kind == Message::Kind::Output) {
-        outputSequence_ = sequence;
-    } else if (kind != Message::Kind::Reset) {
+    if (kind == Message::Kind::Output || kind == Message::Kind::LineEndings) {
+        unconfirmed_ = sequence;
+    } else if (kind != Message::Kind::Reset && kind != Message::Kind::InterruptCharacter) {
         if (sequence != sequence_ || !busy_) {
             return std::nullopt;  // The first answer, or one that an interrupt has doubled.
         }
@@ -251,20 +268,26 @@ void Interpreter::OnCompiled()
     }
 }
 
-void Interpreter::ConfirmOutput()
+void Interpreter::Confirm()
 {
     std::ignore =
-        SendFully(control_, Header(static_cast<char>(Message::Kind::Output), outputSequence_, 0));
+        SendFully(control_, Header(static_cast<char>(Message::Kind::Output), unconfirmed_, 0));
 }
 
-void Interpreter::WriteInput(std::string_view bytes)
+void Interpreter::FlushInput()
 {
-    std::ignore = write(inputWrite_, bytes.data(), bytes.size());
+    const ssize_t n = input_.empty() ? 0 : write(inputWrite_, input_.data(), input_.size());
+    input_.erase(0, n > 0 ? static_cast<std::size_t>(n) : 0);
+}
+
+bool Interpreter::isInputFull() const
+{
+    return input_.size() > kMaxInput;
 }
 
 std::string Interpreter::TakeUnreadInput()
 {
-    return ReadAvailable(inputRead_);
+    return ReadAvailable(inputRead_) + std::exchange(input_, {});
 }
 
 void Interpreter::Interrupt()

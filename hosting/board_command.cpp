@@ -1,5 +1,7 @@
 #include "board_command.h"
 
+#include "board_scripts.h"
+
 #include <QObject>
 
 #include <algorithm>
@@ -68,12 +70,23 @@ BoardCommand ParseSubcommand(const std::string& name, Words arguments)
     return {name.ends_with("reset") ? Kind::Restart : Kind::Other, {}};
 }
 
+bool AreSame(Words words, const std::vector<std::string>& others)
+{
+    return std::ranges::equal(words, others);
+}
+
 }  // namespace
 
 BoardCommand ParseBoardCommand(const std::vector<std::string>& words)
 {
     Words rest(words);
     rest = rest.subspan(std::min<std::size_t>(rest.size(), 1));
+    if (AreSame(rest, RunMainWords())) {
+        return {Kind::Run, "main.py"};
+    }
+    if (AreSame(rest, ListFilesWords())) {
+        return {Kind::List, {}};
+    }
     const bool resumes = !rest.empty() && rest.front() == "resume";
     rest = rest.subspan(resumes ? 1 : 0);
     if (rest.empty()) {

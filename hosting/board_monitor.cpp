@@ -1,45 +1,77 @@
 #include "board_monitor.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
-#include <filesystem>
-#include <string_view>
+#include <cstdlib>
 #include <utility>
-#include <vector>
 
 namespace {
 
 constexpr std::chrono::seconds kPollInterval{1};
 constexpr std::chrono::milliseconds kStartPollInterval{10};
 
-// The names of a board's own USB port and of a USB serial adapter on Linux and on macOS.
-constexpr std::array<std::string_view, 4> kNodes{"ttyACM", "ttyUSB", "cu.usbmodem", "cu.usbserial"};
+// The variable with the path of the only serial device that the tool's launcher shows to the tool.
+constexpr const char* kBoardVariable = "QUILP_BOARD";
+// The path of no device: that of the chosen board belongs to another board now.
+constexpr const char* kNoDevice = "/dev/quilp-no-board";
 
 }  // namespace
 
-BoardMonitor::BoardMonitor(std::string program, std::string boardFolder, QObject* parent)
-    : QObject(parent), program_(std::move(program)), boardFolder_(std::move(boardFolder))
+bool BoardMonitor::Board::IsSame(const Board& other) const
+{
+    return kind == other.kind && IsSameBoard(port, other.port);
+}
+
+BoardMonitor::BoardMonitor(std::string program, std::string boardFolder, FindPorts findPorts,
+                           QObject* parent)
+    : QObject(parent),
+      program_(std::move(program)),
+      boardFolder_(std::move(boardFolder)),
+      findPorts_(std::move(findPorts))
 {
     connect(&timer_, &QTimer::timeout, this, &BoardMonitor::Poll);
     timer_.start(kPollInterval);
     startTimer_.setInterval(kStartPollInterval);
     connect(&startTimer_, &QTimer::timeout, this, &BoardMonitor::PollStart);
-    Poll();
+    board_ = FindBoard();
 }
 
-std::string BoardMonitor::FindRealBoard()
+BoardMonitor::~BoardMonitor()
 {
-    std::vector<std::string> found;
-    std::error_code error;
-    std::filesystem::directory_iterator entry("/dev", error);
-    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        const std::string name = entry->path().filename().string();
-        if (std::ranges::any_of(kNodes, [&](auto prefix) { return name.starts_with(prefix); })) {
-            found.push_back(entry->path().string());
-        }
+    if (isBoardNamed_) {
+        unsetenv(kBoardVariable);
     }
-    return found.empty() ? std::string() : *std::ranges::min_element(found);
+}
+
+// Brings the list of ports up to date, too.
+BoardMonitor::Board BoardMonitor::FindBoard()
+{
+    ports_ = findPorts_();
+    if (virtualBoard_ && !IsStarting()) {
+        return {Kind::Virtual, {}};
+    }
+    if (!choice_) {
+        return ports_.empty() ? Board() : Board{Kind::Real, ports_.front()};
+    }
+    const auto found = std::ranges::find_if(
+        ports_, [this](const BoardPort& port) { return IsSameBoard(port, *choice_); });
+    return found == ports_.end() ? Board{Kind::Missing, *choice_} : Board{Kind::Real, *found};
+}
+
+// While the virtual board is attached, its own variable makes it the only one. Without a choice the
+// tool takes the first board that no other program uses.
+void BoardMonitor::NameBoard()
+{
+    const bool names = choice_ && board_.kind != Kind::Virtual;
+    if (names) {
+        const auto& node = board_.port.node;
+        const bool isTaken = board_.kind == Kind::Missing &&
+                             std::ranges::find(ports_, node, &BoardPort::node) != ports_.end();
+        setenv(kBoardVariable, isTaken ? kNoDevice : node.c_str(), 1);
+    } else if (isBoardNamed_) {
+        unsetenv(kBoardVariable);
+    }
+    isBoardNamed_ = names;
 }
 
 void BoardMonitor::Poll()
@@ -49,13 +81,28 @@ void BoardMonitor::Poll()
         virtualBoard_.reset();
         Fail(report);
     }
-    Board now;
-    if (virtualBoard_ && !IsStarting()) {
-        now.kind = Kind::Virtual;
-    } else if (now.node = FindRealBoard(); !now.node.empty()) {
-        now.kind = Kind::Real;
+    const auto before = std::exchange(board_, FindBoard());
+    NameBoard();
+    if (board_ != before) {
+        firmware_.clear();
+        Q_EMIT Changed();
     }
-    if (std::exchange(board_, now) != now) {
+    const bool mustChoose = ports_.size() > 1 && !choice_ && !HasVirtualBoard();
+    if (mustChoose && !std::exchange(hasAsked_, true)) {
+        Q_EMIT ChoiceNeeded();
+    }
+}
+
+void BoardMonitor::Choose(std::optional<BoardPort> port)
+{
+    choice_ = std::move(port);
+    hasAsked_ = true;
+    DetachVirtualBoard();
+}
+
+void BoardMonitor::SetFirmware(const QString& firmware)
+{
+    if (std::exchange(firmware_, firmware) != firmware) {
         Q_EMIT Changed();
     }
 }

@@ -1,33 +1,55 @@
 #pragma once
 
+#include "board_ports.h"
 #include "virtual_board.h"
 
 #include <QObject>
 #include <QString>
 #include <QTimer>
 
+#include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
-// Monitors which board the tool would use: the virtual board if it is attached, otherwise a real
-// one. [ui]
+// Monitors which board the tool uses, and lets the user choose it: the virtual board if it is
+// attached, otherwise the real one that was chosen, otherwise the first real one. The tool's
+// launcher is told by the environment, so that a command never goes to another board. [ui]
 class BoardMonitor final : public QObject {
     Q_OBJECT
 
   public:
-    enum class Kind { None, Real, Virtual };
+    enum class Kind {
+        None,
+        Missing,  // The board that was chosen is not attached.
+        Real,
+        Virtual
+    };
 
     struct Board {
         Kind kind = Kind::None;
-        std::string node;  // The device node of a real board.
+        BoardPort port;  // Of a real board; the last known one if it is missing.
+
+        bool IsAttached() const { return kind == Kind::Real || kind == Kind::Virtual; }
+        // Whether both are the same board, at whatever port.
+        bool IsSame(const Board& other) const;
         bool operator==(const Board&) const = default;
     };
 
+    using FindPorts = std::function<std::vector<BoardPort>()>;
+
     // `program` is the virtual board's program, `boardFolder` contains its files.
-    BoardMonitor(std::string program, std::string boardFolder, QObject* parent);
+    BoardMonitor(std::string program, std::string boardFolder, FindPorts findPorts,
+                 QObject* parent);
+    ~BoardMonitor() override;
 
     const Board& board() const { return board_; }
+    const std::vector<BoardPort>& ports() const { return ports_; }
     const std::string& boardFolder() const { return boardFolder_; }
+
+    // What the user chose: a real board, or none in particular. Detaches the virtual board.
+    const std::optional<BoardPort>& choice() const { return choice_; }
+    void Choose(std::optional<BoardPort> port);
 
     // The virtual board becomes the board when it is ready. If it cannot be started, Failed is
     // emitted.
@@ -37,11 +59,14 @@ class BoardMonitor final : public QObject {
     // Simulates unplugging the board.
     void DetachVirtualBoard();
 
-    // The first device node with the name of a USB serial device; empty if there is none.
-    static std::string FindRealBoard();
+    // The firmware of the board, once it is known; empty until then.
+    const QString& firmware() const { return firmware_; }
+    void SetFirmware(const QString& firmware);
 
   Q_SIGNALS:
     void Changed();
+    // Several real boards are attached, and the user has chosen none. Emitted once.
+    void ChoiceNeeded();
     // A message for the user.
     void Failed(const QString& error);
 
@@ -49,12 +74,20 @@ class BoardMonitor final : public QObject {
     bool IsStarting() const { return startTimer_.isActive(); }
     void Poll();
     void PollStart();
+    Board FindBoard();
+    void NameBoard();
     void Fail(const std::string& error);
 
     std::string program_;
     std::string boardFolder_;
+    FindPorts findPorts_;
+    std::vector<BoardPort> ports_;
+    std::optional<BoardPort> choice_;
+    bool hasAsked_ = false;
+    bool isBoardNamed_ = false;  // In the environment.
     std::optional<VirtualBoard> virtualBoard_;
     Board board_;
+    QString firmware_;
     QTimer timer_;
     QTimer startTimer_;
 };

@@ -57,6 +57,7 @@ void CommandMonitor::End(const std::vector<std::string>& words, Runtime::Command
     elapsed_.start();
     Q_EMIT Ended(end.isStopped);
     Q_EMIT Changed();
+    Q_EMIT Ended(command_, end);
     if (end.isStopped && !DescribeStopped(command_).isEmpty()) {
         Q_EMIT Interrupted(command_, words);
     }

@@ -29,6 +29,7 @@ class CommandMonitor final : public QObject {
     void Ended(bool isStopped);
     // The text has changed, or a command has started or ended.
     void Changed();
+    void Ended(const BoardCommand& command, Runtime::CommandEnd end);
     // A command that leaves something incomplete was stopped.
     void Interrupted(const BoardCommand& command, const std::vector<std::string>& words);
 

@@ -16,6 +16,19 @@ QString Document::Name() const
     return path_.empty() ? name_ : QFileInfo(PathToText(path_)).fileName();
 }
 
+QString Document::Title() const
+{
+    return boardFile_ ? QCoreApplication::translate("Document", "%1 (on the board)").arg(Name())
+                      : Name();
+}
+
+QString Document::Place() const
+{
+    return boardFile_ ? QCoreApplication::translate("Document", "On the board: %1")
+                            .arg(QString::fromStdString(boardFile_->path))
+                      : PathToText(path_);
+}
+
 bool Document::IsPython() const
 {
     return IsPythonFile(TextToPath(Name()));
@@ -38,12 +51,18 @@ bool Document::IsModified() const
 
 bool Document::IsPristine() const
 {
-    return path_.empty() && !IsModified() && editor_.length() == 0;
+    return path_.empty() && !boardFile_ && !IsModified() && editor_.length() == 0;
 }
 
 void Document::SetPath(const std::string& path)
 {
     path_ = path;
+    boardFile_.reset();
+    ShowLanguage();
+}
+
+void Document::ShowLanguage()
+{
     editor_.SetLanguage(IsPython() ? TextEditor::Language::Python
                                    : TextEditor::Language::PlainText);
 }
@@ -72,6 +91,15 @@ void Document::Load(const File& file)
     SetPath(file.path);
     Adopt(file);
     editor_.SetContent(file.content.text);
+}
+
+void Document::LoadFromBoard(const File& copy, BoardFile file)
+{
+    Adopt(copy);
+    boardFile_ = std::move(file);
+    name_ = QFileInfo(PathToText(boardFile_->path)).fileName();
+    ShowLanguage();
+    editor_.SetContent(copy.content.text);
 }
 
 std::expected<void, std::string> Document::Reload()
@@ -103,7 +131,7 @@ void Document::Recover(const RecoveryCopy& copy)
 
 std::expected<QByteArray, std::string> Document::BeginSave()
 {
-    auto bytes = Encode(editor_.Content(), encoding_);
+    auto bytes = Bytes();
     if (bytes) {
         saving_ = true;
         editor_.setModified(false);  // From now on the editor notices what the file will not have.
@@ -118,6 +146,19 @@ void Document::EndSave(const std::string& path, const SavedFile& file)
     }
     stamp_ = file.stamp;
     identity_ = file.identity;
+    saving_ = false;
+    unsaved_ = false;
+}
+
+std::expected<QByteArray, std::string> Document::Bytes() const
+{
+    return Encode(editor_.Content(), encoding_);
+}
+
+void Document::EndBoardSave(const QByteArray& sha256)
+{
+    boardFile_->sha256 = sha256;
+    boardFile_->mayOverwrite = false;
     saving_ = false;
     unsaved_ = false;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "board_file.h"
 #include "document_file.h"
 #include "file_save.h"
 #include "recovery.h"
@@ -7,6 +8,7 @@
 #include <QString>
 
 #include <expected>
+#include <optional>
 #include <string>
 
 class TextEditor;
@@ -24,8 +26,18 @@ class Document {
     const std::string& identity() const { return identity_; }
     // Of the file when it was last read or saved.
     const FileStamp& stamp() const { return stamp_; }
+    // The file of a board that the document was opened from; null for other documents. Such a
+    // document has no path. It ends when the document is saved to a file of this computer.
+    BoardFile* boardFile() { return boardFile_ ? &*boardFile_ : nullptr; }
+    const BoardFile* boardFile() const { return boardFile_ ? &*boardFile_ : nullptr; }
+    // The path of the file of this computer that runs: its own, or a copy.
+    const std::string& RunPath() const { return boardFile_ ? boardFile_->copy : path_; }
     // The name of the file, or the one passed to the constructor.
     QString Name() const;
+    // The name, and where the file is if it is on a board.
+    QString Title() const;
+    // Where the file is, for the user; empty if there is none yet.
+    QString Place() const;
     // Decided by the extension of the name.
     bool IsPython() const;
     // The file types to choose from in dialogs: Python source, or any file.
@@ -49,6 +61,8 @@ class Document {
     static std::expected<File, std::string> Read(const std::string& path);
     // Shows a file in a pristine document.
     void Load(const File& file);
+    // Shows a copy of a file of a board in a pristine document.
+    void LoadFromBoard(const File& copy, BoardFile file);
     // Replaces the text with the content of the file. This can be undone.
     std::expected<void, std::string> Reload();
     // Replaces the text with a copy that a crashed editor left. This can be undone. The document is
@@ -59,8 +73,12 @@ class Document {
     // or AbortSave is called. Meanwhile the text may change, and the document counts as modified.
     std::expected<QByteArray, std::string> BeginSave();
     void EndSave(const std::string& path, const SavedFile& file);
+    // On the board. The hash is that of the bytes.
+    void EndBoardSave(const QByteArray& sha256);
     void AbortSave();
     bool IsSaving() const { return saving_; }
+    // The bytes that a save would write.
+    std::expected<QByteArray, std::string> Bytes() const;
 
     // Accepts this state of the file, so that the next save overwrites it.
     void AcceptDisk(const FileStamp& stamp) { stamp_ = stamp; }
@@ -69,6 +87,7 @@ class Document {
 
   private:
     void Adopt(const File& file);
+    void ShowLanguage();
     void SetPath(const std::string& path);
 
     TextEditor& editor_;
@@ -77,6 +96,7 @@ class Document {
     TextEncoding encoding_ = TextEncoding::Utf8;
     FileStamp stamp_;
     std::string identity_;
+    std::optional<BoardFile> boardFile_;
     bool saving_ = false;
     bool unsaved_ = false;  // Modified regardless of the editor's state.
 };

@@ -22,6 +22,11 @@ DocumentPage::DocumentPage(const QString& name, std::string recoveryId)
     editor_->SetLanguage(TextEditor::Language::Python);  // The language of most new documents.
 }
 
+void DocumentPage::ShowMessage(const QString& text, const std::vector<MessageBar::Choice>& choices)
+{
+    messages_->ShowMessage(text, choices);
+}
+
 void DocumentPage::HideMessage()
 {
     messages_->hide();

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "document.h"
+#include "message_bar.h"
 
 #include <QWidget>
 
 #include <string>
-
-class MessageBar;
+#include <vector>
 
 // The content of a tab: a document, its editor, and messages about its file. [ui]
 class DocumentPage final : public QWidget {
@@ -16,6 +16,8 @@ class DocumentPage final : public QWidget {
 
     TextEditor& editor() { return *editor_; }
     Document& document() { return document_; }
+    // Shows a message about the file above the text. The choices may use this page.
+    void ShowMessage(const QString& text, const std::vector<MessageBar::Choice>& choices);
     // Hides the message about the file when it no longer applies.
     void HideMessage();
     const std::string& recoveryId() const { return recoveryId_; }

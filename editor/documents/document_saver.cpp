@@ -55,6 +55,9 @@ bool DocumentSaver::SaveAll()
 
 bool DocumentSaver::Save(DocumentPage& page, Patience patience)
 {
+    if (page.document().boardFile() != nullptr) {
+        return saveOnBoard_(page, patience == kClosePatience);
+    }
     if (!WaitForSave(page, patience)) {
         page.SetSavesAgain(true);
         return false;

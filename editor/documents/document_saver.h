@@ -6,8 +6,10 @@
 #include <QObject>
 
 #include <expected>
+#include <functional>
 #include <set>
 #include <string>
+#include <utility>
 
 class DocumentPage;
 class DocumentTabs;
@@ -23,6 +25,11 @@ class DocumentSaver final : public QObject {
   public:
     // `tabs` must outlive this object.
     explicit DocumentSaver(DocumentTabs& tabs);
+
+    // Saves documents that are files of a board, and returns whether that succeeded; waits for it
+    // if `waits`.
+    using SaveOnBoard = std::function<bool(DocumentPage& page, bool waits)>;
+    void SetBoardSaver(SaveOnBoard save) { saveOnBoard_ = std::move(save); }
 
     bool SaveFront();
     bool SaveFrontAs();
@@ -52,6 +59,7 @@ class DocumentSaver final : public QObject {
     bool AskToWriteInPlace(const QString& problem);
 
     DocumentTabs& tabs_;
+    SaveOnBoard saveOnBoard_;
     std::set<std::string> inPlace_;  // The paths that the user allowed to write in place.
     FileWorker worker_;
 };

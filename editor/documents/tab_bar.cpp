@@ -46,7 +46,7 @@ void TabBar::contextMenuEvent(QContextMenuEvent* event)
     add(tr("&Close"), &TabBar::CloseRequested);
     add(tr("Close &Others"), &TabBar::CloseOthersRequested)->setEnabled(count() > 1);
     menu->addSeparator();
-    const bool hasFile = !tabToolTip(index).isEmpty();
+    const bool hasFile = tabToolTip(index).startsWith('/');  // On this computer.
     add(tr("Copy &Path"), &TabBar::CopyPathRequested)->setEnabled(hasFile);
     add(tr("Show in &Folder"), &TabBar::ShowInFolderRequested)->setEnabled(hasFile);
     menu->popup(isByKey ? mapToGlobal(tabRect(index).bottomLeft()) : event->globalPos());

@@ -47,11 +47,10 @@ struct FileWorker::State : std::enable_shared_from_this<State> {
     std::mutex mutex;
     std::condition_variable arrived;
     std::condition_variable done;
-    std::deque<Item> waiting;       // At most one of each key.
-    std::set<std::string> running;  // Keys.
-    std::deque<Finished> finished;  // Results that have not run.
-    std::vector<std::thread> threads;
-    int runningThreads = 0;
+    std::deque<Item> waiting;          // At most one of each key.
+    std::set<std::string> running;     // Keys.
+    std::deque<Finished> finished;     // Results that have not run.
+    std::vector<std::thread> threads;  // Each ends after `closed`, unless its work is stuck.
     int idleThreads = 0;
     bool closed = false;
 };
@@ -103,8 +102,6 @@ void FileWorker::State::RunThread()
             --idleThreads;
         }
     }
-    --runningThreads;
-    done.notify_all();
 }
 
 // Each result is posted once, but WaitFor may run it earlier.
@@ -147,8 +144,8 @@ FileWorker::~FileWorker()
     state.finished.clear();
     state.closed = true;
     state.arrived.notify_all();
-    const bool areDone =
-        state.done.wait_for(lock, patience_, [&] { return state.runningThreads == 0; });
+    const bool areDone = state.done.wait_for(
+        lock, patience_, [&] { return state.running.empty() && state.waiting.empty(); });
     state.waiting.clear();
     auto threads = std::move(state.threads);
     lock.unlock();
@@ -192,12 +189,11 @@ void FileWorker::StartThreads()
     const auto runnable = std::ranges::count_if(
         state.waiting, [&](const State::Item& item) { return state.IsRunnable(item); });
     state.arrived.notify_all();
-    if (runnable <= state.idleThreads || state.runningThreads == maxThreads_) {
+    if (runnable <= state.idleThreads || std::ssize(state.threads) == maxThreads_) {
         return;
     }
     try {
         state.threads.emplace_back([self = state_] { self->RunThread(); });
-        ++state.runningThreads;
     } catch (const std::system_error& error) {
         while (auto item = state.TakeNext()) {
             state.Perform(lock, std::move(*item));

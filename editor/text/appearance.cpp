@@ -67,7 +67,6 @@ QToolButton#board:hover { background: {line}; }
 QToolButton#board:focus { border-color: {highlight}; }
 QToolButton#board::menu-indicator { subcontrol-origin: padding; subcontrol-position: center right;
     right: 4px; }
-QMenu { background: {window}; border: 1px solid {line}; }
 QToolTip { background: {window}; color: {text}; border: 1px solid {line}; padding: 2px; }
 QAbstractScrollArea::corner { background: {window}; border: none; }
 QScrollBar { background: {window}; border: none; }

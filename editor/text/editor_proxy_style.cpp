@@ -4,6 +4,7 @@
 #include <QHeaderView>
 #include <QIconEngine>
 #include <QPainter>
+#include <QStyleOption>
 #include <QTreeView>
 
 #include <algorithm>
@@ -86,6 +87,19 @@ int EditorProxyStyle::styleHint(StyleHint hint, const QStyleOption* option, cons
     return hint == SH_DialogButtonBox_ButtonsHaveIcons
                ? 0
                : QProxyStyle::styleHint(hint, option, widget, result);
+}
+
+// Fusion's border cannot be seen on a dark background. A style sheet for menus would replace their
+// radio marks.
+void EditorProxyStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option,
+                                     QPainter* painter, const QWidget* widget) const
+{
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    if (element == PE_PanelMenu) {
+        painter->setPen(option->palette.color(QPalette::Mid));
+        painter->setBrush(Qt::NoBrush);
+        painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+    }
 }
 
 // Qt gives each column the same width, in which dates are cut off.

@@ -2,7 +2,8 @@
 
 #include <QProxyStyle>
 
-// Qt's Fusion style with simple icons in dialogs and wide columns in file dialogs. [ui]
+// Qt's Fusion style with visible borders of menus, simple icons in dialogs, and wide columns in
+// file dialogs. [ui]
 class EditorProxyStyle final : public QProxyStyle {
   public:
     EditorProxyStyle();
@@ -11,6 +12,8 @@ class EditorProxyStyle final : public QProxyStyle {
                        const QWidget* widget) const override;
     int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
                   QStyleHintReturn* result) const override;
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override;
     using QProxyStyle::polish;
     void polish(QWidget* widget) override;
 };

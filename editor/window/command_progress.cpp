@@ -23,6 +23,12 @@ CommandProgress::CommandProgress(CommandMonitor& monitor, BoardTool& tool, const
     stop_ = parts_.toolBar.AddStop([this] { parts_.commands.Perform("QuilpStop"); });
     connect(&monitor_, &CommandMonitor::Changed, this, &CommandProgress::Show);
     connect(&monitor_, &CommandMonitor::Interrupted, this, &CommandProgress::ReportInterrupted);
+    connect(&monitor_, &CommandMonitor::Ended, this,
+            [this](const BoardCommand&, Runtime::CommandEnd end) {
+                if (!end.isStopped && end.status != 0) {
+                    Q_EMIT BoardFailed();
+                }
+            });
     Show();
 }
 
@@ -34,9 +40,13 @@ void CommandProgress::SetRunnable(const QString& name)
 
 void CommandProgress::Show()
 {
-    parts_.status.ShowActivity(monitor_.Text(), monitor_.IsRunning());
+    const bool isUpload =
+        monitor_.IsRunning() && monitor_.command().kind == BoardCommand::Kind::Upload;
+    const bool hasNote = isUpload && !uploadNote_.isEmpty();
+    parts_.status.ShowActivity(hasNote ? monitor_.Text() + " – " + uploadNote_ : monitor_.Text(),
+                               monitor_.IsRunning());
     stop_->setEnabled(monitor_.IsRunning());
-    if (monitor_.IsRunning() && monitor_.command().kind == BoardCommand::Kind::Upload) {
+    if (isUpload) {
         parts_.messages.WithdrawUpload();
     }
     ShowToolTips();

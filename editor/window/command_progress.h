@@ -33,6 +33,13 @@ class CommandProgress final : public QObject {
     // The name of the file that Run would run; empty if there is none.
     void SetRunnable(const QString& name);
 
+    // What is shown beside the running upload, such as "2 of 5".
+    void SetUploadNote(const QString& note) { uploadNote_ = note; }
+
+  Q_SIGNALS:
+    // A command that needs a board failed.
+    void BoardFailed();
+
   private:
     void Show();
     void ShowToolTips();
@@ -43,4 +50,5 @@ class CommandProgress final : public QObject {
     Parts parts_;
     QAction* stop_;
     QString runnable_;
+    QString uploadNote_;
 };

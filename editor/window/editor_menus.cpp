@@ -1,6 +1,7 @@
 #include "editor_menus.h"
 
 #include "appearance.h"
+#include "board_menu.h"
 #include "board_monitor.h"
 #include "board_prompt.h"
 #include "commands_menu.h"
@@ -111,7 +112,7 @@ void EditorMenus::MakeRecentMenu(QMenu* parent)
         menu->clear();
         for (const auto& path : parts_.files.recent()) {
             Add(menu, QString(path).replace('&', "&&"), {},
-                [this, path] { parts_.tabs.Open(path); });
+                [this, path] { parts_.files.Open({path}); });
         }
     });
 }
@@ -250,9 +251,16 @@ std::vector<NamedShortcut> EditorMenus::ReservedShortcuts() const
 void EditorMenus::MakeProjectMenu()
 {
     auto* const menu = AddMenu(tr("&Project"));
-    Add(menu, tr("&Open Folder…"), QKeySequence("Ctrl+Shift+O"),
+    Add(menu, tr("&Open Folder…"), QKeySequence("Ctrl+K,Ctrl+O"),
         [this] { parts_.files.OpenFolderByDialog(); });
     Add(menu, tr("&Close Folder"), {}, [this] { parts_.project.SetFolder({}); });
+    auto* const withFiles = Add(menu, tr("&Run with Project Files"), {}, [] {});
+    withFiles->setCheckable(true);
+    connect(withFiles, &QAction::triggered, &parts_.project, &Project::SetRunsWithFiles);
+    connect(menu, &QMenu::aboutToShow, withFiles, [this, withFiles] {
+        withFiles->setEnabled(!parts_.project.folder().isEmpty());
+        withFiles->setChecked(parts_.project.runsWithFiles());
+    });
     menu->addSeparator();
     AddForDocument(menu, tr("Make This Document the &Target"), QKeySequence("Ctrl+T"),
                    [this](DocumentPage& page) { parts_.files.MakeTarget(page.document()); });
@@ -285,19 +293,11 @@ void EditorMenus::MakeWorksheetMenu()
 
 void EditorMenus::MakeBoardMenu()
 {
-    boardMenu_ = AddMenu(tr("&Board"));
-    auto& board = parts_.board;
-    auto* const attach =
-        Add(boardMenu_, tr("&Attach Virtual Board"), {}, [&board] { board.AttachVirtualBoard(); });
-    auto* const detach =
-        Add(boardMenu_, tr("De&tach Virtual Board"), {}, [&board] { board.DetachVirtualBoard(); });
-    connect(boardMenu_, &QMenu::aboutToShow, this, [&board, attach, detach] {
-        attach->setEnabled(!board.HasVirtualBoard());
-        detach->setEnabled(board.HasVirtualBoard());
-    });
-    Add(boardMenu_, tr("Open Virtual Board &Folder"), {}, [this] { ShowBoardFolder(); });
-    boardMenu_->addSeparator();
-    Add(boardMenu_, tr("&Device Window"), {}, [this] { parts_.commands.OpenDeviceWindow(); });
+    boardMenu_ = new BoardMenu(parts_.boardActions, parts_.board, &parts_.window);
+    parts_.window.menuBar()->addMenu(boardMenu_);
+    connect(boardMenu_, &BoardMenu::FolderRequested, this, &EditorMenus::ShowBoardFolder);
+    connect(boardMenu_, &BoardMenu::DeviceWindowRequested, &parts_.commands,
+            &PluginActions::OpenDeviceWindow);
 }
 
 void EditorMenus::ShowBoardFolder()

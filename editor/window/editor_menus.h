@@ -9,6 +9,7 @@
 #include <functional>
 #include <vector>
 
+class BoardMenu;
 class CommandsMenu;
 class DocumentPage;
 class QAction;
@@ -23,7 +24,7 @@ class EditorMenus final : public QObject {
     EditorMenus(const EditorParts& parts, Shortcuts& shortcuts);
 
     CommandsMenu& commandsMenu() { return *commandsMenu_; }
-    QMenu& boardMenu() { return *boardMenu_; }
+    BoardMenu& boardMenu() { return *boardMenu_; }
 
     // Adds an action that is disabled while no document is open.
     void AddDocumentAction(QAction* action) { documentActions_.push_back(action); }
@@ -57,7 +58,7 @@ class EditorMenus final : public QObject {
     void ShowBoardFolder();
 
     EditorParts parts_;
-    CommandsMenu* commandsMenu_;  // Owned by the window.
-    QMenu* boardMenu_ = nullptr;  // Owned by the menu bar.
+    CommandsMenu* commandsMenu_;      // Owned by the window.
+    BoardMenu* boardMenu_ = nullptr;  // Owned by the window.
     std::vector<QAction*> documentActions_;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+class BoardActions;
 class BoardMonitor;
 class BoardPrompt;
 class DocumentTabs;
@@ -31,4 +32,5 @@ struct EditorParts {
     PluginActions& commands;
     WorksheetActions& worksheetActions;
     BoardPrompt& prompt;
+    BoardActions& boardActions;
 };

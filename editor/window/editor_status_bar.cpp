@@ -90,14 +90,20 @@ void EditorStatusBar::ShowActivity(const QString& text, bool isRunning)
     activity_->setText(text);
 }
 
-void EditorStatusBar::ShowBoard(const BoardMonitor::Board& board)
+void EditorStatusBar::ShowBoard(const BoardMonitor& monitor)
 {
-    QString text = tr("No board");
-    if (board.kind == BoardMonitor::Kind::Real) {
-        text = tr("Board on %1").arg(QString::fromStdString(board.node));
-    } else if (board.kind == BoardMonitor::Kind::Virtual) {
-        text = tr("Virtual board");
+    using Kind = BoardMonitor::Kind;
+    const auto& [kind, port] = monitor.board();
+    const QString node = QString::fromStdString(port.node);
+    const QString text = kind == Kind::Real      ? tr("Board on %1").arg(node)
+                         : kind == Kind::Virtual ? tr("Virtual board")
+                         : kind == Kind::Missing ? tr("Board %1 is not attached").arg(node)
+                                                 : tr("No board");
+    QStringList tip{port.node.empty() ? text : DescribePort(port)};
+    if (!monitor.firmware().isEmpty()) {
+        tip.append(monitor.firmware());
     }
     board_->setText(text);
     board_->setAccessibleName(text);
+    board_->setToolTip(tip.join('\n'));
 }

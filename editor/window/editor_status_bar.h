@@ -24,7 +24,7 @@ class EditorStatusBar final : public QStatusBar {
     void ShowProject(const QString& folder, const QString& target);
     // What runs on the board, or how it ended; empty for nothing.
     void ShowActivity(const QString& text, bool isRunning);
-    void ShowBoard(const BoardMonitor::Board& board);
+    void ShowBoard(const BoardMonitor& monitor);
 
   private:
     QLabel* position_;

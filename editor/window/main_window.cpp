@@ -1,5 +1,7 @@
 #include "main_window.h"
 
+#include "board_actions.h"
+#include "board_menu.h"
 #include "board_prompt.h"
 #include "command_progress.h"
 #include "commands_menu.h"
@@ -85,7 +87,7 @@ MainWindow::MainWindow(const PluginModule& plugin, Runtime& runtime, const Edito
       monitor_(runtime, nullptr),
       shortcuts_({}, {}),
       project_(new Project(this)),
-      board_(new BoardMonitor(paths.boardProgram, paths.boardFolder, this))
+      board_(new BoardMonitor(paths.boardProgram, paths.boardFolder, paths.findPorts, this))
 {
     setAcceptDrops(true);
     setObjectName("editor");
@@ -140,9 +142,11 @@ void MainWindow::MakeActions()
     worksheetActions_ = new WorksheetActions(*worksheet_, *tabs_, *project_, *board_, *messages_);
     worksheetActions_->setParent(this);
     prompt_ = new BoardPrompt(runtime_, {*input_, *worksheet_, tool_, monitor_, *messages_}, this);
-    const EditorParts parts{*this,       *splitter_, *messages_,         *tabs_,  *findBar_,
-                            *worksheet_, *input_,    *project_,          *board_, *files_,
-                            *texts_,     *commands_, *worksheetActions_, *prompt_};
+    worksheetActions_->SetProgramFolder(ResourceFolder(plugin_.bundle()) + "/../../bin");
+    boardActions_ = new BoardActions({*this, tool_, *board_, *tabs_, *worksheet_, *messages_});
+    const EditorParts parts{*this,       *splitter_, *messages_,         *tabs_,   *findBar_,
+                            *worksheet_, *input_,    *project_,          *board_,  *files_,
+                            *texts_,     *commands_, *worksheetActions_, *prompt_, *boardActions_};
     menus_ = new EditorMenus(parts, shortcuts_);
     session_ = std::make_unique<SessionKeeper>(folders_, shortcuts_, parts);
     status_ = new EditorStatusBar(&menus_->boardMenu(), this);
@@ -168,7 +172,11 @@ void MainWindow::ConnectParts()
     connect(tabs_, &DocumentTabs::Failed, messages_, &MessageArea::Report);
     connect(tabs_, &DocumentTabs::FilesDropped, this, &MainWindow::OpenFiles);
     connect(project_, &Project::Changed, this, &MainWindow::ShowProject);
-    connect(board_, &BoardMonitor::Changed, this, [this] { status_->ShowBoard(board_->board()); });
+    connect(board_, &BoardMonitor::Changed, this, [this] { status_->ShowBoard(*board_); });
+    connect(progress_.get(), &CommandProgress::BoardFailed, boardActions_,
+            &BoardActions::OfferVirtualBoard);
+    connect(boardActions_, &BoardActions::UploadNoteChanged, progress_.get(),
+            &CommandProgress::SetUploadNote);
     connect(board_, &BoardMonitor::Failed, messages_, &MessageArea::Report);
     connect(&menus_->commandsMenu(), &CommandsMenu::Chosen, commands_, &PluginActions::Perform);
     connect(menus_, &EditorMenus::CommandMenuRequested, this,
@@ -183,7 +191,7 @@ void MainWindow::ConnectParts()
     connect(&controlsTimer_, &QTimer::timeout, this, &MainWindow::ShowControls);
     runtime_.handlers.idle = [this] { worksheet_->EndOutput(); };
     runtime_.handlers.windowClosed = [this] { SavePluginSettings(); };
-    status_->ShowBoard(board_->board());
+    status_->ShowBoard(*board_);
 }
 
 std::expected<void, std::string> MainWindow::Start()
@@ -230,12 +238,12 @@ void MainWindow::ShowFront()
 {
     auto* const page = tabs_->FrontPage();
     const auto* const front = tabs_->Front();
-    host_.SetDocument(front != nullptr ? front->path() : std::string(),
-                      front != nullptr && front->path().empty() && !front->IsPristine());
+    const std::string path = front != nullptr ? front->RunPath() : std::string();
+    host_.SetDocument(path, front != nullptr && path.empty() && !front->IsPristine());
     if (findBar_->editor() != worksheet_) {
         findBar_->SetEditor(page != nullptr ? &page->editor() : nullptr);
     }
-    setWindowTitle(front != nullptr ? EscapeForTitle(front->Name()) + "[*] – Quilp" : "Quilp");
+    setWindowTitle(front != nullptr ? EscapeForTitle(front->Title()) + "[*] – Quilp" : "Quilp");
     setWindowModified(front != nullptr && front->IsModified());
     menus_->EnableDocumentActions(page != nullptr);
     if (page != nullptr) {

@@ -16,6 +16,7 @@
 #include <memory>
 #include <string>
 
+class BoardActions;
 class BoardPrompt;
 class CommandProgress;
 class ControlToolBar;
@@ -37,6 +38,7 @@ struct EditorPaths {
     UserFolders folders;
     std::string boardProgram;
     std::string boardFolder;  // Contains the virtual board's files.
+    BoardMonitor::FindPorts findPorts = [] { return FindBoardPorts(); };
 };
 
 // The editor's window, which creates and connects its parts. It must be destroyed after
@@ -122,6 +124,7 @@ class MainWindow final : public QMainWindow {
     PluginActions* commands_ = nullptr;
     WorksheetActions* worksheetActions_ = nullptr;
     BoardPrompt* prompt_ = nullptr;
+    BoardActions* boardActions_ = nullptr;
     EditorMenus* menus_ = nullptr;
     ControlToolBar* toolBar_ = nullptr;
     EditorStatusBar* status_ = nullptr;

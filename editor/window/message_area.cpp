@@ -1,5 +1,6 @@
 #include "message_area.h"
 
+#include "board_ports.h"
 #include "message_bar.h"
 
 #include <QPushButton>
@@ -18,12 +19,13 @@ MessageArea::MessageArea(QWidget* parent)
       recovery_(new MessageBar(this)),
       messages_(new MessageBar(this)),
       longLine_(new MessageBar(this)),
-      upload_(new MessageBar(this))
+      upload_(new MessageBar(this)),
+      boards_(new MessageBar(this))
 {
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
-    for (auto* const bar : {recovery_, messages_, longLine_, upload_}) {
+    for (auto* const bar : {recovery_, messages_, longLine_, upload_, boards_}) {
         column->addWidget(bar);
     }
 }
@@ -76,6 +78,28 @@ void MessageArea::WithdrawUpload()
     upload_->hide();
 }
 
+void MessageArea::OfferVirtualBoard(const std::function<void()>& attach)
+{
+    boards_->ShowMessage(tr("No board is attached. The virtual board runs programs, too."),
+                         {{tr("Attach Virtual Board"), attach}, {tr("OK"), [] {}}});
+}
+
+void MessageArea::OfferBoards(const std::vector<BoardPort>& ports,
+                              const std::function<void(const BoardPort& port)>& choose)
+{
+    std::vector<MessageBar::Choice> choices;
+    for (const auto& port : ports) {
+        choices.push_back({DescribePort(port), [choose, port] { choose(port); }});
+    }
+    choices.push_back({tr("Later"), [] {}});
+    boards_->ShowMessage(tr("Several boards are attached. Which one do you want to use?"), choices);
+}
+
+void MessageArea::WithdrawBoards()
+{
+    boards_->hide();
+}
+
 void MessageArea::OfferLongLineText(const std::function<void()>& insert)
 {
     longLineFiles_.clear();
@@ -86,7 +110,7 @@ void MessageArea::OfferLongLineText(const std::function<void()>& insert)
 
 void MessageArea::FocusMessage()
 {
-    for (const auto* const bar : {recovery_, messages_, longLine_, upload_}) {
+    for (const auto* const bar : {recovery_, messages_, longLine_, upload_, boards_}) {
         if (bar->isVisible()) {
             bar->findChild<QPushButton*>()->setFocus();
             return;

@@ -4,8 +4,10 @@
 #include <QWidget>
 
 #include <functional>
+#include <vector>
 
 class MessageBar;
+struct BoardPort;
 
 // The messages above the documents. Each kind has its own bar, so that messages of different kinds
 // do not replace one another. [ui]
@@ -31,6 +33,14 @@ class MessageArea final : public QWidget {
     void OfferUpload(const QString& message, const std::function<void()>& uploadAgain);
     void WithdrawUpload();
 
+    // Offers the virtual board because no board is attached.
+    void OfferVirtualBoard(const std::function<void()>& attach);
+    // Asks which of several boards to use.
+    void OfferBoards(const std::vector<BoardPort>& ports,
+                     const std::function<void(const BoardPort& port)>& choose);
+    // A board is attached, or chosen.
+    void WithdrawBoards();
+
     // Asks whether to insert a text with such a line.
     void OfferLongLineText(const std::function<void()>& insert);
 
@@ -43,5 +53,6 @@ class MessageArea final : public QWidget {
     MessageBar* messages_;
     MessageBar* longLine_;
     MessageBar* upload_;
+    MessageBar* boards_;
     QStringList longLineFiles_;  // Those in the question.
 };

@@ -8,6 +8,7 @@
 
 #include <chrono>
 #include <semaphore>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -20,12 +21,25 @@ std::string ShellProgram()
     return shell.isEmpty() ? "/bin/sh" : shell.toStdString();
 }
 
-ShellJob::Program ProgramFor(const QString& command, const QString& folder)
+std::vector<std::string> EnvironmentWith(const std::string& programFolder)
+{
+    auto environment = CurrentEnvironment();
+    constexpr std::string_view kPath = "PATH=";
+    for (auto& word : environment) {
+        if (word.starts_with(kPath) && !programFolder.empty()) {
+            word.insert(kPath.size(), programFolder + ":");
+        }
+    }
+    return environment;
+}
+
+ShellJob::Program ProgramFor(const QString& command, const QString& folder,
+                             const std::string& programFolder)
 {
     ShellJob::Program program{
         .words =
             std::vector{ShellProgram(), std::string("-c"), command.toLocal8Bit().toStdString()},
-        .environment = CurrentEnvironment(),
+        .environment = EnvironmentWith(programFolder),
         .folder = TextToPath(folder),
         .group = JobGroup::UserShell,
         .splitsLines = false,
@@ -65,8 +79,8 @@ void UserShell::Run(const QString& command, const QString& folder)
         });
     };
     job_ = std::make_shared<ShellJob>(
-        ProgramFor(command, folder), std::make_shared<const ShellJob::OnOutput>(std::move(forward)),
-        runtime.queue());
+        ProgramFor(command, folder, programFolder_),
+        std::make_shared<const ShellJob::OnOutput>(std::move(forward)), runtime.queue());
     job_->SetFinishedHandler([self](int status) {
         if (self) {
             Q_EMIT self->Finished(status);

@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 class ShellJob;
 
@@ -17,6 +18,9 @@ class UserShell final : public QObject {
     explicit UserShell(QObject* parent = nullptr);
     // Stops the running command without waiting for it.
     ~UserShell() override;
+
+    // A folder of programs that commands find before others of the same name.
+    void SetProgramFolder(std::string folder) { programFolder_ = std::move(folder); }
 
     // Stops the running command, and runs the new one in the folder when that has exited.
     void Run(const QString& command, const QString& folder);
@@ -32,5 +36,6 @@ class UserShell final : public QObject {
     void Finished(int status);
 
   private:
+    std::string programFolder_;
     std::shared_ptr<ShellJob> job_;  // The last one, even if it has finished.
 };

@@ -163,7 +163,11 @@ void Worksheet::ApplyColors()
 
 void Worksheet::SetWraps(bool wraps)
 {
-    ChangeView([&] { setWrapMode(wraps ? WrapCharacter : WrapNone); });
+    ChangeView([&] {
+        setWrapMode(wraps ? WrapCharacter : WrapNone);
+        // A scroll bar that appears would wrap all lines again.
+        setVerticalScrollBarPolicy(wraps ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAsNeeded);
+    });
 }
 
 // Makes a change that scrolls the view although the user does not. It may cause other such changes,

@@ -1,6 +1,7 @@
 #include "file_actions.h"
 
 #include "document_tabs.h"
+#include "file_bytes.h"
 #include "message_area.h"
 #include "path_text.h"
 #include "project.h"
@@ -8,15 +9,24 @@
 #include <QFileDialog>
 #include <QFileInfo>
 
+#include <chrono>
+
 namespace {
 
 constexpr int kMaxRecent = 12;
+constexpr int kMaxThreads = 8;
+constexpr std::chrono::seconds kDiskPatience{2};
 
 }  // namespace
 
 FileActions::FileActions(DocumentTabs& tabs, Project& project, MessageArea& messages,
                          QWidget* window)
-    : QObject(window), tabs_(tabs), project_(project), messages_(messages), window_(window)
+    : QObject(window),
+      tabs_(tabs),
+      project_(project),
+      messages_(messages),
+      window_(window),
+      worker_(kMaxThreads, std::chrono::seconds(0))
 {
     connect(&tabs_, &DocumentTabs::Opened, this, &FileActions::AddRecent);
     connect(&tabs_, &DocumentTabs::LineTooLong, this, &FileActions::OfferLongLineFile);
@@ -25,6 +35,9 @@ FileActions::FileActions(DocumentTabs& tabs, Project& project, MessageArea& mess
 void FileActions::Open(const QStringList& paths)
 {
     for (const auto& path : paths) {
+        if (!Answers(path)) {
+            continue;
+        }
         if (IsFolder(path)) {
             project_.SetFolder(path);
         } else {
@@ -33,11 +46,26 @@ void FileActions::Open(const QStringList& paths)
     }
 }
 
+// The calls that open a file would wait for good on a mounted server that is gone.
+bool FileActions::Answers(const QString& path)
+{
+    const std::string key = TextToPath(path);
+    worker_.Do(key, [key]() -> FileWorker::Result {
+        FileStamp::Of(key);
+        return {};
+    });
+    if (worker_.WaitFor(key, kDiskPatience)) {
+        return true;
+    }
+    messages_.Report(tr("%1 was not opened: its disk does not answer.").arg(path));
+    return false;
+}
+
 // A file that has disappeared since the last session is not reported.
 void FileActions::Reopen(const QStringList& paths, const QString& front)
 {
     for (const auto& path : paths + QStringList(front)) {
-        if (IsRegularFile(path)) {
+        if (Answers(path) && IsRegularFile(path)) {
             tabs_.Open(path);
         }
     }

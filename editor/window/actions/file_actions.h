@@ -1,5 +1,7 @@
 #pragma once
 
+#include "file_worker.h"
+
 #include <QObject>
 #include <QStringList>
 
@@ -16,7 +18,8 @@ class FileActions final : public QObject {
     // The referenced objects must outlive this one. `window` is the parent of dialogs.
     FileActions(DocumentTabs& tabs, Project& project, MessageArea& messages, QWidget* window);
 
-    // Opens files; a folder becomes the project.
+    // Opens files; a folder becomes the project. A file on a disk that does not answer is reported
+    // instead.
     void Open(const QStringList& paths);
     // Reopens the documents of the last session that still exist.
     void Reopen(const QStringList& paths, const QString& front);
@@ -31,6 +34,7 @@ class FileActions final : public QObject {
     void SetRecent(const QStringList& paths) { recent_ = paths; }
 
   private:
+    bool Answers(const QString& path);
     void AddRecent(const QString& path);
     void OfferLongLineFile(const QString& path, qint64 line);
 
@@ -39,4 +43,5 @@ class FileActions final : public QObject {
     MessageArea& messages_;
     QWidget* window_;
     QStringList recent_;
+    FileWorker worker_;
 };

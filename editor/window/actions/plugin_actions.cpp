@@ -1,5 +1,6 @@
 #include "plugin_actions.h"
 
+#include "board_documents.h"
 #include "document_tabs.h"
 #include "message_area.h"
 #include "plugin_host.h"
@@ -17,11 +18,24 @@ bool PluginActions::SaveFront()
     if (front == nullptr) {
         return true;
     }
+    if (front->boardFile() != nullptr) {
+        return WriteCopy();
+    }
     if (front->path().empty()) {
         // An empty one is no program: the target runs, if there is one.
         return front->IsPristine() || SaveUnnamed();
     }
     return !savesFirst_ || !front->IsModified() || tabs_.saver().SaveFront();
+}
+
+// The text of a file of the board runs although the board does not have it yet.
+bool PluginActions::WriteCopy()
+{
+    const auto written = BoardDocuments::WriteCopy(*tabs_.Front());
+    if (!written) {
+        messages_.Report(QString::fromStdString(written.error()));
+    }
+    return written.has_value();
 }
 
 // A program without a file is saved in any case, because it could not run otherwise.

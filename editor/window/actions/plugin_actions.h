@@ -34,6 +34,7 @@ class PluginActions final : public QObject {
     bool PrepareFile();
     bool SaveFront();
     bool SaveUnnamed();
+    bool WriteCopy();
 
     PluginHost& host_;
     DocumentTabs& tabs_;

@@ -44,6 +44,11 @@ void WorksheetActions::RunLine(const QString& text)
     shell_->Run(text, PathToText(WorkingFolder()));
 }
 
+void WorksheetActions::SetProgramFolder(const std::string& folder)
+{
+    shell_->SetProgramFolder(folder);
+}
+
 void WorksheetActions::StopShell()
 {
     shell_->Stop();

@@ -21,6 +21,9 @@ class WorksheetActions final : public QObject {
     WorksheetActions(Worksheet& worksheet, DocumentTabs& tabs, const Project& project,
                      const BoardMonitor& board, MessageArea& messages);
 
+    // Commands of the worksheet find the programs of this folder first.
+    void SetProgramFolder(const std::string& folder);
+
     // Stops the shell command that is running, if any.
     void StopShell();
     void GoToNextLink();

@@ -4,6 +4,8 @@
 
 #include <QFileInfo>
 
+#include <cstdlib>
+
 namespace {
 
 QString FullPathOfFile(const QString& path)
@@ -16,7 +18,32 @@ QString MainFileIn(const QString& folder)
     return folder.isEmpty() ? QString() : FullPathOfFile(folder + "/main.py");
 }
 
+// The variable with the folder that the tool's launcher mounts while a program runs.
+constexpr const char* kMountVariable = "QUILP_MOUNT";
+
 }  // namespace
+
+Project::Project(QObject* parent) : QObject(parent)
+{
+    connect(this, &Project::Changed, this, &Project::NameFolder);
+}
+
+Project::~Project()
+{
+    if (isFolderNamed_) {
+        unsetenv(kMountVariable);
+    }
+}
+
+void Project::NameFolder()
+{
+    if (runsWithFiles()) {
+        setenv(kMountVariable, TextToPath(folder_).c_str(), 1);
+    } else if (isFolderNamed_) {
+        unsetenv(kMountVariable);
+    }
+    isFolderNamed_ = runsWithFiles();
+}
 
 void Project::SetFolder(const QString& folder)
 {
@@ -28,6 +55,21 @@ void Project::SetFolder(const QString& folder)
 void Project::SetTarget(const QString& file)
 {
     target_ = FullPathOfFile(file);
+    Q_EMIT Changed();
+}
+
+void Project::SetRunsWithFiles(bool runsWithFiles)
+{
+    foldersWithFiles_.removeAll(folder_);
+    if (runsWithFiles && !folder_.isEmpty()) {
+        foldersWithFiles_.append(folder_);
+    }
+    Q_EMIT Changed();
+}
+
+void Project::SetFoldersWithFiles(const QStringList& folders)
+{
+    foldersWithFiles_ = folders;
     Q_EMIT Changed();
 }
 

@@ -25,6 +25,12 @@ Session Read(QSettings& settings)
     session.recent = PathsFromStored(settings.value("session/recent").toStringList());
     session.folder = PathFromStored(settings.value("session/folder").toString());
     session.target = PathFromStored(settings.value("session/target").toString());
+    session.foldersWithFiles =
+        PathsFromStored(settings.value("session/foldersWithFiles").toStringList());
+    session.board = {settings.value("board/node").toString().toStdString(),
+                     settings.value("board/name").toString().toStdString(),
+                     settings.value("board/id").toString().toStdString()};
+    session.usesVirtualBoard = settings.value("board/virtual", false).toBool();
     session.zoom = std::clamp(settings.value(kRequiredKey, 0).toInt(), kMinZoom, kMaxZoom);
     session.savesBeforeCommands = settings.value("editor/savesBeforeCommands", true).toBool();
     session.wrapsWorksheet = settings.value("editor/wrapsWorksheet", false).toBool();
@@ -75,6 +81,11 @@ std::expected<void, std::string> SaveSession(const std::string& path, const Sess
     settings.setValue("session/recent", PathsToStored(session.recent));
     settings.setValue("session/folder", PathToStored(session.folder));
     settings.setValue("session/target", PathToStored(session.target));
+    settings.setValue("session/foldersWithFiles", PathsToStored(session.foldersWithFiles));
+    settings.setValue("board/node", QString::fromStdString(session.board.node));
+    settings.setValue("board/name", QString::fromStdString(session.board.name));
+    settings.setValue("board/id", QString::fromStdString(session.board.id));
+    settings.setValue("board/virtual", session.usesVirtualBoard);
     settings.setValue(kRequiredKey, session.zoom);
     settings.setValue("editor/savesBeforeCommands", session.savesBeforeCommands);
     settings.setValue("editor/wrapsWorksheet", session.wrapsWorksheet);

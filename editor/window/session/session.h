@@ -1,6 +1,7 @@
 #pragma once
 
 #include "appearance.h"
+#include "board_ports.h"
 #include "shortcuts.h"
 
 #include <QByteArray>
@@ -25,6 +26,9 @@ struct Session {
     QStringList recent;
     QString folder;  // The project's; empty if there is none, like the target.
     QString target;
+    QStringList foldersWithFiles;  // Projects that run with their files (Project).
+    BoardPort board;               // The chosen one; without a node if there is none.
+    bool usesVirtualBoard = false;
     int zoom = 0;
     bool savesBeforeCommands = true;
     bool wrapsWorksheet = false;

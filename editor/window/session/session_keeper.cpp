@@ -1,6 +1,8 @@
 #include "session_keeper.h"
 
 #include "appearance.h"
+#include "board_actions.h"
+#include "board_monitor.h"
 #include "document_tabs.h"
 #include "file_actions.h"
 #include "file_save.h"
@@ -54,6 +56,8 @@ void SessionKeeper::Restore()
     SetAppearance(last_.appearance);
     parts_.project.SetFolder(last_.folder);
     parts_.project.SetTarget(last_.target);
+    parts_.project.SetFoldersWithFiles(last_.foldersWithFiles);
+    RestoreBoard();
     parts_.files.SetRecent(last_.recent);
     parts_.texts.ZoomTo(last_.zoom);
     parts_.commands.SetSavesFirst(last_.savesBeforeCommands);
@@ -66,6 +70,17 @@ void SessionKeeper::Restore()
     timer_.start(kInterval);
     if (!loaded.problem.isEmpty()) {
         parts_.messages.Report(loaded.problem);
+    }
+}
+
+void SessionKeeper::RestoreBoard()
+{
+    if (!last_.board.node.empty()) {
+        parts_.board.Choose(last_.board);
+    }
+    if (last_.usesVirtualBoard) {
+        // Show the window first.
+        QTimer::singleShot(0, &timer_, [this] { parts_.boardActions.UseVirtualBoard(); });
     }
 }
 
@@ -112,6 +127,9 @@ Session SessionKeeper::Current() const
         .recent = parts_.files.recent(),
         .folder = parts_.project.folder(),
         .target = parts_.project.target(),
+        .foldersWithFiles = parts_.project.foldersWithFiles(),
+        .board = parts_.board.choice().value_or(BoardPort()),
+        .usesVirtualBoard = parts_.boardActions.usesVirtualBoard(),
         .zoom = parts_.texts.zoom(),
         .savesBeforeCommands = parts_.commands.savesFirst(),
         .wrapsWorksheet = parts_.worksheet.wraps(),
@@ -194,8 +212,10 @@ QStringList SessionKeeper::SaveAtExit()
     parts_.worksheet.Content();  // Appends pending output.
     SaveWorksheet();
     SaveSettings(Current());
+    const auto end = std::chrono::steady_clock::now() + kEndPatience;
     for (const auto& path : {worksheetPath_, sessionPath_}) {
-        if (!worker_.WaitFor(path, kEndPatience)) {
+        const auto rest = end - std::chrono::steady_clock::now();
+        if (!worker_.WaitFor(path, std::chrono::duration_cast<FileWorker::Patience>(rest))) {
             Fail(QString::fromStdString(path + " cannot be saved: the disk does not answer"));
         }
     }

@@ -32,6 +32,7 @@ class SessionKeeper {
     using Save = std::function<std::expected<void, std::string>()>;
 
     Session Current() const;
+    void RestoreBoard();
     void RestoreWorksheet();
     void SaveChanges();
     void SaveChangedWorksheet();

@@ -242,7 +242,9 @@ TEST_F(WorksheetTest, TheViewFollowsTheOutputOnlyAtTheEnd)
     sheet.ClearAll();
     sheet.SetWraps(true);
     for (int i = 0; i < 3; ++i) {
-        Append(std::string(3000, 'x') + "\n" + Lines(100));
+        Append(Lines(100) + std::string(3000, 'x') + "\n");
+        QCoreApplication::processEvents();
+        sheet.resize(600 - 100 * i, 300);
         QCoreApplication::processEvents();
         const auto last = Send(sheet, QsciScintilla::SCI_POINTYFROMPOSITION, 0, Length(sheet));
         EXPECT_LT(last, sheet.height()) << "lines that are wrapped are not followed";
