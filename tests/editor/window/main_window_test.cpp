@@ -304,6 +304,36 @@ TEST_F(EditorWindow, ThePromptKeepsTheBoardsStateUntilACommandOvertakesIt)
     EXPECT_EQ(window().findChild<QPlainTextEdit*>()->toPlainText(), "while True: pass");
 }
 
+TEST_F(EditorWindow, AProgramReadsWhatIsEnteredInTheFieldAlsoWhileItPrints)
+{
+    Start({Write("reads.py",
+                 "import select, sys\n"
+                 "print('Hello', input('Name? '))\n"
+                 "try:\n"
+                 "    input()\n"
+                 "except EOFError:\n"
+                 "    print('at the end')\n"
+                 "poll = select.poll()\n"
+                 "poll.register(sys.stdin, select.POLLIN)\n"
+                 "while not poll.poll(0):\n"
+                 "    print('round')\n"
+                 "print('read', sys.stdin.readline())\n")});
+    AttachBoard();
+    Press(Qt::Key_F5);
+    ASSERT_TRUE(SheetShows("Name? "));
+    Press(Qt::Key_J, Qt::ControlModifier | Qt::ShiftModifier);
+    auto* const field = QApplication::focusWidget();
+    EXPECT_EQ(field->accessibleName(), "Input to reads.py");
+    QTest::keyClicks(field, "Ada");
+    Press(Qt::Key_Return);
+    ASSERT_TRUE(SheetShows("Name? Ada\nHello Ada\n"));
+    Press(Qt::Key_D, Qt::ControlModifier);
+    ASSERT_TRUE(SheetShows("at the end\nround\nround\n")) << Sheet();
+    QTest::keyClicks(field, "line");
+    Press(Qt::Key_Return);
+    EXPECT_TRUE(SheetShows("round\nread line\n"));
+}
+
 TEST_F(EditorWindow, ShowsTheControlExactlyWhileThePluginOffersIt)
 {
     const QString notes = Write("notes.txt", "");
