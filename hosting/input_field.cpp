@@ -10,9 +10,11 @@
 #include <QScrollBar>
 #include <QStringListModel>
 
+#include <algorithm>
+
 namespace {
 
-constexpr int kPadding = 8;         // pixels
+constexpr int kPadding = 9;         // pixels
 constexpr int kMaxNameLength = 24;  // characters in the label
 constexpr int kMaxListHeight = 10;  // lines
 
@@ -42,8 +44,6 @@ InputField::InputField(QWidget* parent)
     auto* const row = new QHBoxLayout(this);
     row->setContentsMargins(kPadding, 0, 0, 0);
     row->setSpacing(0);
-    const int top = static_cast<int>(text_->document()->documentMargin());
-    label_->setContentsMargins(0, top, 0, 0);
     label_->setTextFormat(Qt::PlainText);
     label_->setBuddy(text_);
     row->addWidget(label_, 0, Qt::AlignTop);
@@ -59,6 +59,7 @@ InputField::InputField(QWidget* parent)
     });
     connect(text_, &InputText::TabPressed, this, &InputField::PressTab);
     connect(text_, &InputText::Left, this, &InputField::Left);
+    SetTextFont(font());
     ShowPrompt();
 }
 
@@ -77,7 +78,7 @@ void InputField::MakeCompleter()
 
 void InputField::ShowPrompt()
 {
-    Show(true, QStringLiteral(">>> "), tr("Board prompt"),
+    Show(true, QStringLiteral(">>>"), tr("Board prompt"),
          tr("Python for the board – Return runs it"));
 }
 
@@ -85,7 +86,7 @@ void InputField::ShowInput(const QString& program)
 {
     const QString shown = Shorten(program);
     const QString label = program.isEmpty() ? tr("Input:") : tr("Input to %1:").arg(shown);
-    Show(false, label + ' ',
+    Show(false, label,
          program.isEmpty() ? tr("Input to the program") : tr("Input to %1").arg(program),
          tr("Return sends a line – Control-D ends the input"));
 }
@@ -109,6 +110,10 @@ void InputField::Accept()
 void InputField::SetTextFont(const QFont& font)
 {
     label_->setFont(font);
+    // One space between the label and the text, as in the worksheet.
+    const int margin = static_cast<int>(text_->document()->documentMargin());
+    const int space = QFontMetrics(font).horizontalAdvance(u' ');
+    label_->setContentsMargins(0, margin, std::max(0, space - margin), 0);
     text_->SetTextFont(font);
     completer_->popup()->setFont(font);
 }

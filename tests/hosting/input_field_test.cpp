@@ -87,7 +87,7 @@ TEST_F(InputFieldTest, ControlDEndsOnlyTheInputOfAProgramAndOnlyInAnEmptyField)
     Press(Qt::Key_D, Qt::ControlModifier);
     EXPECT_EQ(ends, 0);
     field.ShowInput("blink.py");
-    EXPECT_EQ(field.findChild<QLabel*>()->text(), "Input to blink.py: ");
+    EXPECT_EQ(field.findChild<QLabel*>()->text(), "Input to blink.py:");
     EXPECT_EQ(text().accessibleName(), "Input to blink.py");
     Type("a");
     Press(Qt::Key_D, Qt::ControlModifier);

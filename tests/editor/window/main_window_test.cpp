@@ -23,6 +23,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QStatusBar>
@@ -237,6 +238,100 @@ TEST_F(EditorWindow, SaysWhatRunsAndThatAnUploadWasCutShort)
     Answer("Upload Again");
     EXPECT_TRUE(shows("Uploading big.py"));
     EXPECT_EQ(Message(), "");
+}
+
+TEST_F(EditorWindow, ThePromptKeepsTheBoardsStateUntilACommandOvertakesIt)
+{
+    const QString file = Write("run.py", "print('ran')\n");
+    const auto temporaryBefore = qgetenv("TMPDIR");
+    Start({file});
+    AttachBoard();
+    const auto isIdle = [] { return WaitUntil([] { return Runtime::Current().IsIdle(); }); };
+    const auto enter = [&](const QString& text) {
+        QApplication::clipboard()->setText(text);
+        Press(Qt::Key_V, Qt::ControlModifier);
+        Press(Qt::Key_Return);
+    };
+    Press(Qt::Key_J, Qt::ControlModifier | Qt::ShiftModifier);
+    enter("import os; x = 6");
+    enter("for i in range(2):\n    print(i)");  // Waits for the first one.
+    enter("x * 7");
+    ASSERT_TRUE(SheetShows("42\n"));
+    EXPECT_EQ(Sheet(),
+              ">>> import os; x = 6\n>>> for i in range(2):\n...     print(i)\n0\n1\n"
+              ">>> x * 7\n42\n");
+    ASSERT_TRUE(isIdle());
+    enter("x / 0");
+    EXPECT_TRUE(SheetShows("ZeroDivisionError"));
+    EXPECT_FALSE(window().worksheet().GoToNextLink());
+
+    qputenv("TMPDIR", folder.path().c_str());
+    ASSERT_TRUE(isIdle());
+    enter("#" + QString(150'000, u'-') + "\nprint('long')");
+    EXPECT_TRUE(SheetShows("\nlong\n"));
+    ASSERT_TRUE(isIdle());
+    for (const auto& entry : fs::directory_iterator(folder.path())) {
+        EXPECT_FALSE(entry.path().filename().string().starts_with("quilp-prompt"));
+    }
+    temporaryBefore.isNull() ? qunsetenv("TMPDIR") : qputenv("TMPDIR", temporaryBefore);
+
+    auto& text = *window().findChild<QPlainTextEdit*>();
+    QTest::keyClicks(&text, "os.renam");
+    Press(Qt::Key_Tab);
+    EXPECT_TRUE(WaitUntil([&] { return text.toPlainText() == "os.rename"; }));
+    text.clear();
+    ASSERT_TRUE(isIdle());
+    enter("while True: pass");
+    EXPECT_TRUE(WaitUntil([&] { return text.accessibleName() == "Input to the program"; }));
+    Press(Qt::Key_F5);
+    EXPECT_TRUE(SheetShows("while True: pass\nran\n")) << Sheet();
+    ASSERT_TRUE(isIdle());
+    EXPECT_EQ(text.accessibleName(), "Board prompt");
+
+    Press(Qt::Key_Escape);
+    editor().SetContent("    x = 'selected'\n    x\n");
+    editor().setSelection(0, 4, 1, 5);
+    Press(Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_TRUE(SheetShows(">>> x = 'selected'\n... x\n"));
+    ASSERT_TRUE(isIdle());
+    editor().GoToLine(2);
+    Press(Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_TRUE(SheetShows(">>> x\n'selected'\n"));
+    Close();
+    Start();
+    Press(Qt::Key_J, Qt::ControlModifier | Qt::ShiftModifier);
+    Press(Qt::Key_Up);
+    EXPECT_EQ(window().findChild<QPlainTextEdit*>()->toPlainText(), "while True: pass");
+}
+
+TEST_F(EditorWindow, AProgramReadsWhatIsEnteredInTheFieldAlsoWhileItPrints)
+{
+    Start({Write("reads.py",
+                 "import select, sys\n"
+                 "print('Hello', input('Name? '))\n"
+                 "try:\n"
+                 "    input()\n"
+                 "except EOFError:\n"
+                 "    print('at the end')\n"
+                 "poll = select.poll()\n"
+                 "poll.register(sys.stdin, select.POLLIN)\n"
+                 "while not poll.poll(0):\n"
+                 "    print('round')\n"
+                 "print('read', sys.stdin.readline())\n")});
+    AttachBoard();
+    Press(Qt::Key_F5);
+    ASSERT_TRUE(SheetShows("Name? "));
+    Press(Qt::Key_J, Qt::ControlModifier | Qt::ShiftModifier);
+    auto* const field = QApplication::focusWidget();
+    EXPECT_EQ(field->accessibleName(), "Input to reads.py");
+    QTest::keyClicks(field, "Ada");
+    Press(Qt::Key_Return);
+    ASSERT_TRUE(SheetShows("Name? Ada\nHello Ada\n"));
+    Press(Qt::Key_D, Qt::ControlModifier);
+    ASSERT_TRUE(SheetShows("at the end\nround\nround\n")) << Sheet();
+    QTest::keyClicks(field, "line");
+    Press(Qt::Key_Return);
+    EXPECT_TRUE(SheetShows("round\nread line\n"));
 }
 
 TEST_F(EditorWindow, ShowsTheControlExactlyWhileThePluginOffersIt)
