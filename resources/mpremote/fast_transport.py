@@ -10,8 +10,22 @@ import errno
 import select
 import time
 
+import serial
+
 PIECE_OF_MPREMOTE = 256  # Bytes that mpremote copies at once.
 PIECE = 1024
+
+
+class ReturningPort(serial.Serial):
+    returned = b""  # Bytes that were read too early. They are read again.
+
+    @property
+    def in_waiting(self):
+        return len(self.returned) + super().in_waiting
+
+    def read(self, size=1):
+        data, self.returned = self.returned[:size], self.returned[size:]
+        return data + super().read(size - len(data)) if len(data) < size else data
 
 
 def has_parameters(function, *names):
@@ -43,7 +57,7 @@ def read_when_bytes_arrive(transport):
         self, min_num_bytes, ending, timeout=10, data_consumer=None, timeout_overall=None
     ):
         port = self.serial
-        if not hasattr(port, "returned"):  # A folder is mounted, or the port is not a local one.
+        if not isinstance(port, ReturningPort):  # A folder is mounted, or the port is not a local one.
             return read_until_of_mpremote(
                 self, min_num_bytes, ending, timeout, data_consumer, timeout_overall
             )

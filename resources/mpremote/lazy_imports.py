@@ -5,12 +5,13 @@ import importlib
 import sys
 import types
 
-# For each module the names that others import from it, which must be functions. If this version of
-# mpremote imports another name, the module is loaded at once. Without names, the module itself is
+# For each module the names that others import from it, which must be callable. If another name is
+# imported, the module is loaded at once. Without names, the module itself is
 # imported, and its first use loads it.
 DEFERRED = {
     "mpremote.mip": ("do_mip",),
     "mpremote.repl": ("do_repl",),
+    "configparser": ("ConfigParser",),
     "hashlib": (),
     "tempfile": (),
 }
