@@ -39,6 +39,9 @@ void ExpectExchanges(BoardLine& line, std::initializer_list<Exchange> exchanges)
     }
 }
 
+// Also if all other tests use the plain tool.
+const std::string fast_tool = "QUILP_PLAIN_MPREMOTE=";
+
 }  // namespace
 
 TEST(Board, ServesTheRealTool)
@@ -330,7 +333,8 @@ TEST(Launcher, RunsTheToolOfItsPythonAndWorksWithoutStandardOutput)
 
 TEST(Launcher, EveryCommandDoesTheSameAsInThePlainTool)
 {
-    const BoardProcess::Files files{{"boot.py", "print('boot')\n"}, {"d/x.txt", "x\r\n"}};
+    const BoardProcess::Files files{{"boot.py", "print('boot')\n"},
+                                    {"d/x.txt", std::string(10'000, 'x') + "\r\n"}};
     const BoardProcess fast(files), plain(files);
     const TemporaryFolder local;
     std::string large;
@@ -373,7 +377,7 @@ TEST(Launcher, EveryCommandDoesTheSameAsInThePlainTool)
     for (const auto& words : rows) {
         std::vector<std::string> line{QUILP_MPREMOTE};
         line.insert(line.end(), words.begin(), words.end());
-        const auto ours = RunProgram(line, fast.variables());
+        const auto ours = RunProgram(line, {fast.variables()[0], fast_tool});
         const auto tools = RunProgram(line, {plain.variables()[0], "QUILP_PLAIN_MPREMOTE=1"});
         EXPECT_EQ(ours.output, tools.output) << testing::PrintToString(words);
         EXPECT_EQ(ours.status, tools.status) << testing::PrintToString(words);
@@ -400,13 +404,17 @@ class File:
         self.file.write(data[:-1] if self.name == 'loses' and len(data) < 256 else data)
 builtins.open = File
 )"}});
+    const auto tool = [&](std::vector<std::string> words) {
+        words.insert(words.begin(), QUILP_MPREMOTE);
+        return RunProgram(words, {board.variables()[0], fast_tool});
+    };
     const TemporaryFolder local;
     const auto source = local.Write("source", EveryByte() + EveryByte() + "end");
-    EXPECT_EQ(board.Tool({"cp", source, ":copy"}).status, 0);
-    EXPECT_EQ(board.Tool({"cp", ":copy", local / "back"}).status, 0);
+    EXPECT_EQ(tool({"cp", source, ":copy"}).status, 0);
+    EXPECT_EQ(tool({"cp", ":copy", local / "back"}).status, 0);
     EXPECT_EQ(ReadFile(local / "back"), ReadFile(source));
     EXPECT_TRUE(
-        board.Tool({"cp", source, ":loses"}).output.ends_with("cp: loses: Input/output error.\n"));
+        tool({"cp", source, ":loses"}).output.ends_with("cp: loses: Input/output error.\n"));
 }
 
 TEST(Launcher, NeverUsesAnotherBoardInsteadOfTheVirtualOne)
