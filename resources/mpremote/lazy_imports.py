@@ -12,7 +12,9 @@ DEFERRED = {
     "mpremote.mip": ("do_mip",),
     "mpremote.repl": ("do_repl",),
     "configparser": ("ConfigParser",),
+    "pathlib": ("Path",),
     "hashlib": (),
+    "platform": (),
     "tempfile": (),
 }
 
