@@ -14,7 +14,6 @@ DEFERRED = {
     "configparser": ("ConfigParser",),
     "pathlib": ("Path",),
     "hashlib": (),
-    "platform": (),
     "tempfile": (),
 }
 
