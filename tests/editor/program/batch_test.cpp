@@ -300,7 +300,11 @@ TEST(Editor, OpensTheDeviceWindowAloneAndKeepsItsFrame)
                           "XDG_CONFIG_HOME=" + bundle.path()};
     const auto settings = bundle / "quilp/plugins.settings";
     const auto open = "'" QUILP_BIN "/quilp-editor' --open-device-window --plugin " + plugin;
-    for (const std::string prepare : {"exec ", "ulimit -f 0; exec "}) {
+    Words ways{"exec "};
+#ifndef __SANITIZE_THREAD__  // Its memory counts as files.
+    ways.push_back("ulimit -f 0; exec ");
+#endif
+    for (const auto& prepare : ways) {
         fs::remove(tool + ".ran");
         BackgroundProgram editor({"sh", "-c", prepare + open}, variables);
         EXPECT_TRUE(WaitUntil([&] { return fs::exists(tool + ".ran"); })) << "no listing";
