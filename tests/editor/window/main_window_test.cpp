@@ -31,6 +31,7 @@
 #include <QToolButton>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -484,6 +485,16 @@ TEST_F(EditorWindow, FollowsAFileThatAnotherProgramChanges)
     EXPECT_TRUE(WaitUntil([&] { return HasCopy(places.folders.state + "/recovery"); }));
     Press(Qt::Key_S, Qt::ControlModifier);
     EXPECT_EQ(Read("a.py"), "theirs once more\n");
+
+    // The result of a check arrives when the document has just been closed.
+    auto& queue = Runtime::Current().queue();
+    queue.Drain();
+    Write("a.py", "too late\n");
+    window().documents().CheckDisk();
+    pollfd arrived{queue.wakeFd(), POLLIN, 0};
+    ASSERT_EQ(poll(&arrived, 1, 20'000), 1);
+    ASSERT_TRUE(window().documents().Close(0));
+    queue.Drain();
 }
 
 TEST_F(EditorWindow, SavesAsANameWithoutAnExtension)
