@@ -72,9 +72,9 @@ TEST_F(Batch, EveryLineOfATracebackShowsTheFilesPath)
 
 TEST_F(Batch, GoesOnAfterWhatAPluginThrowsAndFails)
 {
-    const auto result = RunProgram(Editor({"--plugin", QUILP_TEST_BIN "/throwing_plugin.so",
-                                           "--document", local.Write("s.py", ""), "--batch", "run",
-                                           "help", "list"}));
+    const auto result =
+        RunProgram(Editor({"--plugin", QUILP_TEST_BIN "/throwing_plugin.so", "--document",
+                           local.Write("s.py", ""), "--batch", "run", "help", "list"}));
     EXPECT_EQ(result.status, 1) << result.output;
     for (const char* place : {"output", "completion", "QuilpList"}) {
         EXPECT_TRUE(Contains(result.output, std::string("thrown in ") + place)) << result.output;
@@ -205,6 +205,16 @@ TEST(Editor, EveryCommandLineHasItsMessageAndStatus)
         EXPECT_EQ(result.status, row.status) << result.output;
         EXPECT_TRUE(Contains(result.output, row.message)) << result.output;
     }
+}
+
+TEST(Editor, AVirtualBoardNeedsNeitherTmpdirNorAWritableCurrentFolder)
+{
+    const TemporaryFolder files;
+    const auto result =
+        RunProgram({"sh", "-c", "cd /proc && exec \"$0\" \"$@\"", QUILP_BIN "/quilp-editor",
+                    "--virtual-board=" + files.path(), "--batch", "list"},
+                   {"TMPDIR=/none"});
+    EXPECT_EQ(result.status, 0) << result.output;
 }
 
 TEST(Editor, ExitsWhenOutputCannotBeWritten)
