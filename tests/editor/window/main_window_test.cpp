@@ -681,6 +681,8 @@ TEST_F(EditorWindow, SurvivesAPluginThatThrowsOrSendsInvalidMessages)
     EXPECT_TRUE(MessageShows("message 101"));
     Press(Qt::Key_F8);
     EXPECT_TRUE(MessageShows("no Device window"));
+    Runtime::Current().handlers.warning("A program hangs.");
+    EXPECT_TRUE(MessageShows("A program hangs."));
     Type("still here");
     EXPECT_TRUE(window().documents().saver().SaveFront());
     EXPECT_EQ(Read("a.py"), "still here");
