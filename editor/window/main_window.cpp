@@ -191,6 +191,9 @@ void MainWindow::ConnectParts()
     connect(&controlsTimer_, &QTimer::timeout, this, &MainWindow::ShowControls);
     runtime_.handlers.idle = [this] { worksheet_->EndOutput(); };
     runtime_.handlers.windowClosed = [this] { SavePluginSettings(); };
+    runtime_.handlers.warning = [this](const std::string& text) {
+        messages_->Report(QString::fromStdString(text));
+    };
     status_->ShowBoard(*board_);
 }
 

@@ -253,6 +253,16 @@ TEST(Editor, EveryCommandLineHasItsMessageAndStatus)
     }
 }
 
+TEST(Editor, AVirtualBoardNeedsNeitherTmpdirNorAWritableCurrentFolder)
+{
+    const TemporaryFolder files;
+    const auto result =
+        RunProgram({"sh", "-c", "cd /proc && exec \"$0\" \"$@\"", QUILP_BIN "/quilp-editor",
+                    "--virtual-board=" + files.path(), "--batch", "list"},
+                   {"TMPDIR=/none"});
+    EXPECT_EQ(result.status, 0) << result.output;
+}
+
 TEST(Editor, ExitsWhenOutputCannotBeWritten)
 {
     const std::string program = "'" QUILP_BIN "/quilp-editor'";

@@ -32,6 +32,7 @@
 #include <QToolButton>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -569,17 +570,27 @@ TEST_F(EditorWindow, FollowsAFileThatAnotherProgramChanges)
     EXPECT_EQ(Read("a.py"), "mine one and two\n");
     EXPECT_EQ(Message(), "");
 
-    Type("again ");
-    Write("a.py", "theirs once more\n");
+    Type("again ");  // The size differs, because the clock of files may not have ticked.
+    Write("a.py", "theirs, once more\n");
     ASSERT_TRUE(MessageShows("changed"));
     Answer("Reload");
-    EXPECT_EQ(editor().Content(), "theirs once more\n");
+    EXPECT_EQ(editor().Content(), "theirs, once more\n");
 
     fs::remove(folder / "a.py");
     ASSERT_TRUE(WaitUntil([&] { return window().documents().Front()->IsModified(); }));
     EXPECT_TRUE(WaitUntil([&] { return HasCopy(places.folders.state + "/recovery"); }));
     Press(Qt::Key_S, Qt::ControlModifier);
-    EXPECT_EQ(Read("a.py"), "theirs once more\n");
+    EXPECT_EQ(Read("a.py"), "theirs, once more\n");
+
+    // The result of a check arrives when the document has just been closed.
+    auto& queue = Runtime::Current().queue();
+    queue.Drain();
+    Write("a.py", "too late\n");
+    window().documents().CheckDisk();
+    pollfd arrived{queue.wakeFd(), POLLIN, 0};
+    ASSERT_EQ(poll(&arrived, 1, 20'000), 1);
+    ASSERT_TRUE(window().documents().Close(0));
+    queue.Drain();
 }
 
 TEST_F(EditorWindow, SavesAsANameWithoutAnExtension)
@@ -766,6 +777,8 @@ TEST_F(EditorWindow, SurvivesAPluginThatThrowsOrSendsInvalidMessages)
     EXPECT_TRUE(MessageShows("message 101"));
     Press(Qt::Key_F8);
     EXPECT_TRUE(MessageShows("no Device window"));
+    Runtime::Current().handlers.warning("A program hangs.");
+    EXPECT_TRUE(MessageShows("A program hangs."));
     Type("still here");
     EXPECT_TRUE(window().documents().saver().SaveFront());
     EXPECT_EQ(Read("a.py"), "still here");
