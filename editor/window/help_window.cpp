@@ -30,8 +30,7 @@ menu. If the front document is not Python, Run takes the <b>target</b>: the file
 Project menu, or <code>main.py</code> of the open folder.</p>
 <p><b>Upload</b> copies the document to the board under its own name, <b>Upload as main.py</b> under
 the name of the program that the board runs at power-on. The arrow beside Run opens the menu of all
-commands. The plug-in does not quote a document's path, so it must contain no space, quote or
-backslash.</p>
+commands. A document whose name contains a single quote runs, but cannot be uploaded.</p>
 <h2><a name="worksheet"></a>The worksheet</h2>
 <p>The worksheet shows the output of programs, and you can edit it like a document. Click a line of a
 traceback to go to the source, or step through all of them with the keys below.</p>
@@ -39,8 +38,8 @@ traceback to go to the source, or step through all of them with the keys below.<
 it in the folder of the project or of the front document. If text is selected, the selection runs.
 The text is kept when you quit, and its oldest lines are removed when it becomes very long.</p>
 <h2><a name="boards"></a>Boards</h2>
-<p>Plug in a board, and the lower right corner of the window shows its port. The virtual board has
-priority while it is attached. If a command reports <i>no device found</i>, there is no board, or
+<p>Plug in a board, and the lower right corner of the window shows its port. The virtual board is
+the only one while it is attached. If a command reports <i>no device found</i>, there is no board, or
 another program uses its port. If it reports <i>failed to access</i>, you lack the permission: run
 <code>sudo usermod -aG dialout "$USER"</code> and log in again.</p>
 <h2><a name="device"></a>The Device window</h2>

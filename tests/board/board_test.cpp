@@ -1,9 +1,13 @@
 #include "board_process.h"
+#include "descriptors.h"
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <signal.h>
+#include <sys/stat.h>
 
+#include <algorithm>
 #include <filesystem>
 
 namespace {
@@ -115,6 +119,58 @@ TEST(Board, ThePromptIgnoresArrowKeysAndErasesWholeCharacters)
                     {{"'x\x1b[1;5Aä\x7f'\r", ">>> ", "'xä\b \b'\r\n'x'\r\n>>> "},
                      {"\x05", "=== ", "\r\npaste mode; Ctrl-C to cancel, Ctrl-D to finish\r\n=== "},
                      {"if 1:\r  print(2)\x04", ">>> ", "if 1:\r\n===   print(2)\r\n2\r\n>>> "}});
+}
+
+TEST(Board, ProgramsReadTheirInputAsOnABoard)
+{
+    const BoardProcess board;
+    RawLine line(board);
+    const struct {
+        std::string_view program, input, output;
+    } rows[] = {
+        {"print(input('name?\\n') + '!')", "Bo\x7fx\r", "name?\r\nBo\b\x1b[Kx\r\nBx!\r\n"},
+        {"try: input()\nexcept EOFError: print('end')", "\x04", "end\r\n"},
+        {"print(repr(sys.stdin.readline()), repr(sys.stdin.read(3)))", "one\r\xc3\xb6\r\n",
+         "'one\\n' '\\xf6\\n\\n'\r\n"},
+        {"print(sys.stdin.buffer.read(2), sys.stdin.buffer.readinto(b, 3), b)", "\r\n\xff\r\n",
+         "b'\\r\\n' 3 bytearray(b'\\xff\\r\\n\\x00')\r\n"},
+        {"print(before, len(p.poll(-1)), len(select.select([sys.stdin], [], [])[0]))\n"
+         "sys.stdin.read(1)",
+         "x", "([], ([], [], [])) 1 1\r\n"},
+        {"micropython.kbd_intr(-1); print(sys.stdin.buffer.read(2)); micropython.kbd_intr(3)",
+         "\x03\r", "b'\\x03\\r'\r\n"},
+    };
+    for (const auto& row : rows) {
+        line.Send(
+            "import micropython, select, sys\nb = bytearray(4)\n"
+            "p = select.poll(); p.register(sys.stdin, select.POLLIN)\n"
+            "before = p.poll(0), select.select([sys.stdin], [], [], 0)\nprint('on')\n");
+        line.Send(std::string(row.program) + "\x04");
+        EXPECT_EQ(line.ReadTo("on\r\n"), "OKon\r\n");
+        line.Send(row.input);
+        EXPECT_EQ(line.ReadTo("\x04\x04>"), std::string(row.output) + "\x04\x04>") << row.program;
+    }
+}
+
+TEST(Board, AMountedFolderIsReadAndWritten)
+{
+    const BoardProcess board;
+    const TemporaryFolder folder;
+    folder.Write("helper.py", "answer = 42\n");
+    folder.Write("\u00fc.bin", EveryByte());
+    const auto program = folder.Write(
+        "x.py",
+        "import array, helper, os, sys\nprint(helper.answer, sorted(os.listdir('/remote')))\n"
+        "a = array.array('H', [0] * 200)\nwith open('\u00fc.bin', 'rb') as f:\n"
+        "  print(f.readinto(a), bytes(a)[:200] == bytes(range(200)))\n"
+        "  with open('copy \u00fc', 'wb') as copy: copy.write(bytes(range(200)) + f.read())\n"
+        "sys.exit()\n");
+    auto variables = board.variables();
+    variables.push_back("QUILP_MOUNT=" + folder.path());
+    const auto result = RunProgram({QUILP_MPREMOTE, "run", program}, variables);
+    EXPECT_EQ(result.output, "42 ['helper.py', 'x.py', '\\xfc.bin']\r\n200 True\r\n");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(ReadFile(folder / "copy \u00fc"), EveryByte());
 }
 
 TEST(Board, AnInterruptTakesEffectAtAnyTimeOfAProgramsStart)
@@ -296,6 +352,55 @@ TEST(Launcher, NeverUsesAnotherBoardInsteadOfTheVirtualOne)
     EXPECT_EQ(remove(), "mpremote: no device found\n");
     EXPECT_TRUE(std::filesystem::exists(other.files() / "x.txt"));
     EXPECT_EQ(RunProgram(line, {path}).output, "rm :x.txt\n");
+    board.SetPlugged(true);
+    const std::string chosen = "QUILP_BOARD=";
+    for (const auto& [variable, device] : {std::pair(chosen + board.link(), board.devicePath()),
+                                           {chosen + other.link(), other.devicePath()},
+                                           {chosen + other.devicePath(), other.devicePath()},
+                                           {chosen + folder / "none", ""}}) {
+        const auto list =
+            RunProgram({QUILP_MPREMOTE, "devs"}, {board.variables()[0], path, variable}).output;
+        EXPECT_EQ(list.substr(0, list.find(' ')), device) << variable;
+        EXPECT_EQ(std::ranges::count(list, '\n'), device.empty() ? 0 : 1) << list;
+    }
+}
+
+TEST(Launcher, SendsInputOnlyToTheProgramsOfRunAndExec)
+{
+    const BoardProcess board;
+    const auto result =
+        RunProgram({"sh", "-c",
+                    "printf 'Ann\rprint(2)\r\004' | " QUILP_MPREMOTE
+                    " touch :a + df + exec 'print(input())' + exec 'print(1)' + ls"},
+                   board.variables());
+    EXPECT_TRUE(result.output.ends_with("\nAnn\r\nAnn\r\n1\r\nls :\n           0 a\n"))
+        << result.output;
+}
+
+TEST(Launcher, InputAndOutputDoNotWaitForEachOther)
+{
+    const BoardProcess board;
+    const TemporaryFolder folder;
+    ASSERT_EQ(mkfifo((folder / "input").c_str(), 0600), 0);
+    const int input = open((folder / "input").c_str(), O_RDWR | O_CLOEXEC);
+    BackgroundProgram tool({"sh", "-c", "exec " QUILP_MPREMOTE " exec \"$0\" <\"$1\"",
+                            "import select, sys, time\n"
+                            "p = select.poll(); p.register(sys.stdin, select.POLLIN)\n"
+                            "while not p.poll(0): print('x' * 100)\n"
+                            "print('got', sys.stdin.readline())\n"
+                            "for i in range(300): print('line', i); time.sleep(0.002)\n"
+                            "while True: time.sleep(1)\n",
+                            folder / "input"},
+                           board.variables());
+    ASSERT_TRUE(tool.WaitForOutput("xxx"));
+    WriteFully(input, "it\r");
+    EXPECT_TRUE(tool.WaitForOutput("got it")) << "during a flood of output";
+    BackgroundProgram flood({"sh", "-c", "exec yes >\"$0\"", folder / "input"});
+    EXPECT_TRUE(tool.WaitForOutput("line 299")) << "during a flood of input";
+    tool.Signal(SIGTERM);
+    EXPECT_TRUE(tool.WaitForExit());
+    CloseDescriptor(input);
+    EXPECT_TRUE(board.IsAtPrompt());
 }
 
 TEST(Launcher, InterruptsTheProgramWhenItsTerminalIsClosed)
@@ -316,6 +421,7 @@ TEST(Board, WorksAfterTheToolWasKilledAtAnyTime)
     int delay = 0;  // From the tool's start to its work on the board, in ms.
     for (const auto& words : {std::vector<std::string>{"exec", "while True: print('x' * 50)"},
                               {"cp", large, ":l.bin"},
+                              {"mount", local.path(), "exec", "while True: open('large.bin')"},
                               {"exec", "while True: pass"}}) {
         std::vector<std::string> line{QUILP_MPREMOTE};
         line.insert(line.end(), words.begin(), words.end());

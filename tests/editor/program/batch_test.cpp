@@ -179,6 +179,49 @@ TEST_F(Batch, EveryCommandWorksOnTheBoard)
     EXPECT_TRUE(OutputOf({"--batch", "status"}).starts_with(board.devicePath() + " "));
 }
 
+TEST_F(Batch, PromptsKeepTheBoardsStateUntilARestartAndMainRunsItsProgram)
+{
+    EXPECT_EQ(OutputOf({"--batch", "prompt=x = 'a'", "prompt=for c in 'bc':\n  print(x + c)",
+                        "prompt=x", "restart", "prompt='x' in globals()", "main"}),
+              "ab\r\nac\r\n'a'\r\nFalse\r\nquilp-editor: The board has no main.py.\n");
+    board.files().Write("main.py", "import time\nprint(__name__)\nwhile True: time.sleep(1)\n");
+    EXPECT_EQ(OutputOf({"--batch", "main", "wait=1", "stop", "prompt=1"}), "__main__\r\n1\r\n");
+}
+
+TEST_F(Batch, ForwardsInputOfAnySizeAndItsEndToPrograms)
+{
+    auto words =
+        Editor(RunScript("import sys\nn = 0\nfor line in sys.stdin:\n"
+                         "  if line == '\\x04':\n    break\n"
+                         "  n += int(line)\n  if line == '7\\n':\n    break\n"
+                         "print(n)\ntry: input()\nexcept EOFError: print('end')\n"));
+    std::string lines;
+    for (int i = 0; i < 30'000; ++i) {
+        lines += std::to_string(1'000'000 + i) + "\n";
+    }
+    const auto file = local.Write("input", lines + "7\n");
+    const std::string expected = std::to_string(30'000LL * 1'000'000 + 30'000LL * 29'999 / 2 + 7);
+    words.insert(words.begin() + 1, "--input");
+    for (const std::string& start : {"exec \"$@\" <" + file, "cat " + file + " | \"$@\""}) {
+        Words line{"sh", "-c", start, "sh"};
+        line.insert(line.end(), words.begin(), words.end());
+        EXPECT_EQ(RunProgram(line, board.variables()).output, expected + "\r\nend\r\n") << start;
+    }
+}
+
+TEST_F(Batch, UsesTheGivenBoardAndMountsTheGivenFolder)
+{
+    local.Write("helper.py", "answer = 42\n");
+    const auto script = local.Write("s.py", "import helper\nprint(helper.answer)\n");
+    const BoardProcess other;
+    EXPECT_EQ(OutputOf({"--board", other.link(), "--mount", local.path(), "--document", script,
+                        "--batch", "run", "upload"}),
+              "42\r\ncp " + script + " :s.py\n");
+    EXPECT_TRUE(fs::exists(other.files() / "s.py"));
+    EXPECT_EQ(OutputOf({"--board", local / "none", "--batch", "list"}),
+              "mpremote: no device found\n");
+}
+
 TEST(Editor, EveryCommandLineHasItsMessageAndStatus)
 {
     const TemporaryFolder local;
@@ -199,6 +242,9 @@ TEST(Editor, EveryCommandLineHasItsMessageAndStatus)
         {{"--plugin", nonsense, "--batch", "help"}, 3, "cannot be loaded"},
         {{"--document", text, "--batch", "run"}, 1, "no Python document or target"},
         {{"--virtual-board=" + text, "--batch", "list"}, 1, "Not a directory"},
+        {{"--mount", text, "--batch", "list"}, 2, "notes.txt is not a folder"},
+        {{"--batch", "restart"}, 1, "the board could not be restarted"},
+        {{"--batch", "prompt= "}, 1, "without a text to run"},
     };
     for (const auto& row : rows) {
         const auto result = RunProgram(Editor(row.arguments), {"QUILP_VIRTUAL_BOARD="});
