@@ -9,6 +9,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 
 namespace {
 
@@ -47,19 +48,18 @@ class Batch : public testing::Test {
 
 TEST_F(Batch, OutputArrivesWhileTheProgramRuns)
 {
-    // The program reports by a file that it prints a line.
-    BackgroundProgram editor(Editor(RunScript("import time\n"
+    // After each line the program waits until it was seen.
+    BackgroundProgram editor(Editor(RunScript("import os, time\n"
                                               "for i in range(3):\n"
-                                              "  open('/mark%d' % i, 'w').close()\n"
                                               "  print('line', i)\n"
-                                              "  time.sleep(0.25)\n")),
+                                              "  while 'seen%d' % i not in os.listdir('/'):\n"
+                                              "    time.sleep(0.01)\n")),
                              board.variables());
     for (const std::string number : {"0", "1", "2"}) {
-        ASSERT_TRUE(WaitUntil([&] { return fs::exists(board.files() / ("mark" + number)); }));
-        const auto printed = std::chrono::steady_clock::now();
         ASSERT_TRUE(editor.WaitForOutput("line " + number + "\r\n"));
-        EXPECT_LT(std::chrono::steady_clock::now() - printed, std::chrono::milliseconds(100));
+        std::ofstream(board.files() / ("seen" + number));
     }
+    EXPECT_EQ(editor.Status(), 0);
 }
 
 TEST_F(Batch, EveryLineOfATracebackShowsTheFilesPath)
@@ -300,7 +300,11 @@ TEST(Editor, OpensTheDeviceWindowAloneAndKeepsItsFrame)
                           "XDG_CONFIG_HOME=" + bundle.path()};
     const auto settings = bundle / "quilp/plugins.settings";
     const auto open = "'" QUILP_BIN "/quilp-editor' --open-device-window --plugin " + plugin;
-    for (const std::string prepare : {"exec ", "ulimit -f 0; exec "}) {
+    Words ways{"exec "};
+#ifndef __SANITIZE_THREAD__  // Its memory counts as files.
+    ways.push_back("ulimit -f 0; exec ");
+#endif
+    for (const auto& prepare : ways) {
         fs::remove(tool + ".ran");
         BackgroundProgram editor({"sh", "-c", prepare + open}, variables);
         EXPECT_TRUE(WaitUntil([&] { return fs::exists(tool + ".ran"); })) << "no listing";
