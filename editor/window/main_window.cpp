@@ -129,7 +129,7 @@ void MainWindow::MakeCentralWidget(const std::string& recoveryRoot)
     splitter_->setChildrenCollapsible(false);
     splitter_->addWidget(documents);
     splitter_->addWidget(console);
-    splitter_->setSizes({500, 190});  // They keep this ratio in a window of any size.
+    splitter_->setSizes({460, 230});  // They keep this ratio in a window of any size.
     setCentralWidget(splitter_);
 }
 
