@@ -65,9 +65,15 @@ void BoardActions::DetachVirtualBoard()
 
 void BoardActions::OfferVirtualBoard()
 {
-    if (!parts_.board.board().IsAttached() && !parts_.board.HasVirtualBoard()) {
-        parts_.messages.OfferVirtualBoard([this] { UseVirtualBoard(); });
+    const auto& board = parts_.board.board();
+    if (board.IsAttached() || parts_.board.HasVirtualBoard()) {
+        return;
     }
+    const QString problem =
+        board.kind == BoardMonitor::Kind::Missing
+            ? tr("The chosen board, %1, is not attached.").arg(DescribePort(board.port))
+            : tr("No board is attached.");
+    parts_.messages.OfferVirtualBoard(problem, [this] { UseVirtualBoard(); });
 }
 
 void BoardActions::OfferBoards()
