@@ -8,12 +8,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <tuple>
 #include <utility>
 
 namespace {
 
-constexpr char kInterrupt = '\x03';
 constexpr std::string_view kInterruptedTraceback =
     "Traceback (most recent call last):\nKeyboardInterrupt: \n";
 
@@ -65,30 +65,34 @@ std::expected<void, std::string> Board::Run(int commands)
 
 void Board::Poll(int commands)
 {
-    std::array<pollfd, 5> fds{};
-    fds[0] = {commands, POLLIN, 0};
-    nfds_t count = 1;
+    std::array<pollfd, 6> fds{};
+    fds.fill({-1, POLLIN, 0});
+    auto& [command, line, client, message, output, input] = fds;
+    command.fd = commands;
     if (port_) {
-        const short writing = port_->hasQueue() ? POLLOUT : 0;
+        const int reading = interpreter_->isInputFull() ? POLLPRI : POLLIN | POLLPRI;
+        const int writing = port_->hasQueue() ? POLLOUT : 0;
         // Without a client the line is hung up, so poll would return immediately.
-        fds[count++] = {port_->hasClient() ? port_->fd() : -1, static_cast<short>(POLLIN | writing),
-                        0};
-        fds[count++] = {port_->clientEventsFd(), POLLIN, 0};
+        line = {port_->hasClient() ? port_->fd() : -1, static_cast<short>(reading | writing), 0};
+        client.fd = port_->clientEventsFd();
         if (!port_->isFull()) {
-            fds[count++] = {interpreter_->messageFd(), POLLIN, 0};
-            fds[count++] = {interpreter_->outputFd(), POLLIN, 0};
+            message.fd = interpreter_->messageFd();
+            output.fd = interpreter_->outputFd();
         }
+        input = {interpreter_->inputFd(), POLLOUT, 0};
     }
-    poll(fds.data(), count, TimeoutMilliseconds());
-    const bool hasMessage = count == fds.size() && (fds[3].revents & (POLLIN | POLLHUP)) != 0;
+    poll(fds.data(), fds.size(), TimeoutMilliseconds());
     if (port_) {
         ForwardOutput();
-        if (hasMessage) {
+        if ((message.revents & (POLLIN | POLLHUP)) != 0) {
             ReceiveMessage();
         }
-        ReceiveFromClient();
+        ReceiveFromClient((line.revents & POLLPRI) != 0);
         ResetIfStuck();
         port_->Flush();
+        if (interpreter_) {
+            interpreter_->FlushInput();
+        }
     }
     Serve(commands);
 }
@@ -126,6 +130,8 @@ void Board::Send(std::string_view text)
 
 void Board::Execute(SourceKind kind, std::string_view source)
 {
+    interruptCharacter_ = kControlC;
+    hasSerialLineEndings_ = false;
     // If the process has exited, its answer descriptor reports that.
     if (interpreter_) {
         std::ignore = interpreter_->Execute(kind, source);
@@ -144,9 +150,22 @@ void Board::RestartInterpreter()
     }
 }
 
-void Board::ReceiveFromClient()
+// Bytes that the program is not ready to read wait on the line. Neither they nor another interrupt
+// character keep a new client, or one that discards unsent bytes, from interrupting the program.
+void Board::ReceiveFromClient(bool isFlushed)
 {
-    for (const char byte : port_->Read()) {
+    const bool isFull = interpreter_ && interpreter_->isInputFull();
+    if (isFull && !isFlushed) {
+        return port_->CheckForClient();
+    }
+    const std::string bytes = port_->Read();
+    if (port_->TakeFlushed()) {
+        interruptCharacter_ = kControlC;
+        if (isFull) {
+            std::ignore = interpreter_->TakeUnreadInput();
+        }
+    }
+    for (const char byte : bytes) {
         Receive(byte);
     }
 }
@@ -158,18 +177,19 @@ void Board::Receive(char byte)
     }
     if (!interpreter_->busy()) {
         repl_.Receive(byte);
-    } else if (byte == kInterrupt) {
+    } else if (static_cast<unsigned char>(byte) == interruptCharacter_) {
         InterruptProgram();
     } else {
-        interpreter_->WriteInput({&byte, 1});
+        interpreter_->AddInput(byte);
     }
 }
 
-// Discards unread output first, which would only delay the reaction.
+// Discards unread output and input first, which would only delay the reaction.
 void Board::InterruptProgram()
 {
     port_->DropQueue();
     std::ignore = interpreter_->TakeOutput();
+    std::ignore = interpreter_->TakeUnreadInput();
     interpreter_->Interrupt();
     if (!interruptDeadline_) {
         interruptDeadline_ = Clock::now() + kInterruptTimeout;
@@ -179,7 +199,16 @@ void Board::InterruptProgram()
 void Board::ForwardOutput()
 {
     if (!port_->isFull()) {
-        port_->Send(WithSerialLineEndings(interpreter_->TakeOutput()));
+        SendText(interpreter_->TakeOutput());
+    }
+}
+
+void Board::SendText(std::string_view text)
+{
+    if (hasSerialLineEndings_) {
+        port_->Send(text);
+    } else {
+        port_->Send(WithSerialLineEndings(text));
     }
 }
 
@@ -196,7 +225,12 @@ void Board::ReceiveMessage()
     const auto& [kind, text] = **message;
     if (kind == Message::Kind::Output) {
         port_->Send(text);
-        interpreter_->ConfirmOutput();
+        interpreter_->Confirm();
+    } else if (kind == Message::Kind::LineEndings) {
+        hasSerialLineEndings_ = text == "1";
+        interpreter_->Confirm();
+    } else if (kind == Message::Kind::InterruptCharacter) {
+        interruptCharacter_ = std::atoi(text.c_str());
     } else if (kind == Message::Kind::Reset) {
         PlugAgain();
     } else {
@@ -219,7 +253,7 @@ void Board::ForwardAllOutput()
 {
     for (std::string rest = interpreter_->TakeOutput(); !rest.empty();
          rest = interpreter_->TakeOutput()) {
-        port_->Send(WithSerialLineEndings(rest));
+        SendText(rest);
     }
 }
 

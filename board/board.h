@@ -36,6 +36,7 @@ class Board final : private ReplTarget {
 
   private:
     using Clock = std::chrono::steady_clock;
+    static constexpr int kControlC = 3;
 
     void Send(std::string_view text) override;
     void Execute(SourceKind kind, std::string_view source) override;
@@ -43,8 +44,9 @@ class Board final : private ReplTarget {
 
     void Serve(int commands);
     void Poll(int commands);
-    void ReceiveFromClient();
+    void ReceiveFromClient(bool isFlushed);
     void Receive(char byte);
+    void SendText(std::string_view text);
     void InterruptProgram();
     void ForwardOutput();
     void ReceiveMessage();
@@ -62,5 +64,8 @@ class Board final : private ReplTarget {
     // The program must have finished by then, since it was interrupted.
     std::optional<Clock::time_point> interruptDeadline_;
     std::string failure_;
+    // Set by the program; see Message.
+    int interruptCharacter_ = kControlC;
+    bool hasSerialLineEndings_ = false;
     bool quit_ = false;
 };

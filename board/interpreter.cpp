@@ -22,6 +22,7 @@ namespace {
 constexpr std::size_t kHeaderSize = 18;
 constexpr char kCompiled = 'C';
 constexpr std::size_t kMaxText = 1'000'000;  // bytes
+constexpr std::size_t kMaxInput = 16384;     // bytes, in addition to those in the pipe
 constexpr int kStartTimeoutMilliseconds = 5000;
 constexpr const char* kHeapSize = "heapsize=4m";
 
@@ -187,7 +188,8 @@ Interpreter& Interpreter::operator=(Interpreter&& other) noexcept
         inputWrite_ = std::exchange(other.inputWrite_, -1);
         sequence_ = other.sequence_;
         busy_ = other.busy_;
-        outputSequence_ = other.outputSequence_;
+        unconfirmed_ = other.unconfirmed_;
+        input_ = std::move(other.input_);
         isInterruptible_ = other.isInterruptible_;
         interruptWhenCompiled_ = other.interruptWhenCompiled_;
     }
@@ -242,9 +244,9 @@ std::expected<std::optional<Message>, std::string> Interpreter::TakeMessage()
         return std::unexpected("the interpreter has exited");
     }
     const auto kind = static_cast<Message::Kind>(header[0]);
-    if (kind == Message::Kind::Output) {
-        outputSequence_ = sequence;
-    } else if (kind != Message::Kind::Reset) {
+    if (kind == Message::Kind::Output || kind == Message::Kind::LineEndings) {
+        unconfirmed_ = sequence;
+    } else if (kind != Message::Kind::Reset && kind != Message::Kind::InterruptCharacter) {
         if (sequence != sequence_ || !busy_) {
             return std::nullopt;  // The first answer, or one that an interrupt has doubled.
         }
@@ -266,20 +268,26 @@ void Interpreter::OnCompiled()
     }
 }
 
-void Interpreter::ConfirmOutput()
+void Interpreter::Confirm()
 {
     std::ignore =
-        SendFully(control_, Header(static_cast<char>(Message::Kind::Output), outputSequence_, 0));
+        SendFully(control_, Header(static_cast<char>(Message::Kind::Output), unconfirmed_, 0));
 }
 
-void Interpreter::WriteInput(std::string_view bytes)
+void Interpreter::FlushInput()
 {
-    std::ignore = write(inputWrite_, bytes.data(), bytes.size());
+    const ssize_t n = input_.empty() ? 0 : write(inputWrite_, input_.data(), input_.size());
+    input_.erase(0, n > 0 ? static_cast<std::size_t>(n) : 0);
+}
+
+bool Interpreter::isInputFull() const
+{
+    return input_.size() > kMaxInput;
 }
 
 std::string Interpreter::TakeUnreadInput()
 {
-    return ReadAvailable(inputRead_);
+    return ReadAvailable(inputRead_) + std::exchange(input_, {});
 }
 
 void Interpreter::Interrupt()

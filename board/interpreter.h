@@ -23,10 +23,15 @@ struct Message {
         Error = 'E',
         Exit = 'X',
         Output = 'B',  // Binary output, which follows all of the output so far; confirm it.
-        Reset = 'R',   // The program wants the board to be reset.
+        // Whether the output that follows has the line endings of a serial line; confirm it.
+        LineEndings = 'L',
+        InterruptCharacter = 'K',  // The byte that interrupts the program from now on.
+        Reset = 'R',               // The program wants the board to be reset.
     };
     Kind kind;
-    std::string text;  // The binary output, or a traceback, whose lines end with LF.
+    // The binary output; "1" or "0" for a change of the line endings; the number of the interrupt
+    // character, negative for none; or a traceback, whose lines end with LF.
+    std::string text;
 };
 
 // A MicroPython process, which runs from one reset of the board to the next. It is killed when this
@@ -55,11 +60,17 @@ class Interpreter {
     // Returns the next message. Must be called when messageFd() is readable. Empty if there is
     // nothing to do; an error if the process has exited.
     std::expected<std::optional<Message>, std::string> TakeMessage();
-    // Lets a program continue that has sent binary output.
-    void ConfirmOutput();
+    // Lets a program continue that has sent a message to be confirmed.
+    void Confirm();
 
-    // Writes to the program's standard input. Bytes that do not fit are lost, as on a serial line.
-    void WriteInput(std::string_view bytes);
+    // Adds a byte to the program's standard input, which FlushInput writes.
+    void AddInput(char byte) { input_ += byte; }
+    // Writes as much of the input as possible without blocking.
+    void FlushInput();
+    // A descriptor to poll for writing while there is input to write; otherwise -1.
+    int inputFd() const { return input_.empty() ? -1 : inputWrite_; }
+    // Whether so much of the input has not been read that no more should be added.
+    bool isInputFull() const;
     // Returns the input that the program has not read.
     std::string TakeUnreadInput();
     // Raises KeyboardInterrupt in the running program, or as soon as it is compiled.
@@ -78,7 +89,8 @@ class Interpreter {
     int inputWrite_ = -1;
     int sequence_ = 0;
     bool busy_ = false;
-    int outputSequence_ = 0;  // Of the output to be confirmed.
+    int unconfirmed_ = 0;  // The number of the message to be confirmed.
+    std::string input_;    // Not yet written.
     bool isInterruptible_ = false;
     bool interruptWhenCompiled_ = false;
 };

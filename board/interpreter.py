@@ -5,11 +5,15 @@ Descriptor 3 is a socket to the serial side. All messages consist of a header of
 (statements), S (one interactive line) and F (the name of a file on the board).
 A request is answered by C as soon as it is compiled, since only then it may be
 interrupted, and at its end by N (finished normally), E (failed with this
-traceback) or X (called sys.exit). Meanwhile, B sends binary output, which the
-serial side confirms by another B, and R resets the board. Standard input and
-output are used only by the program.
+traceback) or X (called sys.exit). Meanwhile, B sends binary output, and L says
+whether the text output that follows has the line ends of a serial line; the
+serial side confirms both by B. K is the number of the character that interrupts
+the program, and R resets the board. Standard input and output are used only by
+the program.
 """
+import builtins
 import io
+import micropython
 import os
 import sys
 import time
@@ -26,6 +30,8 @@ INTERRUPTED = "Traceback (most recent call last):\nKeyboardInterrupt: \n"
 OWN_FOLDER = sys.path[0]
 OWN_FRAMES = ['  File "' + path for path in (__file__, OWN_FOLDER + "/", MODULES + "/")]
 
+real_input = input
+real_micropython = micropython
 real_sys = sys
 
 
@@ -33,12 +39,26 @@ def message(kind, sequence, text=b""):
     return b"%s%08d %08d" % (kind, sequence, len(text)) + text
 
 
-class BinaryOutput(io.IOBase):
-    """Standard output without the conversion of line ends, in order with the text."""
+class SerialSide:
+    """Sends messages and waits until they are confirmed."""
 
     def __init__(self, channel):
         self.channel = channel
         self.sequence = 0
+
+    def tell(self, kind, text):
+        self.sequence += 1
+        self.channel.write(message(kind, self.sequence, text))
+        # An interrupted call leaves its confirmation behind.
+        while int(self.channel.read(HEADER_SIZE)[1:9]) != self.sequence:
+            pass
+
+
+class BinaryOutput(io.IOBase):
+    """Standard output without the conversion of line ends, in order with the text."""
+
+    def __init__(self, serial):
+        self.serial = serial
 
     # Of a stream, with an optional length, or offset and length.
     def write(self, data, *limits):
@@ -47,12 +67,7 @@ class BinaryOutput(io.IOBase):
             start = limits[0] if len(limits) > 1 else 0
             data = data[start : start + limits[-1]]
         for start in range(0, len(data), OUTPUT_LIMIT):
-            self.sequence += 1
-            part = data[start : start + OUTPUT_LIMIT]
-            self.channel.write(message("B", self.sequence, part))
-            # An interrupted write leaves its confirmation behind.
-            while int(self.channel.read(HEADER_SIZE)[1:9]) != self.sequence:
-                pass
+            self.serial.tell("B", data[start : start + OUTPUT_LIMIT])
         return len(data)
 
     def flush(self):
@@ -73,16 +88,87 @@ class TextOutput(io.IOBase):
         return getattr(real_sys.stdout, name)
 
 
-class System:
-    """Stands in for the module sys, whose standard output cannot be replaced."""
+class TextInput(io.IOBase):
+    """Standard input as on a board: CR is read as LF, and the input never ends."""
 
-    stdout = None  # An attribute of the class, since those of an object are the module's.
+    def __init__(self, buffer):
+        self.buffer = buffer
+
+    def character(self):
+        first = self.buffer.read(1)
+        following = (first >= b"\xc0") + (first >= b"\xe0") + (first >= b"\xf0")
+        return "\n" if first == b"\r" else str(first + self.buffer.read(following), "utf8")
+
+    def read(self, size=-1):
+        characters = []
+        while len(characters) != size:
+            characters.append(self.character())
+        return "".join(characters)
+
+    def readline(self, size=-1):
+        characters = []
+        while len(characters) != size and characters[-1:] != ["\n"]:
+            characters.append(self.character())
+        return "".join(characters)
+
+    def readinto(self, target, *limit):
+        count = self.buffer.readinto(target, *limit)
+        for i in range(count):
+            if target[i] == 13:
+                target[i] = 10
+        return count
+
+    def ioctl(self, request, _argument):
+        return self.buffer.fileno() if request == GET_FILENO else 0
+
+    def __iter__(self):
+        return self
+
+    def __next__(self):
+        return self.readline()
+
+    def __getattr__(self, name):
+        return getattr(real_sys.stdin, name)
+
+
+def input_function(serial):
+    # The interpreter's own function edits the line and echoes it with CR LF.
+    def input(prompt=""):
+        print(prompt, end="")
+        serial.tell("L", b"1")
+        try:
+            return real_input()
+        finally:
+            serial.tell("L", b"0")
+
+    return input
+
+
+class System:
+    """Stands in for the module sys, whose standard streams cannot be replaced."""
+
+    # Attributes of the class, since those of an object are the module's.
+    stdin = None
+    stdout = None
 
     def __getattr__(self, name):
         return getattr(real_sys, name)
 
     def __setattr__(self, name, value):
         setattr(real_sys, name, value)
+
+
+class Micropython:
+    """Stands in for the module micropython: the serial side recognises the interrupts."""
+
+    def __init__(self, channel):
+        self.channel = channel
+
+    def kbd_intr(self, character):
+        self.channel.write(message("K", 0, b"%d" % character))
+
+    def __getattr__(self, name):
+        return getattr(real_micropython, name)
 
 
 class Hardware:
@@ -155,7 +241,7 @@ def serve(channel):
             if len(header) < HEADER_SIZE:
                 return
             if header[:1] == b"B":
-                continue  # The confirmation of an interrupted write.
+                continue  # The confirmation of an interrupted message.
             status, text = "E", INTERRUPTED
             sequence = int(header[1:9])
             request = receive(channel, int(header[10:18]))
@@ -182,8 +268,12 @@ control = open(3, "r+b")
 use_folder_as_file_system(sys.argv[1], OWN_FOLDER + "/modules")
 del sys.modules["flash"]
 sys.modules["_board"] = Hardware(control)
-System.stdout = TextOutput(BinaryOutput(control))
+serial = SerialSide(control)
+System.stdin = TextInput(real_sys.stdin.buffer)
+System.stdout = TextOutput(BinaryOutput(serial))
+builtins.input = input_function(serial)
 sys.modules["sys"] = System()
+sys.modules["micropython"] = Micropython(control)
 try:
     serve(control)
 except MemoryError:

@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <pty.h>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -43,6 +44,7 @@ SerialPort::SerialPort(SerialPort&& other) noexcept
     : master_(std::exchange(other.master_, -1)),
       events_(std::exchange(other.events_, -1)),
       hasClient_(other.hasClient_),
+      isFlushed_(other.isFlushed_),
       device_(std::move(other.device_)),
       link_(std::exchange(other.link_, {})),
       queue_(std::move(other.queue_))
@@ -71,6 +73,8 @@ bool SerialPort::OpenTerminal()
     // From now on, the line is hung up exactly while no client has it open.
     CloseDescriptor(clientEnd);
     fcntl(master_, F_SETFD, FD_CLOEXEC);
+    int on = 1;
+    ioctl(master_, TIOCPKT, &on);  // Each read returns a byte of events, or 0 and data.
     SetNonBlocking(master_);
     device_ = name.data();
     return true;
@@ -120,6 +124,10 @@ void SerialPort::CheckForClient()
 std::string SerialPort::Read()
 {
     std::string bytes = ReadAvailable(master_);
+    if (!bytes.empty()) {
+        isFlushed_ |= (bytes.front() & (TIOCPKT_FLUSHREAD | TIOCPKT_FLUSHWRITE)) != 0;
+        bytes.erase(0, 1);
+    }
     CheckForClient();  // After reading, since the client that sent the bytes expects an answer.
     return bytes;
 }

@@ -3,6 +3,7 @@
 #include <expected>
 #include <string>
 #include <string_view>
+#include <utility>
 
 // The board's end of its serial line: a pseudo-terminal. A client opens the other end, the serial
 // device ("/dev/pts/N" on Linux), as it opens a board on USB. Owned by the board and used on its
@@ -28,8 +29,14 @@ class SerialPort {
     // Whether there was a client at the last Read.
     bool hasClient() const { return hasClient_; }
 
-    // Returns the bytes that a client has sent and that are available now.
+    // Returns the bytes that a client has sent and that are available now. Until they are read, the
+    // client cannot send many more.
     std::string Read();
+    // Checks for a client, as Read does.
+    void CheckForClient();
+    // Whether a client has opened the line, or has discarded unsent bytes, since the last call. The
+    // descriptor has the event POLLPRI for it, and Read notices it before the bytes that follow.
+    bool TakeFlushed() { return std::exchange(isFlushed_, false); }
 
     // Queues text for the client. Without a client it is lost, as on a real line.
     void Send(std::string_view text);
@@ -43,13 +50,13 @@ class SerialPort {
   private:
     SerialPort() = default;
     bool OpenTerminal();
-    void CheckForClient();
     void WatchForClients();
     bool Link(const std::string& link);
 
     int master_ = -1;
     int events_ = -1;
     bool hasClient_ = false;
+    bool isFlushed_ = false;
     std::string device_;
     std::string link_;
     std::string queue_;

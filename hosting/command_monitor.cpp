@@ -44,6 +44,7 @@ void CommandMonitor::Begin(const std::vector<std::string>& words)
     result_.clear();
     elapsed_.start();
     ticks_.start(kTick);
+    Q_EMIT Started();
     Q_EMIT Changed();
 }
 
@@ -54,6 +55,7 @@ void CommandMonitor::End(const std::vector<std::string>& words, Runtime::Command
         result_ = end.isStopped ? tr("Stopped") : end.status == 0 ? tr("Finished") : tr("Failed");
     }
     elapsed_.start();
+    Q_EMIT Ended(end.isStopped);
     Q_EMIT Changed();
     Q_EMIT Ended(command_, end);
     if (end.isStopped && !DescribeStopped(command_).isEmpty()) {

@@ -25,6 +25,8 @@ class CommandMonitor final : public QObject {
     QString Text() const;
 
   Q_SIGNALS:
+    void Started();
+    void Ended(bool isStopped);
     // The text has changed, or a command has started or ended.
     void Changed();
     void Ended(const BoardCommand& command, Runtime::CommandEnd end);

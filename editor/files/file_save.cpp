@@ -159,7 +159,8 @@ bool Overwrite(int fd, const QByteArray& bytes)
 
 }  // namespace
 
-std::expected<FileStamp, SaveError> ReplaceFile(const std::string& path, const QByteArray& bytes)
+std::expected<FileStamp, SaveError> ReplaceFile(const std::string& path, const QByteArray& bytes,
+                                                FolderSync sync)
 {
     const Path target = FollowLinks(path);
     if (target.empty()) {
@@ -186,13 +187,16 @@ std::expected<FileStamp, SaveError> ReplaceFile(const std::string& path, const Q
     if (!stamp || !temporary.RenameTo(target)) {
         return fail();
     }
-    SyncFolder(folder);
+    if (!*old || sync == FolderSync::Always) {
+        SyncFolder(folder);
+    }
     return *stamp;
 }
 
-std::expected<void, std::string> SaveAtomically(const std::string& path, const QByteArray& bytes)
+std::expected<void, std::string> SaveAtomically(const std::string& path, const QByteArray& bytes,
+                                                FolderSync sync)
 {
-    const auto saved = ReplaceFile(path, bytes);
+    const auto saved = ReplaceFile(path, bytes, sync);
     return saved ? std::expected<void, std::string>() : std::unexpected(saved.error().message);
 }
 

@@ -21,7 +21,12 @@ inline constexpr const char* kTemporaryPrefix = ".quilp-";
 // user may set them; other hard links to it keep the old bytes, and access-control lists are lost.
 // The mode of a new file is determined by the umask. A file is not replaced if this user may not
 // write it, or if no temporary file can be created in its folder.
-std::expected<void, std::string> SaveAtomically(const std::string& path, const QByteArray& bytes);
+//
+// Syncing the folder makes the function wait for the disk twice. Without that for a replaced file,
+// a power failure soon afterwards may bring the old bytes back.
+enum class FolderSync { Always, ForNewFiles };
+std::expected<void, std::string> SaveAtomically(const std::string& path, const QByteArray& bytes,
+                                                FolderSync sync = FolderSync::Always);
 
 struct SaveError {
     enum class Kind {
@@ -35,7 +40,8 @@ struct SaveError {
 
 // Does the same, and returns the stamp of the written file. It is taken before the file gets its
 // name, so that a change by another program directly afterwards is noticed.
-std::expected<FileStamp, SaveError> ReplaceFile(const std::string& path, const QByteArray& bytes);
+std::expected<FileStamp, SaveError> ReplaceFile(const std::string& path, const QByteArray& bytes,
+                                                FolderSync sync = FolderSync::Always);
 
 // Overwrites an existing file. An error or a crash leaves a damaged file.
 std::expected<FileStamp, SaveError> WriteInPlace(const std::string& path, const QByteArray& bytes);

@@ -94,7 +94,8 @@ std::expected<void, std::string> RecoveryStore::Keep(const std::string& id,
         }
         files_.emplace(id, std::move(*file));
     }
-    return SaveAtomically(files_.at(id), Serialize(copy));
+    // On a slow disk each wait delays the next copy. An older copy after a power failure is valid.
+    return SaveAtomically(files_.at(id), Serialize(copy), FolderSync::ForNewFiles);
 }
 
 void RecoveryStore::Discard(const std::string& id)

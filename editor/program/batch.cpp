@@ -1,16 +1,27 @@
 #include "batch.h"
 
+#include "main_program.h"
+#include "prompt_code.h"
+
 #include <QTimer>
 
 #include <chrono>
 #include <cstdio>
+#include <string>
 #include <utility>
 
-Batch::Batch(PluginHost& host, Runtime& runtime, const PluginModule& plugin,
+namespace {
+
+constexpr std::string_view kStop = "QuilpStop";
+
+}  // namespace
+
+Batch::Batch(PluginHost& host, Runtime& runtime, const PluginModule& plugin, BoardTool& tool,
              std::vector<BatchCommand> commands, std::function<void(int)> onFinished)
     : host_(host),
       runtime_(runtime),
       plugin_(plugin),
+      tool_(tool),
       commands_(std::move(commands)),
       onFinished_(std::move(onFinished))
 {
@@ -44,11 +55,7 @@ void Batch::RunNext()
         QTimer::singleShot(time, Qt::PreciseTimer, &timerContext_, [this] { RunNext(); });
         return;
     }
-    if (const auto* row = std::get_if<const PluginCommand*>(&command)) {
-        Perform(**row);
-    } else {
-        Runtime::Protect([this] { host_.InsertInWorksheet(plugin_.Help(), "", 1, 1, -1); });
-    }
+    std::visit([this](const auto& alternative) { Perform(alternative); }, command);
     if (next_ < commands_.size() && std::holds_alternative<Wait>(commands_[next_])) {
         RunNext();
     } else {
@@ -56,26 +63,64 @@ void Batch::RunNext()
     }
 }
 
-void Batch::Perform(const PluginCommand& command)
+void Batch::Perform(const PluginCommand* command)
 {
-    if (command.needsFile && !host_.HasRunnable()) {
+    if (command->needsFile && !host_.HasRunnable()) {
         Fail("no Python document or target to act on");
     }
-    if (!host_.Perform(command)) {
+    if (command->name == kStop) {
+        runtime_.StopJobs(JobGroup::Board);  // Also a command that the plug-in does not know.
+    }
+    if (!host_.Perform(*command)) {
         Fail("the plug-in does not support this command");
     }
 }
 
-void Batch::Fail(const char* message)
+void Batch::Perform(const ShowHelp&)
 {
-    std::fprintf(stderr, "quilp-editor: %s\n", message);
+    Runtime::Protect([this] { host_.InsertInWorksheet(plugin_.Help(), "", 1, 1, -1); });
+}
+
+void Batch::Perform(const Restart&)
+{
+    tool_.Run({"soft-reset"}, [this](int status) {
+        if (status != 0) {
+            Fail("the board could not be restarted");
+        }
+    });
+}
+
+void Batch::Perform(const RunMain&)
+{
+    const auto print = [this](const std::string& line) {
+        if (line.starts_with(kNoMainProgram)) {
+            Fail(kNoMainProgram);
+        } else {
+            host_.InsertInWorksheet(line, "", 1, 1, -1);
+        }
+    };
+    tool_.Run(RunMainCommand(), print, {});
+}
+
+void Batch::Perform(const Prompt& command)
+{
+    const auto words = PromptCommand(command.text);
+    if (words.empty()) {
+        return Fail("prompt= without a text to run");
+    }
+    tool_.Run(words);
+}
+
+void Batch::Fail(std::string_view message)
+{
+    std::fprintf(stderr, "quilp-editor: %s\n", std::string(message).c_str());
     status_ = 1;
 }
 
 void Batch::Interrupt(int status)
 {
     next_ = commands_.size();
-    Perform(*FindCommandByName("QuilpStop"));
+    Perform(FindCommandByName(kStop));
     status_ = status;
     ContinueWhenIdle();
 }

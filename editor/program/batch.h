@@ -1,5 +1,6 @@
 #pragma once
 
+#include "board_tool.h"
 #include "options.h"
 #include "plugin_host.h"
 #include "runtime.h"
@@ -8,15 +9,16 @@
 
 #include <cstddef>
 #include <functional>
+#include <string_view>
 #include <vector>
 
-// Sends commands to the plug-in one after another, each when the command line that the previous one
-// started has finished. A wait continues after its time instead. [ui]
+// Performs commands of the plug-in and of the host one after another, each when the command line
+// that the previous one started has finished. A wait continues after its time instead. [ui]
 class Batch {
   public:
     // The referenced objects must outlive this one. `onFinished` is called with the exit status: 0,
     // or 1 if a command could not be performed.
-    Batch(PluginHost& host, Runtime& runtime, const PluginModule& plugin,
+    Batch(PluginHost& host, Runtime& runtime, const PluginModule& plugin, BoardTool& tool,
           std::vector<BatchCommand> commands, std::function<void(int)> onFinished);
 
     // Returns at once; the event loop performs the commands.
@@ -28,12 +30,18 @@ class Batch {
   private:
     void ContinueWhenIdle();
     void RunNext();
-    void Perform(const PluginCommand& command);
-    void Fail(const char* message);
+    void Perform(const PluginCommand* command);
+    void Perform(const ShowHelp& command);
+    void Perform(const Restart& command);
+    void Perform(const RunMain& command);
+    void Perform(const Prompt& command);
+    void Perform(const Wait&) {}
+    void Fail(std::string_view message);
 
     PluginHost& host_;
     Runtime& runtime_;
     const PluginModule& plugin_;
+    BoardTool& tool_;
     std::vector<BatchCommand> commands_;
     std::function<void(int)> onFinished_;
     std::size_t next_ = 0;

@@ -66,6 +66,25 @@ std::expected<Files, std::string> FindFiles(const Options& options)
     return files;
 }
 
+// For the board's tool, which this process's children start. The error is a message for the user.
+std::expected<void, std::string> SetToolEnvironment(const Options& options)
+{
+    std::error_code error;
+    if (!options.mount.empty() && !std::filesystem::is_directory(options.mount, error)) {
+        return std::unexpected(options.mount + " is not a folder");
+    }
+    if (options.virtualBoard) {
+        unsetenv("QUILP_BOARD");
+    }
+    for (const auto& [name, path] :
+         {std::pair("QUILP_BOARD", &options.board), std::pair("QUILP_MOUNT", &options.mount)}) {
+        if (!path->empty()) {
+            setenv(name, std::filesystem::absolute(*path, error).c_str(), 1);
+        }
+    }
+    return {};
+}
+
 // None if the options request no board. The error is a message for the user.
 std::expected<std::optional<VirtualBoard>, std::string> StartBoard(const Options& options)
 {
@@ -183,6 +202,9 @@ int main(int argc, char** argv)
     const auto files = FindFiles(*options);
     if (!files) {
         return ReportError(files.error(), kUsageError);
+    }
+    if (const auto set = SetToolEnvironment(*options); !set) {
+        return ReportError(set.error(), kUsageError);
     }
     if (!options->batch && !HasDisplay()) {
         return ReportError(

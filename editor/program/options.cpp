@@ -20,15 +20,18 @@ constexpr const char* kUsage =
     "  --document FILE        use FILE as the front document\n"
     "  --target FILE          use FILE as the target, which runs if the document is not Python\n"
     "  --virtual-board[=DIR]  attach a virtual board, and keep its files in DIR\n"
+    "  --board PORT           use the board at the serial port PORT, and no other\n"
     "  --plugin FILE          load the plug-in FILE instead of the bundled one\n"
     "  --open-device-window   open only the Device window\n"
     "  --batch                perform the commands without opening windows\n"
+    "  --input                forward standard input to programs that run on the board (--batch)\n"
+    "  --mount DIR            mount the folder DIR on the board during run (--batch)\n"
     "  --appearance NAME      use the light or dark theme, or system to follow the desktop\n"
     "  --version              print the version and exit\n"
     "  --help                 print this help and exit\n"
     "Commands:";
 
-constexpr std::string_view kHelp = "help";
+constexpr std::string_view kPrompt = "prompt=";
 constexpr std::string_view kWait = "wait=";
 constexpr double kMaxWait = 86400;  // seconds
 
@@ -50,8 +53,17 @@ std::optional<BatchCommand> ParseCommand(const std::string& argument)
         const auto wait = ParseWait(argument.substr(kWait.size()));
         return wait ? std::optional<BatchCommand>(*wait) : std::nullopt;
     }
-    if (argument == kHelp) {
+    if (argument.starts_with(kPrompt)) {
+        return Prompt{argument.substr(kPrompt.size())};
+    }
+    if (argument == "help") {
         return ShowHelp();
+    }
+    if (argument == "restart") {
+        return Restart();
+    }
+    if (argument == "main") {
+        return RunMain();
     }
     const auto* const command = FindCommandByBatchName(argument);
     return command != nullptr ? std::optional<BatchCommand>(command) : std::nullopt;
@@ -60,14 +72,17 @@ std::optional<BatchCommand> ParseCommand(const std::string& argument)
 // With "-" in its short options, getopt returns this value for arguments that are not options.
 constexpr int kPositional = 1;
 
-const std::array<option, 10> kLongOptions{{
+const std::array<option, 13> kLongOptions{{
     {"document", required_argument, nullptr, 'd'},
     {"target", required_argument, nullptr, 't'},
     {"virtual-board", optional_argument, nullptr, 'v'},
+    {"board", required_argument, nullptr, 's'},
     {"plugin", required_argument, nullptr, 'p'},
     {"open-device-window", no_argument, nullptr, 'w'},
     {"appearance", required_argument, nullptr, 'a'},
     {"batch", no_argument, nullptr, 'b'},
+    {"input", no_argument, nullptr, 'i'},
+    {"mount", required_argument, nullptr, 'm'},
     {"version", no_argument, nullptr, 'V'},
     {"help", no_argument, nullptr, 'h'},
     {},
@@ -79,6 +94,9 @@ bool ApplyOption(Options& options, int option, const char* argument)
     switch (option) {
         case 'd': options.document = argument; return true;
         case 't': options.target = argument; return true;
+        case 's': options.board = argument; return true;
+        case 'm': options.mount = argument; return true;
+        case 'i': options.input = true; return true;
         case 'p': options.plugin = argument; return true;
         case 'b': options.batch = true; return true;
         case 'w': options.openDeviceWindow = true; return true;
@@ -118,6 +136,12 @@ std::expected<void, std::string> Validate(const Options& options)
     if (options.openDeviceWindow && (options.batch || !options.files.empty())) {
         return std::unexpected("--open-device-window cannot be combined with files or commands");
     }
+    if (!options.batch && (options.input || !options.mount.empty())) {
+        return std::unexpected("--input and --mount require --batch");
+    }
+    if (options.virtualBoard && !options.board.empty()) {
+        return std::unexpected("--board cannot be combined with --virtual-board");
+    }
     if (options.batch && options.commands.empty() && !options.help && !options.version) {
         return std::unexpected("--batch requires at least one command");
     }
@@ -135,8 +159,11 @@ std::string Usage()
         }
     }
     return usage +
-           " help, and\n"
-           "wait=SECONDS, which continues after that time even if a command is still running.\n";
+           " help,\n"
+           "restart (the board), main (restart, then run the board's main.py), prompt=TEXT (run "
+           "TEXT "
+           "at\nthe board's prompt), and wait=SECONDS, which continues after that time even if a "
+           "command is\nstill running.\n";
 }
 
 std::expected<Options, std::string> ParseOptions(const std::vector<std::string>& arguments)

@@ -69,7 +69,7 @@ FindBar::FindBar(QWidget* parent)
     MakeFindRow(*rows);
     MakeReplaceRow(*rows);
     MakeOptionsRow(*rows);
-    SetTabOrder();
+    setTabOrder(searchText_, replacement_);
     connect(marker_, &MatchMarker::Changed, this, &FindBar::ShowResult);
     connect(searchText_, &QLineEdit::textEdited, this, &FindBar::FindWhileTyping);
     for (auto* option : {matchCase_, wholeWords_, regularExpression_}) {
@@ -122,17 +122,6 @@ QWidget* FindBar::MakeCloseButton()
     close->setToolTip(tr("Close (Esc)"));
     connect(close, &QToolButton::clicked, this, &FindBar::Close);
     return close;
-}
-
-// Tab goes from one field to the other, and then to the buttons.
-void FindBar::SetTabOrder()
-{
-    setTabOrder(searchText_, replacement_);
-    QWidget* last = replacement_;
-    for (auto* const button : findChildren<QAbstractButton*>()) {
-        setTabOrder(last, button);
-        last = button;
-    }
 }
 
 void FindBar::SetEditor(QsciScintilla* editor)

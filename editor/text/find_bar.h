@@ -46,7 +46,6 @@ class FindBar final : public QWidget {
     void MakeReplaceRow(QGridLayout& rows);
     void MakeOptionsRow(QGridLayout& rows);
     QWidget* MakeCloseButton();
-    void SetTabOrder();
     void Open(bool replaces);
     void Close();
     void FindWhileTyping();

@@ -118,6 +118,7 @@ void MatchMarker::Restart()
     matches_.clear();
     unmarked_ = 0;
     position_ = 0;
+    length_ = editor_ ? Length(*editor_) : 0;
     partSize_ = kPartSize;
     isFinished_ = false;
 }
@@ -127,7 +128,9 @@ void MatchMarker::MarkPart()
     if (!editor_ || !search_) {
         return;
     }
-    length_ = Length(*editor_);
+    if (Length(*editor_) != length_) {  // Output has arrived, perhaps in place of old lines.
+        Restart();
+    }
     const long start = CharacterStart(*editor_, std::max(0L, position_ - kContext));
     const long end = CharacterStart(*editor_, std::min(length_, position_ + partSize_));
     const long before = position_;

@@ -17,8 +17,8 @@ QString WithKeys(const QString& text, const QKeySequence& keys)
 
 }  // namespace
 
-CommandProgress::CommandProgress(Runtime& runtime, BoardTool& tool, const Parts& parts)
-    : monitor_(runtime, nullptr), tool_(tool), parts_(parts)
+CommandProgress::CommandProgress(CommandMonitor& monitor, BoardTool& tool, const Parts& parts)
+    : monitor_(monitor), tool_(tool), parts_(parts)
 {
     stop_ = parts_.toolBar.AddStop([this] { parts_.commands.Perform("QuilpStop"); });
     connect(&monitor_, &CommandMonitor::Changed, this, &CommandProgress::Show);

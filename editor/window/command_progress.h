@@ -27,8 +27,8 @@ class CommandProgress final : public QObject {
         const Shortcuts& shortcuts;
     };
 
-    // The parts, the runtime and the tool must outlive this object.
-    CommandProgress(Runtime& runtime, BoardTool& tool, const Parts& parts);
+    // The parts, the monitor and the tool must outlive this object.
+    CommandProgress(CommandMonitor& monitor, BoardTool& tool, const Parts& parts);
 
     // The name of the file that Run would run; empty if there is none.
     void SetRunnable(const QString& name);
@@ -45,7 +45,7 @@ class CommandProgress final : public QObject {
     void ShowToolTips();
     void ReportInterrupted(const BoardCommand& command, const std::vector<std::string>& words);
 
-    CommandMonitor monitor_;
+    CommandMonitor& monitor_;
     BoardTool& tool_;
     Parts parts_;
     QAction* stop_;

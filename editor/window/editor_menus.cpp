@@ -3,12 +3,14 @@
 #include "appearance.h"
 #include "board_menu.h"
 #include "board_monitor.h"
+#include "board_prompt.h"
 #include "commands_menu.h"
 #include "document_tabs.h"
 #include "editor_style.h"
 #include "file_actions.h"
 #include "find_bar.h"
 #include "help_window.h"
+#include "input_field.h"
 #include "message_area.h"
 #include "path_text.h"
 #include "plugin_actions.h"
@@ -163,6 +165,8 @@ void EditorMenus::MakeViewMenu()
     menu->addSeparator();
     Add(menu, tr("&Switch to Worksheet"), QKeySequence("Ctrl+J"),
         [&texts] { texts.SwitchToWorksheet(); });
+    Add(menu, tr("Go to P&rompt"), QKeySequence("Ctrl+Shift+J"),
+        [this] { parts_.input.setFocus(); });
     Add(menu, tr("&Enlarge Worksheet"), QKeySequence("Ctrl+Shift+Up"),
         [&texts] { texts.EnlargeWorksheet(kWorksheetStep); });
     Add(menu, tr("S&hrink Worksheet"), QKeySequence("Ctrl+Shift+Down"),
@@ -203,6 +207,8 @@ void EditorMenus::MakeCommandsMenu()
     auto* const menu = commandsMenu_;
     parts_.window.menuBar()->addMenu(menu);
     Add(menu, tr("S&tatus"), {}, [this] { parts_.commands.ShowStatus(); });
+    AddForDocument(menu, tr("Run Se&lection on Board"), QKeySequence("Ctrl+Return"),
+                   [this](DocumentPage& page) { parts_.prompt.RunSelection(page.editor()); });
     menu->addSeparator();
     Add(menu, tr("Show Command &Menu"), QKeySequence("Alt+Return"),
         [this] { Q_EMIT CommandMenuRequested(); });

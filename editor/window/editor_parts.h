@@ -2,9 +2,11 @@
 
 class BoardActions;
 class BoardMonitor;
+class BoardPrompt;
 class DocumentTabs;
 class FileActions;
 class FindBar;
+class InputField;
 class MessageArea;
 class PluginActions;
 class Project;
@@ -22,11 +24,13 @@ struct EditorParts {
     DocumentTabs& tabs;
     FindBar& findBar;
     Worksheet& worksheet;
+    InputField& input;
     Project& project;
     BoardMonitor& board;
     FileActions& files;
     TextActions& texts;
     PluginActions& commands;
     WorksheetActions& worksheetActions;
+    BoardPrompt& prompt;
     BoardActions& boardActions;
 };

@@ -2,6 +2,7 @@
 
 #include "board_actions.h"
 #include "board_menu.h"
+#include "board_prompt.h"
 #include "command_progress.h"
 #include "commands_menu.h"
 #include "control_tool_bar.h"
@@ -11,6 +12,7 @@
 #include "file_actions.h"
 #include "find_bar.h"
 #include "help_window.h"
+#include "input_field.h"
 #include "message_area.h"
 #include "path_text.h"
 #include "plugin_actions.h"
@@ -47,6 +49,19 @@ QString EscapeForTitle(QString name)
     return name.replace("[*]", "[*][*]");
 }
 
+// Places the widgets below each other, with a line between them.
+void Stack(const std::vector<QWidget*>& widgets, QWidget& parent)
+{
+    auto* const column = new QVBoxLayout(&parent);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(1);
+    for (auto* const widget : widgets) {
+        column->addWidget(widget);
+    }
+    parent.setBackgroundRole(QPalette::Mid);
+    parent.setAutoFillBackground(true);
+}
+
 std::vector<NamedShortcut> DefaultShortcuts()
 {
     std::vector<NamedShortcut> shortcuts;
@@ -69,6 +84,7 @@ MainWindow::MainWindow(const PluginModule& plugin, Runtime& runtime, const Edito
           plugin, runtime, [this](const std::string& text) { worksheet_->Append(text); }, this),
       tool_(runtime, ResourceFolder(plugin.bundle()) + "/mpremote/mpremote.py",
             [this](const std::string& text) { worksheet_->Append(text); }),
+      monitor_(runtime, nullptr),
       shortcuts_({}, {}),
       project_(new Project(this)),
       board_(new BoardMonitor(paths.boardProgram, paths.boardFolder, paths.findPorts, this))
@@ -103,13 +119,16 @@ void MainWindow::MakeCentralWidget(const std::string& recoveryRoot)
     column->addWidget(tabs_, 1);
     column->addWidget(findBar_);
 
-    worksheet_ = new Worksheet(this);
+    auto* const console = new QWidget(this);
+    worksheet_ = new Worksheet(console);
     worksheet_->setAccessibleName(tr("Worksheet"));
+    input_ = new InputField(console);
+    Stack({worksheet_, input_}, *console);
     splitter_ = new QSplitter(Qt::Vertical, this);
     splitter_->setHandleWidth(5);  // Only one pixel of it is drawn.
     splitter_->setChildrenCollapsible(false);
     splitter_->addWidget(documents);
-    splitter_->addWidget(worksheet_);
+    splitter_->addWidget(console);
     splitter_->setSizes({500, 190});  // They keep this ratio in a window of any size.
     setCentralWidget(splitter_);
 }
@@ -122,11 +141,12 @@ void MainWindow::MakeActions()
     commands_ = new PluginActions(host_, *tabs_, *messages_, this);
     worksheetActions_ = new WorksheetActions(*worksheet_, *tabs_, *project_, *board_, *messages_);
     worksheetActions_->setParent(this);
+    prompt_ = new BoardPrompt(runtime_, {*input_, *worksheet_, tool_, monitor_, *messages_}, this);
     worksheetActions_->SetProgramFolder(ResourceFolder(plugin_.bundle()) + "/../../bin");
     boardActions_ = new BoardActions({*this, tool_, *board_, *tabs_, *worksheet_, *messages_});
-    const EditorParts parts{*this,       *splitter_,         *messages_,    *tabs_,  *findBar_,
-                            *worksheet_, *project_,          *board_,       *files_, *texts_,
-                            *commands_,  *worksheetActions_, *boardActions_};
+    const EditorParts parts{*this,       *splitter_, *messages_,         *tabs_,   *findBar_,
+                            *worksheet_, *input_,    *project_,          *board_,  *files_,
+                            *texts_,     *commands_, *worksheetActions_, *prompt_, *boardActions_};
     menus_ = new EditorMenus(parts, shortcuts_);
     session_ = std::make_unique<SessionKeeper>(folders_, shortcuts_, parts);
     status_ = new EditorStatusBar(&menus_->boardMenu(), this);
@@ -142,7 +162,7 @@ void MainWindow::MakeToolBar()
     menus_->AddDocumentAction(
         toolBar_->AddButton(Action::Save, tr("Save"), [this] { tabs_->saver().SaveFront(); }));
     toolBar_->addSeparator();
-    progress_.reset(new CommandProgress(runtime_, tool_,
+    progress_.reset(new CommandProgress(monitor_, tool_,
                                         {*status_, *toolBar_, *messages_, *commands_, shortcuts_}));
 }
 
@@ -164,6 +184,7 @@ void MainWindow::ConnectParts()
     connect(menus_, &EditorMenus::HelpRequested, this, &MainWindow::ShowHelp);
     connect(toolBar_, &ControlToolBar::ControlPressed, commands_, &PluginActions::PressControl);
     connect(toolBar_, &ControlToolBar::MenuRequested, commands_, &PluginActions::OpenPopUp);
+    connect(input_, &InputField::Left, texts_, &TextActions::GoToDocument);
     connect(&diskTimer_, &QTimer::timeout, this, &MainWindow::CheckDisk);
     diskTimer_.start(kDiskCheckInterval);
     controlsTimer_.setSingleShot(true);

@@ -2,6 +2,7 @@
 
 #include "board_monitor.h"
 #include "board_tool.h"
+#include "command_monitor.h"
 #include "document_tabs.h"
 #include "plugin_host.h"
 #include "plugin_settings.h"
@@ -16,6 +17,7 @@
 #include <string>
 
 class BoardActions;
+class BoardPrompt;
 class CommandProgress;
 class ControlToolBar;
 class EditorMenus;
@@ -23,6 +25,7 @@ class EditorStatusBar;
 class FileActions;
 class FindBar;
 class HelpWindow;
+class InputField;
 class MessageArea;
 class PluginActions;
 class QSplitter;
@@ -100,6 +103,7 @@ class MainWindow final : public QMainWindow {
     PluginSettings settings_;
     PluginHost host_;
     BoardTool tool_;
+    CommandMonitor monitor_;
     Shortcuts shortcuts_;
     std::unique_ptr<SessionKeeper> session_;
     std::unique_ptr<CommandProgress> progress_;
@@ -114,10 +118,12 @@ class MainWindow final : public QMainWindow {
     DocumentTabs* tabs_ = nullptr;
     FindBar* findBar_ = nullptr;
     Worksheet* worksheet_ = nullptr;
+    InputField* input_ = nullptr;
     FileActions* files_ = nullptr;
     TextActions* texts_ = nullptr;
     PluginActions* commands_ = nullptr;
     WorksheetActions* worksheetActions_ = nullptr;
+    BoardPrompt* prompt_ = nullptr;
     BoardActions* boardActions_ = nullptr;
     EditorMenus* menus_ = nullptr;
     ControlToolBar* toolBar_ = nullptr;

@@ -7,6 +7,7 @@
 
 #include <QKeyEvent>
 #include <QRegularExpression>
+#include <QScrollBar>
 
 #include <algorithm>
 #include <utility>
@@ -21,6 +22,7 @@ constexpr long kBytesAfterDrop = Worksheet::kMaxBytes - Worksheet::kMaxBytes / 1
 constexpr std::string_view kTraceback = "Traceback (most recent call last):";
 constexpr int kLinkIndicator = 8;
 constexpr int kChosenMarker = 1;
+constexpr int kBeginningMarker = 2;
 constexpr int kMargin = 1;
 constexpr int kMarginWidth = 8;  // pixels
 
@@ -77,13 +79,6 @@ long DisplayedLines(const QsciScintilla& editor)
            Send(editor, QsciScintilla::SCI_WRAPCOUNT, last);
 }
 
-bool IsEndInSight(const QsciScintilla& editor)
-{
-    return Send(editor, QsciScintilla::SCI_GETFIRSTVISIBLELINE) +
-               Send(editor, QsciScintilla::SCI_LINESONSCREEN) >=
-           DisplayedLines(editor);
-}
-
 void ShowEnd(const QsciScintilla& editor)
 {
     if (editor.wrapMode() != QsciScintilla::WrapNone) {
@@ -110,15 +105,26 @@ bool IsRunChord(const QKeyEvent& event)
 Worksheet::Worksheet(QWidget* parent) : QsciScintilla(parent)
 {
     SetUpEditor(*this);
-    setMarginType(kMargin, SymbolMarginDefaultBackgroundColor);
-    setMarginMarkerMask(kMargin, 0);
-    setMarginWidth(kMargin, kMarginWidth);
+    SetUpMargin();
     SetUpLinks();
     ApplyColors();
     appendTimer_.setSingleShot(true);
     connect(&appendTimer_, &QTimer::timeout, this, &Worksheet::AppendChunk);
     markTimer_.setSingleShot(true);
     connect(&markTimer_, &QTimer::timeout, this, &Worksheet::MarkChanged);
+}
+
+void Worksheet::SetUpMargin()
+{
+    setMarginType(kMargin, SymbolMarginDefaultBackgroundColor);
+    setMarginMarkerMask(kMargin, 1 << kBeginningMarker);
+    setMarginWidth(kMargin, kMarginWidth);
+    markerDefine(LeftRectangle, kBeginningMarker);
+    connect(verticalScrollBar(), &QScrollBar::actionTriggered, this,
+            [this] { isScrolled_ = true; });
+    connect(this, &QsciScintillaBase::SCN_ZOOM, this, [this] {
+        ChangeView([this] { Send(*this, SCI_TEXTHEIGHT, 0); });  // Applies the new size.
+    });
 }
 
 void Worksheet::SetUpLinks()
@@ -137,6 +143,7 @@ void Worksheet::SetUpLinks()
 void Worksheet::ApplyColors()
 {
     const auto& colors = ColorsFor(palette());
+    setMarkerBackgroundColor(colors.link, kBeginningMarker);
     setIndicatorForegroundColor(colors.link, kLinkIndicator);
     setIndicatorHoverForegroundColor(colors.link, kLinkIndicator);
     const auto apply = [this](int style, const QColor& color, bool isBold) {
@@ -156,11 +163,87 @@ void Worksheet::ApplyColors()
 
 void Worksheet::SetWraps(bool wraps)
 {
-    const bool follows = IsEndInSight(*this);
-    setWrapMode(wraps ? WrapCharacter : WrapNone);
-    if (follows) {
+    ChangeView([&] {
+        setWrapMode(wraps ? WrapCharacter : WrapNone);
+        // A scroll bar that appears would wrap all lines again.
+        setVerticalScrollBarPolicy(wraps ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAsNeeded);
+    });
+}
+
+// Makes a change that scrolls the view although the user does not. It may cause other such changes,
+// for example when a scroll bar disappears.
+void Worksheet::ChangeView(const std::function<void()>& change)
+{
+    if (std::exchange(isViewChanging_, true)) {
+        return change();
+    }
+    NoticeScrolling();
+    change();
+    KeepView();
+    isViewChanging_ = false;
+}
+
+// When lines are wrapped anew, the first visible line stays, but not its number on the screen.
+void Worksheet::NoticeScrolling()
+{
+    const long first = Send(*this, SCI_DOCLINEFROMVISIBLE, firstVisibleLine());
+    if (std::exchange(isScrolled_, false) || first != firstLine_) {
+        follows_ = firstVisibleLine() + linesOnScreen_ >= DisplayedLines(*this);
+    }
+}
+
+void Worksheet::KeepView()
+{
+    if (follows_) {
         ShowEnd(*this);
     }
+    firstLine_ = Send(*this, SCI_DOCLINEFROMVISIBLE, firstVisibleLine());
+    linesOnScreen_ = Send(*this, SCI_LINESONSCREEN);
+}
+
+void Worksheet::FollowEnd()
+{
+    AppendPending();
+    isScrolled_ = false;
+    follows_ = true;
+    KeepView();
+}
+
+void Worksheet::BeginCommand()
+{
+    AppendPending();
+    begins_ = true;
+    caretBefore_ = Send(*this, SCI_GETCURRENTPOS);
+}
+
+void Worksheet::MarkBeginning(long line)
+{
+    Send(*this, SCI_MARKERDELETE, line, kBeginningMarker);
+    Send(*this, SCI_MARKERADD, line, kBeginningMarker);
+}
+
+void Worksheet::EndCommand()
+{
+    AppendPending();
+    const bool isSilent = std::exchange(begins_, false);
+    const bool isCaretMoved =
+        std::exchange(caretBefore_, -1) != Send(*this, SCI_GETCURRENTPOS) || hasSelectedText();
+    if (isSilent || isCaretMoved) {
+        return;
+    }
+    AppendLines({});
+    AppendPending();
+    Send(*this, SCI_SETEMPTYSELECTION, Length(*this));
+    KeepView();
+}
+
+void Worksheet::AppendLines(std::string_view utf8)
+{
+    AppendPending();
+    if (lineLength(lines() - 1) > 0) {
+        Append("\n");
+    }
+    Append(utf8);
 }
 
 void Worksheet::Append(std::string_view utf8)
@@ -184,7 +267,7 @@ void Worksheet::AppendChunk()
     if (consumed_ >= pending_.size() / 2) {
         pending_.erase(0, std::exchange(consumed_, 0));
     }
-    Apply(change);
+    ChangeView([&] { Apply(change); });
     if (!pending_.empty()) {
         appendTimer_.start();
     }
@@ -202,15 +285,18 @@ void Worksheet::Apply(const OutputChange& change)
 {
     MarkChanged();  // The positions that it uses become invalid below.
     const NotificationBlocker blocker(*this);
-    const bool follows = IsEndInSight(*this);
     const long lastLine = LineStart(*this, lines() - 1);
     if (change.erasesLastLine) {
         ReplaceBetween(*this, lastLine, Length(*this), {});
+        caretBefore_ = std::min(caretBefore_, lastLine);
         Send(*this, SCI_EMPTYUNDOBUFFER);  // Its positions are no longer valid.
     }
     const long oldEnd = Length(*this);
     const auto bytes = change.text.toUtf8();
     SendScintilla(SCI_APPENDTEXT, static_cast<unsigned long>(bytes.size()), bytes.constData());
+    if (!bytes.isEmpty() && std::exchange(begins_, false)) {
+        MarkBeginning(LineAt(*this, lastLine));
+    }
     SetStyles(change, oldEnd);
     MarkLinks(lastLine, Length(*this));
     ColorTracebacks(lastLine);
@@ -219,9 +305,6 @@ void Worksheet::Apply(const OutputChange& change)
         Send(*this, SCI_MARKERDELETEHANDLE, std::exchange(chosen_, -1));
     }
     DropOldLines();
-    if (follows) {
-        ShowEnd(*this);
-    }
 }
 
 void Worksheet::EndOutput()
@@ -297,7 +380,14 @@ void Worksheet::DropOldLines()
     if (dropped == 0) {
         return;
     }
-    Send(*this, SCI_DELETERANGE, 0, LineStart(*this, dropped));
+    // The marks of deleted lines would be moved to the first one that remains.
+    for (int line = 0;
+         (line = markerFindNext(line, 1U << kBeginningMarker)) >= 0 && line < dropped;) {
+        markerDelete(line, kBeginningMarker);
+    }
+    const long length = LineStart(*this, dropped);
+    Send(*this, SCI_DELETERANGE, 0, length);
+    caretBefore_ = caretBefore_ < 0 ? -1 : std::max(0L, caretBefore_ - length);
     Send(*this, SCI_EMPTYUNDOBUFFER);
 }
 
@@ -315,7 +405,7 @@ void Worksheet::SetContent(const QString& text)
     MarkLinks(0, Length(*this));
     ColorTracebacks(0);
     DropOldLines();
-    ShowEnd(*this);
+    KeepView();
 }
 
 void Worksheet::ClearAll()
@@ -326,8 +416,12 @@ void Worksheet::ClearAll()
     unchanged_.reset();
     parser_ = {};
     chosen_ = -1;
+    follows_ = true;
+    isScrolled_ = false;
+    firstLine_ = 0;
+    caretBefore_ = std::min(caretBefore_, 0L);
     const NotificationBlocker blocker(*this);
-    Send(*this, SCI_MARKERDELETEALL, kChosenMarker);
+    Send(*this, SCI_MARKERDELETEALL, -1);
     Send(*this, SCI_CLEARALL);
     Send(*this, SCI_EMPTYUNDOBUFFER);
     Send(*this, SCI_SETSCROLLWIDTH, 1);
@@ -518,6 +612,11 @@ void Worksheet::keyPressEvent(QKeyEvent* event)
     } else {
         QsciScintilla::keyPressEvent(event);
     }
+}
+
+void Worksheet::resizeEvent(QResizeEvent* event)
+{
+    ChangeView([&] { QsciScintilla::resizeEvent(event); });
 }
 
 void Worksheet::changeEvent(QEvent* event)

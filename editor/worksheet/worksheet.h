@@ -6,6 +6,7 @@
 #include <QString>
 #include <QTimer>
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -23,13 +24,23 @@ class Worksheet final : public QsciScintilla {
 
     // Appends output (see OutputText) in chunks, one in each iteration of the event loop. If too
     // much output is pending, this call itself appends chunks, to slow the producer down. The
-    // oldest lines are removed when there are too many. The view follows the output while its end
-    // is visible; the caret and the selection do not move. Undo does not revert output, nor changes
-    // made before output erased a line.
+    // oldest lines are removed when there are too many. The view follows the output until the user
+    // scrolls away from the end; the caret and the selection do not move. Undo does not revert
+    // output, nor changes made before output erased a line.
     void Append(std::string_view utf8);
+    // Appends lines, beginning with a new one.
+    void AppendLines(std::string_view utf8);
 
     // A program has ended: its colours, or its unfinished control sequence, end as well.
     void EndOutput();
+
+    // A command starts: the line where its output will begin is marked in the margin.
+    void BeginCommand();
+    // The command has ended. If it wrote anything, the caret goes to a new line at the end, unless
+    // the user has moved it meanwhile or has selected text.
+    void EndCommand();
+    // Scrolls to the end, and follows it.
+    void FollowEnd();
 
     // Whether lines that are wider than the view are continued on the next one.
     bool wraps() const { return wrapMode() != WrapNone; }
@@ -61,6 +72,7 @@ class Worksheet final : public QsciScintilla {
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
     // The number of unchanged bytes at the start and at the end.
@@ -68,8 +80,13 @@ class Worksheet final : public QsciScintilla {
         long before, after;
     };
 
+    void SetUpMargin();
     void SetUpLinks();
     void ApplyColors();
+    void ChangeView(const std::function<void()>& change);
+    void NoticeScrolling();
+    void KeepView();
+    void MarkBeginning(long line);
     void SetStyles(const OutputChange& change, long position);
     void ColorTracebacks(long start);
     bool IsInTraceback(long line) const;
@@ -94,4 +111,14 @@ class Worksheet final : public QsciScintilla {
     std::optional<Unchanged> unchanged_;  // Until the links in the user's changes are marked.
     std::optional<long> clicked_;         // The position of a link, until the button is released.
     long chosen_ = -1;                    // The handle of the marker on the chosen line.
+
+    bool follows_ = true;      // Only the user's scrolling changes this.
+    bool isScrolled_ = false;  // The user has moved the vertical scroll bar.
+    bool isViewChanging_ = false;
+    // As they were after the last change of the view: the first visible line of the text, and the
+    // number of lines that fit.
+    long firstLine_ = 0;
+    long linesOnScreen_ = 0;
+    bool begins_ = false;    // The next output is the first one of a command.
+    long caretBefore_ = -1;  // Where the caret was when the command started.
 };

@@ -268,7 +268,7 @@ TEST(Launcher, RunsTheToolOfItsPythonAndWorksWithoutStandardOutput)
     variables.push_back("PYTHONPATH=" + (folder / "mpremote.py") +
                         "/..:" QUILP_BUNDLE "/../mpremote");
     EXPECT_EQ(RunProgram({folder / "mpremote.py", "ls"}, variables).output, "ls :\n");
-    EXPECT_EQ(RunProgram({"sh", "-c", QUILP_MPREMOTE " touch :t >&-"}, variables).status, 0);
+    EXPECT_EQ(RunProgram({"sh", "-c", "'" QUILP_MPREMOTE "' touch :t >&-"}, variables).status, 0);
     EXPECT_TRUE(std::filesystem::exists(board.files() / "t"));
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "PluginInterface.h"
+#include "command_line.h"
 #include "plugin_bundle.h"
 #include "rebinder.h"
 
@@ -20,7 +21,10 @@ class RecordingHost final : public PluginInterface {
 
     std::string TakeLog() { return std::exchange(log, {}); }
     // The first word of every command line.
-    std::string Tool() const { return itsBundle.path + "/Resources/mpremote/mpremote.py"; }
+    std::string Tool() const
+    {
+        return EscapeWord(itsBundle.path) + "/Resources/mpremote/mpremote.py";
+    }
 
     PluginBundle itsBundle{QUILP_BUNDLE};
     std::uint32_t language = 0;

@@ -9,6 +9,7 @@
 #include <QApplication>
 #include <QInputDialog>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QSplitter>
 
 #include <algorithm>
@@ -34,14 +35,17 @@ bool TextActions::IsFindBarFocused() const
     return focused != nullptr && findBar_.isAncestorOf(focused);
 }
 
-// QLineEdit and QsciScintilla have slots of the same names. While a button of the find bar has the
-// focus, the action is for the text that the bar searches.
+// Text fields and QsciScintilla have slots of the same names. While a button of the find bar has
+// the focus, the action is for the text that the bar searches.
 void TextActions::Edit(const char* slot)
 {
+    auto* const focused = QApplication::focusWidget();
     QWidget* target = FocusedText();
     if (IsFindBarFocused()) {
-        target = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+        target = qobject_cast<QLineEdit*>(focused);
         target = target != nullptr ? target : findBar_.editor();
+    } else if (auto* const prompt = qobject_cast<QPlainTextEdit*>(focused)) {
+        target = prompt;
     }
     if (target != nullptr) {
         QMetaObject::invokeMethod(target, slot);
@@ -86,10 +90,17 @@ void TextActions::AdoptZoom()
     }
 }
 
+void TextActions::GoToDocument()
+{
+    if (auto* const page = tabs_.FrontPage()) {
+        page->editor().setFocus();
+    }
+}
+
 void TextActions::SwitchToWorksheet()
 {
     if (worksheet_.hasFocus() && tabs_.FrontPage() != nullptr) {
-        tabs_.FrontPage()->editor().setFocus();
+        GoToDocument();
     } else {
         worksheet_.setFocus();
     }

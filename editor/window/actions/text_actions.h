@@ -11,8 +11,8 @@ class QsciScintilla;
 class QSplitter;
 class Worksheet;
 
-// Actions on the text that has the focus: the front document, the worksheet or a field of the find
-// bar. [ui]
+// Actions on the text that has the focus: the front document, the worksheet, the board's prompt or
+// a field of the find bar. [ui]
 class TextActions final : public QObject {
     Q_OBJECT
 
@@ -34,6 +34,8 @@ class TextActions final : public QObject {
     // Adopts the zoom of the front document, which the mouse wheel changes.
     void AdoptZoom();
 
+    // Moves the focus to the front document, if there is one.
+    void GoToDocument();
     // Moves the focus to the worksheet, or from there back to the front document.
     void SwitchToWorksheet();
     // A negative number shrinks the worksheet.

@@ -40,9 +40,7 @@ std::string WorksheetActions::WorkingFolder() const
 
 void WorksheetActions::RunLine(const QString& text)
 {
-    if (worksheet_.lineLength(worksheet_.lines() - 1) > 0) {
-        worksheet_.Append("\n");
-    }
+    worksheet_.AppendLines({});
     shell_->Run(text, PathToText(WorkingFolder()));
 }
 

@@ -34,6 +34,7 @@ Session Read(QSettings& settings)
     session.zoom = std::clamp(settings.value(kRequiredKey, 0).toInt(), kMinZoom, kMaxZoom);
     session.savesBeforeCommands = settings.value("editor/savesBeforeCommands", true).toBool();
     session.wrapsWorksheet = settings.value("editor/wrapsWorksheet", false).toBool();
+    session.promptHistory = settings.value("session/promptHistory").toStringList();
     session.appearance =
         ParseAppearance(settings.value("editor/appearance").toString().toStdString())
             .value_or(Appearance::System);
@@ -88,6 +89,7 @@ std::expected<void, std::string> SaveSession(const std::string& path, const Sess
     settings.setValue(kRequiredKey, session.zoom);
     settings.setValue("editor/savesBeforeCommands", session.savesBeforeCommands);
     settings.setValue("editor/wrapsWorksheet", session.wrapsWorksheet);
+    settings.setValue("session/promptHistory", session.promptHistory);
     settings.setValue("editor/appearance",
                       QString::fromStdString(AppearanceName(session.appearance)));
     shortcuts.Save(settings);

@@ -32,6 +32,7 @@ struct Session {
     int zoom = 0;
     bool savesBeforeCommands = true;
     bool wrapsWorksheet = false;
+    QStringList promptHistory;
     Appearance appearance = Appearance::System;
 
     bool operator==(const Session&) const = default;

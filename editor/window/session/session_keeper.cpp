@@ -6,6 +6,7 @@
 #include "document_tabs.h"
 #include "file_actions.h"
 #include "file_save.h"
+#include "input_field.h"
 #include "message_area.h"
 #include "path_text.h"
 #include "plugin_actions.h"
@@ -61,6 +62,7 @@ void SessionKeeper::Restore()
     parts_.texts.ZoomTo(last_.zoom);
     parts_.commands.SetSavesFirst(last_.savesBeforeCommands);
     parts_.worksheet.SetWraps(last_.wrapsWorksheet);
+    parts_.input.SetPromptHistory(last_.promptHistory);
     RestoreWorksheet();
     isSheetEdited_ = false;
     savedLength_ = lastLength_ = Length(parts_.worksheet);
@@ -131,6 +133,7 @@ Session SessionKeeper::Current() const
         .zoom = parts_.texts.zoom(),
         .savesBeforeCommands = parts_.commands.savesFirst(),
         .wrapsWorksheet = parts_.worksheet.wraps(),
+        .promptHistory = parts_.input.promptHistory(),
         .appearance = CurrentAppearance(),
     };
 }

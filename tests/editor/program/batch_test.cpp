@@ -1,4 +1,5 @@
 #include "board_process.h"
+#include "command_line.h"
 #include "subprocess.h"
 #include "wait.h"
 
@@ -72,9 +73,9 @@ TEST_F(Batch, EveryLineOfATracebackShowsTheFilesPath)
 
 TEST_F(Batch, GoesOnAfterWhatAPluginThrowsAndFails)
 {
-    const auto result = RunProgram(Editor({"--plugin", QUILP_TEST_BIN "/throwing_plugin.so",
-                                           "--document", local.Write("s.py", ""), "--batch", "run",
-                                           "help", "list"}));
+    const auto result =
+        RunProgram(Editor({"--plugin", QUILP_TEST_BIN "/throwing_plugin.so", "--document",
+                           local.Write("s.py", ""), "--batch", "run", "help", "list"}));
     EXPECT_EQ(result.status, 1) << result.output;
     for (const char* place : {"output", "completion", "QuilpList"}) {
         EXPECT_TRUE(Contains(result.output, std::string("thrown in ") + place)) << result.output;
@@ -91,10 +92,9 @@ TEST_F(Batch, StopStopsTheBoardItselfAndTheNextCommandsAllWork)
     words = RunScript("print('ran')\n");
     words.insert(words.end(), {"upload", "run", "list", "copy-template", "upload"});
     const std::string copied = "cp " + words[1] + " :s.py\n";
-    EXPECT_EQ(OutputOf(words), "ran\r\n" + copied +
-                                   "ran\r\nls :\n          13 s.py\n" QUILP_MPREMOTE
-                                   " cp '<from>':'<to>'" +
-                                   copied + "Up to date: s.py\n");
+    EXPECT_EQ(OutputOf(words), "ran\r\n" + copied + "ran\r\nls :\n          13 s.py\n" +
+                                   EscapeWord(QUILP_MPREMOTE) + " cp '<from>':'<to>'" + copied +
+                                   "Up to date: s.py\n");
 }
 
 TEST_F(Batch, SignalsStopTheBoardAndSkipTheOtherCommands)
@@ -209,14 +209,14 @@ TEST(Editor, EveryCommandLineHasItsMessageAndStatus)
 
 TEST(Editor, ExitsWhenOutputCannotBeWritten)
 {
-    const std::string editor = QUILP_BIN "/quilp-editor --batch help wait=60";
+    const std::string program = "'" QUILP_BIN "/quilp-editor'";
+    const std::string editor = program + " --batch help wait=60";
     const auto full = RunProgram({"sh", "-c", editor + " >/dev/full; echo $?"});
     EXPECT_EQ(full.output,
               "quilp-editor: cannot write to standard output: No space left on device\n1\n");
     const auto closed = RunProgram({"sh", "-c", "{ sleep 0.2; " + editor + "; } | true"});
     EXPECT_EQ(closed.output, "") << "a closed pipe is not an error";
-    const auto help =
-        RunProgram({"sh", "-c", QUILP_BIN "/quilp-editor --help >/dev/full; echo $?"});
+    const auto help = RunProgram({"sh", "-c", program + " --help >/dev/full; echo $?"});
     EXPECT_EQ(help.output, full.output);
     const auto without = RunProgram({"sh", "-c", editor + " <&- >&- 2>&-; echo $?"});
     EXPECT_EQ(without.output, "1\n") << "no standard descriptors";
@@ -253,7 +253,7 @@ TEST(Editor, OpensTheDeviceWindowAloneAndKeepsItsFrame)
     const Words variables{"QT_QPA_PLATFORM=offscreen", "XDG_RUNTIME_DIR=" + bundle.path(),
                           "XDG_CONFIG_HOME=" + bundle.path()};
     const auto settings = bundle / "quilp/plugins.settings";
-    const auto open = QUILP_BIN "/quilp-editor --open-device-window --plugin " + plugin;
+    const auto open = "'" QUILP_BIN "/quilp-editor' --open-device-window --plugin " + plugin;
     for (const std::string prepare : {"exec ", "ulimit -f 0; exec "}) {
         fs::remove(tool + ".ran");
         BackgroundProgram editor({"sh", "-c", prepare + open}, variables);

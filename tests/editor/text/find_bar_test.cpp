@@ -129,6 +129,12 @@ TEST_F(FindBarTest, AllMatchesOfALargeTextAreMarkedAndCountedInParts)
     words()->selectAll();
     words()->insert("[0-9]");
     shows("1 of over 100,000");
+    words()->selectAll();
+    words()->insert("7é\\n");
+    QCoreApplication::processEvents();
+    Send(*editor, QsciScintilla::SCI_SETMODEVENTMASK, 0);
+    editor->setText("7é\n7é\n");  // As output in a worksheet, while the old text is searched.
+    shows("2 matches");
     QTest::keyClick(words(), Qt::Key_Escape);
     EXPECT_FALSE(isMarked(1)) << "the bar is closed";
 }

@@ -8,10 +8,12 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 
 #include <cmath>
+#include <functional>
 
 namespace {
 
@@ -240,11 +242,89 @@ TEST_F(WorksheetTest, TheViewFollowsTheOutputOnlyAtTheEnd)
     sheet.ClearAll();
     sheet.SetWraps(true);
     for (int i = 0; i < 3; ++i) {
-        Append(std::string(3000, 'x') + "\n" + Lines(100));
+        Append(Lines(100) + std::string(3000, 'x') + "\n");
+        QCoreApplication::processEvents();
+        sheet.resize(600 - 100 * i, 300);
         QCoreApplication::processEvents();
         const auto last = Send(sheet, QsciScintilla::SCI_POINTYFROMPOSITION, 0, Length(sheet));
         EXPECT_LT(last, sheet.height()) << "lines that are wrapped are not followed";
     }
+}
+
+TEST_F(WorksheetTest, OnlyTheUsersScrollingEndsFollowing)
+{
+    const auto isEndVisible = [&] {
+        return Send(sheet, QsciScintilla::SCI_POINTYFROMPOSITION, 0, Length(sheet)) <
+               sheet.viewport()->height();
+    };
+    for (const bool wraps : {false, true}) {
+        SCOPED_TRACE(wraps ? "wrapped" : "not wrapped");
+        sheet.ClearAll();
+        sheet.SetWraps(wraps);
+        Append(Lines(100) + std::string(400, 'x') + "\n");
+        const std::function<void()> changes[] = {
+            [&] { sheet.resize(600, 120); }, [&] { sheet.resize(200, 300); },
+            [&] { sheet.zoomTo(8); },        [&] { sheet.zoomTo(-2); },
+            [&] { sheet.zoomTo(0); },        [&] { sheet.resize(600, 300); }};
+        for (const auto& change : changes) {
+            change();
+            QCoreApplication::processEvents();
+            EXPECT_TRUE(isEndVisible());
+            Append("more\n");
+            EXPECT_TRUE(isEndVisible());
+        }
+        QTest::keyClick(&sheet, Qt::Key_Home, Qt::ControlModifier);
+        QTest::keyClick(&sheet, Qt::Key_PageDown);
+        sheet.resize(600, 3000);  // The end comes into sight.
+        sheet.resize(600, 300);
+        Append("more\n");
+        EXPECT_FALSE(isEndVisible());
+        sheet.verticalScrollBar()->triggerAction(QAbstractSlider::SliderToMaximum);
+        Append("more\n");
+        EXPECT_TRUE(isEndVisible());
+        sheet.verticalScrollBar()->triggerAction(QAbstractSlider::SliderSingleStepSub);
+        Append("more\n");
+        EXPECT_FALSE(isEndVisible());
+        sheet.FollowEnd();
+        EXPECT_TRUE(isEndVisible());
+    }
+}
+
+TEST_F(WorksheetTest, MarksWhereOutputBeginsAndMovesACaretThatWasLeftAlone)
+{
+    const auto command = [&](
+                             const std::string& output, const std::function<void()>& act = [] {}) {
+        sheet.BeginCommand();
+        Append(output);
+        act();
+        sheet.EndCommand();
+    };
+    const auto marks = [&] {
+        QList<int> lines;
+        for (int line = 0; (line = sheet.markerFindNext(line, 1U << 2)) >= 0; ++line) {
+            lines.append(line);
+        }
+        return lines;
+    };
+    const auto caret = [&] { return Send(sheet, QsciScintilla::SCI_GETCURRENTPOS); };
+    command("one\n10%\r20%");
+    EXPECT_EQ(sheet.Content(), "one\n20%\n");
+    EXPECT_EQ(caret(), Length(sheet));
+    command("");
+    command("two\n");
+    EXPECT_EQ(marks(), (QList<int>{0, 2}));
+    sheet.setCursorPosition(0, 1);
+    command("three\n");
+    EXPECT_EQ(caret(), Length(sheet));
+    command("four\n", [&] { sheet.setCursorPosition(1, 2); });
+    EXPECT_EQ(caret(), 6) << "the user has moved it";
+    sheet.selectAll();
+    command("five\n");
+    EXPECT_TRUE(sheet.hasSelectedText());
+    sheet.setCursorPosition(2, 0);
+    command(Lines(Worksheet::kMaxLines + 10));
+    EXPECT_EQ(marks(), QList<int>()) << "marks of lines that were removed";
+    EXPECT_EQ(caret(), Length(sheet));
 }
 
 TEST_F(WorksheetTest, OutputKeepsTheCaretTheSelectionAndTheUndoHistory)

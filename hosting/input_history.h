@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+// What the user has entered in a field, and the entry that is shown while walking through it. [any]
+class InputHistory {
+  public:
+    static constexpr qsizetype kMaxEntries = 500;
+    // Longer entries are not kept, because the history is stored with the settings.
+    static constexpr qsizetype kMaxLength = 10'000;  // UTF-16 units
+
+    // From the oldest to the newest.
+    const QStringList& entries() const { return entries_; }
+    void SetEntries(const QStringList& entries);
+
+    // Ends walking. Adds the text, unless it equals the newest entry.
+    void Add(const QString& text);
+
+    // The entry before or after the shown one; nothing at the ends. `shown` is the field's text,
+    // which the user may have changed. The text of the start comes back after the newest entry.
+    std::optional<QString> Older(const QString& shown);
+    std::optional<QString> Newer(const QString& shown);
+
+  private:
+    QString Text(qsizetype index) const;
+
+    QStringList entries_;
+    qsizetype index_ = 0;  // The number of entries before the shown text.
+    QString draft_;        // The text of the start.
+};
