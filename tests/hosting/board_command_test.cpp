@@ -1,6 +1,7 @@
 #include "board_command.h"
 
 #include "board_scripts.h"
+#include "main_program.h"
 
 #include <gtest/gtest.h>
 
@@ -32,7 +33,7 @@ TEST(BoardCommand, IsDescribedByTheWordsOfItsLine)
         {{"ls", "/"}, "Listing the board"},
         {{"devs", "df"}, "Asking for the board's status"},
         {{"mip", "install", "aiohttp"}, "Installing aiohttp"},
-        {RunMainWords(), "Running main.py"},
+        {RunMainCommand(), "Running main.py"},
         {ListFilesWords(), "Listing the board"},
         {RestartWords(), "Restarting the board"},
         {{"disconnect", "/p"}, ""},

@@ -4,6 +4,7 @@
 #include "board_scripts.h"
 #include "board_task.h"
 #include "document_tabs.h"
+#include "main_program.h"
 #include "message_area.h"
 #include "path_text.h"
 #include "worksheet.h"
@@ -104,7 +105,7 @@ void BoardActions::Restart()
 
 void BoardActions::RunMain()
 {
-    parts_.tool.Run(RunMainWords());
+    parts_.tool.Run(RunMainCommand());
 }
 
 void BoardActions::InstallPackage()
