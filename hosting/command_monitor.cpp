@@ -55,9 +55,8 @@ void CommandMonitor::End(const std::vector<std::string>& words, Runtime::Command
         result_ = end.isStopped ? tr("Stopped") : end.status == 0 ? tr("Finished") : tr("Failed");
     }
     elapsed_.start();
-    Q_EMIT Ended(end.isStopped);
-    Q_EMIT Changed();
     Q_EMIT Ended(command_, end);
+    Q_EMIT Changed();
     if (end.isStopped && !DescribeStopped(command_).isEmpty()) {
         Q_EMIT Interrupted(command_, words);
     }

@@ -26,10 +26,9 @@ class CommandMonitor final : public QObject {
 
   Q_SIGNALS:
     void Started();
-    void Ended(bool isStopped);
+    void Ended(const BoardCommand& command, Runtime::CommandEnd end);
     // The text has changed, or a command has started or ended.
     void Changed();
-    void Ended(const BoardCommand& command, Runtime::CommandEnd end);
     // A command that leaves something incomplete was stopped.
     void Interrupted(const BoardCommand& command, const std::vector<std::string>& words);
 

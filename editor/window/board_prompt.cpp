@@ -67,7 +67,8 @@ BoardPrompt::BoardPrompt(Runtime& runtime, const Parts& parts, QObject* parent)
     connect(&parts_.field, &InputField::EndOfInput, this, &BoardPrompt::EndInput);
     connect(&parts_.field, &InputField::CompletionRequested, this, &BoardPrompt::Complete);
     connect(&parts_.monitor, &CommandMonitor::Started, this, &BoardPrompt::OnStarted);
-    connect(&parts_.monitor, &CommandMonitor::Ended, this, &BoardPrompt::OnEnded);
+    connect(&parts_.monitor, &CommandMonitor::Ended, this,
+            [this](const BoardCommand&, Runtime::CommandEnd end) { OnEnded(end.isStopped); });
     inputTimer_.setSingleShot(true);
     inputTimer_.setInterval(kInputDelay);
     connect(&inputTimer_, &QTimer::timeout, this, [this] { parts_.field.ShowInput({}); });
