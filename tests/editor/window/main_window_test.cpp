@@ -290,16 +290,29 @@ TEST_F(EditorWindow, OpensAFileOfTheBoardRunsItsTextAndSavesItThere)
     EXPECT_TRUE(WaitUntil([&] { return Read(name) == "print('new')\n#1/0"; })) << Read(name);
     EXPECT_TRUE(tabShows("it's \"\\ü.py (on the board)"));
 
+    chooseFile("main");
+    EXPECT_TRUE(WaitUntil([&] { return documents.count() == 2; }));
+    Type("3");
+    documents.setCurrentIndex(0);
+    fs::remove(folder / name);
+    Type("2");
+    EXPECT_FALSE(documents.saver().SaveAll()) << "both wait for the board";
+    EXPECT_TRUE(MessageShows("the file is no longer on the board"));
+    EXPECT_TRUE(WaitUntil([&] { return Read("board/main.py") == "3"; }));
+    Answer("Save Anyway");
+    EXPECT_TRUE(WaitUntil([&] { return Read(name) == "print('new')\n#21/0"; })) << Read(name);
+    EXPECT_TRUE(tabShows("it's \"\\ü.py (on the board)"));
+
     window().board().DetachVirtualBoard();
     EXPECT_TRUE(MessageShows("is not attached. The text is kept here"));
-    Type("2");
+    Type("3");
     WhenAskedPress(QMessageBox::Save);
     EXPECT_FALSE(documents.Close(0));
     EXPECT_TRUE(MessageShows("was not saved: its board is not attached"));
     AttachBoard();
     WhenAskedPress(QMessageBox::Save);
     EXPECT_TRUE(documents.Close(0)) << Message();
-    EXPECT_EQ(Read(name), "print('new')\n#21/0");
+    EXPECT_EQ(Read(name), "print('new')\n#231/0");
 }
 
 TEST_F(EditorWindow, UploadsFilesWithAnyNameOneAfterAnotherAndRestarts)
@@ -342,38 +355,52 @@ TEST_F(EditorWindow, OffersTheVirtualBoardAndItsToolToTheShell)
         << "the choice is forgotten";
 }
 
-TEST_F(EditorWindow, AsksWhichOfTwoBoardsToUseAndRemembersIt)
+TEST_F(EditorWindow, AsksWhichOfTwoBoardsToUseAndUsesNoOther)
 {
-    const BoardPort first{"/dev/ttyACM0", "Pico", "1"};
-    const BoardPort second{"/dev/ttyACM1", "", "2"};
-    places.findPorts = [&] { return std::vector{first, second}; };
-    Start();
+    BoardProcess first;
+    BoardProcess second;
+    const BoardPort ports[] = {{first.link(), "Pico", "1"}, {second.link(), "", "2"}};
+    places.findPorts = [&] { return std::vector(std::begin(ports), std::end(ports)); };
+    const QString file = Write("a.py", "open('mark', 'w').close()\nprint('marked')");
+    Start({file});
     EXPECT_TRUE(MessageShows("Several boards are attached"));
-    Answer("/dev/ttyACM1, 2");
-    EXPECT_EQ(window().board().board().port, second);
+    Answer(DescribePort(ports[1]));
+    Press(Qt::Key_F5);
+    EXPECT_TRUE(SheetShows("marked"));
+    EXPECT_TRUE(fs::exists(second.files() / "mark"));
     Close();
-    places.findPorts = [&] { return std::vector{first}; };
-    Start();
+
+    second.SetPlugged(false);
+    places.findPorts = [&] { return std::vector{ports[0]}; };
+    Start({file});
     auto* const corner = window().findChild<QToolButton*>("board");
-    EXPECT_EQ(corner->text(), "Board /dev/ttyACM1 is not attached");
-    EXPECT_STREQ(std::getenv("QUILP_BOARD"), "/dev/ttyACM1");
+    EXPECT_TRUE(corner->text().endsWith("is not attached"));
+    Press(Qt::Key_F5);
+    EXPECT_TRUE(MessageShows("The chosen board"));
+    EXPECT_FALSE(fs::exists(first.files() / "mark"));
     Q_EMIT corner->menu()->aboutToShow();
-    Action("Pico (/dev/ttyACM0, 1)")->trigger();
-    EXPECT_EQ(corner->text(), "Board on /dev/ttyACM0");
+    Action(DescribePort(ports[0]))->trigger();
+    Press(Qt::Key_F5);
+    EXPECT_TRUE(WaitUntil([&] { return fs::exists(first.files() / "mark"); }));
 }
 
 TEST_F(EditorWindow, RunsAProjectWithItsFilesIfTheUserWants)
 {
-    Write("p/main.py", "");
-    Start({PathOf("p")});
+    Write("p/helper.py", "print('helps')");
+    Write("p/main.py", "import helper");
+    Start({PathOf("p"), PathOf("p/main.py")});
+    AttachBoard();
+    Press(Qt::Key_F5);
+    EXPECT_TRUE(SheetShows("ImportError"));
     Action("Run with Project Files")->trigger();
+    Press(Qt::Key_F5);
+    EXPECT_TRUE(SheetShows("helps"));
+    Close();
+    EXPECT_EQ(std::getenv("QUILP_MOUNT"), nullptr);
+    Start();
     EXPECT_EQ(std::string(std::getenv("QUILP_MOUNT")), folder / "p");
     window().project().SetFolder({});
     EXPECT_EQ(std::getenv("QUILP_MOUNT"), nullptr);
-    window().OpenFiles({PathOf("p")});
-    Close();
-    Start();
-    EXPECT_EQ(std::string(std::getenv("QUILP_MOUNT")), folder / "p");
 }
 
 TEST_F(EditorWindow, ShowsTheControlExactlyWhileThePluginOffersIt)
