@@ -163,36 +163,56 @@ void BoardDocuments::StartSave(DocumentPage& page)
     }
     document.BeginSave();
     tabs_.ShowState(page);
-    if (!board_.board().IsSame(document.boardFile()->board)) {
-        return AbortSave(page, tr("its board is not attached"));
+    waiting_.push_back({&page, *bytes});
+    if (!isSaving_) {
+        StartNextSave();
     }
-    document.boardFile()->mayOverwrite ? Transfer(page, *bytes) : Compare(page, *bytes);
+}
+
+void BoardDocuments::StartNextSave()
+{
+    isSaving_ = false;
+    while (!waiting_.empty() && !isSaving_) {
+        const auto [page, bytes] = waiting_.front();
+        waiting_.pop_front();
+        if (!page) {
+            continue;
+        }
+        isSaving_ = true;
+        const auto& file = *page->document().boardFile();
+        if (!board_.board().IsSame(file.board)) {
+            AbortSave(*page, tr("its board is not attached"));
+        } else {
+            file.mayOverwrite ? Transfer(*page, bytes) : Compare(*page, bytes);
+        }
+    }
 }
 
 // Whether the file is still what was opened is asked on the board, where also other programs write
 // files.
 void BoardDocuments::Compare(DocumentPage& page, const QByteArray& bytes)
 {
-    RunBoardTask(
-        tool_, {"sha256sum", BoardPathWord(page.document().boardFile()->path)}, *this,
-        [this, bytes, saved = QPointer(&page)](const BoardResult& result) {
-            if (!saved) {
-                return;
-            }
-            const auto& known = saved->document().boardFile()->sha256;
-            const QByteArray output = QByteArray::fromStdString(result.output);
-            if (result.IsSuccess() && output.contains(known)) {
-                Transfer(*saved, bytes);
-            } else if (result.IsSuccess() && output.contains(HashOf(bytes))) {
-                EndSave(*saved, bytes);  // An upload wrote the same.
-            } else if (result.IsSuccess()) {
-                AbortSave(*saved, tr("the file on the board has changed"), tr("Overwrite"));
-            } else if (IsMissing(result)) {
-                AbortSave(*saved, tr("the file is no longer on the board"), tr("Save Anyway"));
-            } else {
-                AbortSave(*saved, ReasonOf(result));
-            }
-        });
+    RunBoardTask(tool_, {"sha256sum", BoardPathWord(page.document().boardFile()->path)}, *this,
+                 [this, bytes, saved = QPointer(&page)](const BoardResult& result) {
+                     saved ? EndCompare(*saved, bytes, result) : StartNextSave();
+                 });
+}
+
+void BoardDocuments::EndCompare(DocumentPage& page, const QByteArray& bytes,
+                                const BoardResult& result)
+{
+    const QByteArray output = QByteArray::fromStdString(result.output);
+    if (!result.IsSuccess()) {
+        IsMissing(result)
+            ? AbortSave(page, tr("the file is no longer on the board"), tr("Save Anyway"))
+            : AbortSave(page, ReasonOf(result));
+    } else if (output.contains(page.document().boardFile()->sha256)) {
+        Transfer(page, bytes);
+    } else if (output.contains(HashOf(bytes))) {
+        EndSave(page, bytes);  // An upload wrote the same.
+    } else {
+        AbortSave(page, tr("the file on the board has changed"), tr("Overwrite"));
+    }
 }
 
 void BoardDocuments::Transfer(DocumentPage& page, const QByteArray& bytes)
@@ -201,7 +221,7 @@ void BoardDocuments::Transfer(DocumentPage& page, const QByteArray& bytes)
     RunBoardTask(tool_, {"cp", file.copy, BoardPathWord(file.path)}, *this,
                  [this, bytes, saved = QPointer(&page)](const BoardResult& result) {
                      if (!saved) {
-                         return;
+                         return StartNextSave();
                      }
                      if (result.IsSuccess()) {
                          return EndSave(*saved, bytes);
@@ -225,6 +245,7 @@ void BoardDocuments::EndSave(DocumentPage& page, const QByteArray& bytes)
         StartSave(page);
     }
     Q_EMIT SaveEnded();
+    StartNextSave();
 }
 
 void BoardDocuments::AbortSave(DocumentPage& page, const QString& problem,
@@ -243,6 +264,7 @@ void BoardDocuments::AbortSave(DocumentPage& page, const QString& problem,
     choices.push_back({tr("Save As…"), [this, &page] { SaveAs(page); }});
     page.ShowMessage(tr("%1 was not saved: %2.").arg(page.document().Name(), problem), choices);
     Q_EMIT SaveEnded();
+    StartNextSave();
 }
 
 void BoardDocuments::SaveAs(DocumentPage& page)

@@ -2,16 +2,19 @@
 
 #include "board_monitor.h"
 #include "board_tool.h"
+#include "document_page.h"
 
+#include <QByteArray>
 #include <QObject>
+#include <QPointer>
 #include <QString>
 
+#include <deque>
 #include <expected>
 #include <memory>
 #include <string>
 
 class Document;
-class DocumentPage;
 class DocumentTabs;
 class QTemporaryDir;
 struct BoardResult;
@@ -48,16 +51,25 @@ class BoardDocuments final : public QObject {
     DocumentPage* FindPage(const std::string& path) const;
     std::expected<std::string, std::string> NewCopy(const std::string& path);
     void StartSave(DocumentPage& page);
+    void StartNextSave();
     void Compare(DocumentPage& page, const QByteArray& bytes);
+    void EndCompare(DocumentPage& page, const QByteArray& bytes, const BoardResult& result);
     void Transfer(DocumentPage& page, const QByteArray& bytes);
     void EndSave(DocumentPage& page, const QByteArray& bytes);
     void AbortSave(DocumentPage& page, const QString& problem, const QString& overwriteLabel = {});
     void SaveAs(DocumentPage& page);
     void ShowMissingBoard();
 
+    struct WaitingSave {
+        QPointer<DocumentPage> page;
+        QByteArray bytes;
+    };
+
     DocumentTabs& tabs_;
     BoardTool& tool_;
     const BoardMonitor& board_;
     std::unique_ptr<QTemporaryDir> copies_;  // Null until it is needed.
     int lastCopy_ = 0;
+    std::deque<WaitingSave> waiting_;  // One save after another: there is one port.
+    bool isSaving_ = false;
 };

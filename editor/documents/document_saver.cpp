@@ -137,7 +137,7 @@ bool DocumentSaver::Start(DocumentPage& page, SaveRequest request, Patience pati
                    request.bytes.clear();
                    return [this, request = std::move(request), patience, result,
                            saved = std::move(saved), outcome = std::move(outcome)] {
-                       if (saved != nullptr) {
+                       if (saved != nullptr && tabs_.indexOf(saved) >= 0) {
                            *result = Complete(*saved, request, outcome, patience);
                        } else if (!outcome) {
                            Q_EMIT tabs_.Failed(QString::fromStdString(outcome.error().message));

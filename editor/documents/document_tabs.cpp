@@ -272,7 +272,8 @@ void DocumentTabs::CheckDisk(DocumentPage& page)
 
 void DocumentTabs::FollowDisk(DocumentPage& page, const FileStamp& now)
 {
-    if (page.document().IsSaving() || QApplication::activeModalWidget() != nullptr) {
+    const bool isClosed = indexOf(&page) < 0;  // It is deleted soon.
+    if (isClosed || page.document().IsSaving() || QApplication::activeModalWidget() != nullptr) {
         return;  // The next check finds the difference again.
     }
     page.FollowDisk(now, [this, &page] {

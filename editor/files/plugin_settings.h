@@ -24,14 +24,11 @@ class PluginSettings final : public SettingsStore {
     void Replace(const std::string& text) override;
 
     // Replaces the changed lines in the current file, so that lines that other editors have written
-    // are preserved. Creates the file's folder if necessary.
+    // are preserved. Creates the file's folder if necessary. Waits for the disk for a few seconds
+    // at most. A Runtime must exist.
     std::expected<void, std::string> Save() override;
 
   private:
-    using Lines = std::vector<std::string>;
-
-    std::expected<Lines, std::string> ReadLines() const;
-
     const std::string path_;
     std::set<std::string> keys_;
     std::map<std::string, std::vector<std::string>> words_;  // By key.

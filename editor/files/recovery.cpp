@@ -70,6 +70,22 @@ std::vector<fs::path> Entries(const std::string& folder)
     return entries;
 }
 
+// None if the file cannot be read or is corrupted.
+std::optional<RecoveryCopy> ReadCopy(const fs::path& file)
+{
+    const auto bytes = ReadFileBytes(file, kAnySize);
+    return bytes ? Deserialize(*bytes) : std::nullopt;
+}
+
+// Gives a temporary file a name with which it is not one, and returns the new path.
+fs::path RenameTemporary(const fs::path& file)
+{
+    const auto renamed = file.parent_path() / ("copy-" + file.filename().string());
+    std::error_code ignored;
+    fs::rename(file, renamed, ignored);
+    return renamed;
+}
+
 }  // namespace
 
 std::expected<std::string, std::string> RecoveryStore::NewFile()
@@ -132,17 +148,33 @@ std::vector<OrphanedCopy> RecoveryStore::Orphans()
 std::vector<OrphanedCopy> RecoveryStore::ReadCopies(const std::string& folder)
 {
     std::vector<OrphanedCopy> copies;
+    std::vector<fs::path> temporary;
+    const auto add = [&](const fs::path& file, std::optional<RecoveryCopy> copy) {
+        if (copy) {
+            files_.emplace(file, file);
+            copies.push_back({file, std::move(*copy)});
+        }
+    };
     for (const auto& file : Entries(folder)) {
         const std::string name = file.filename();
         if (name.starts_with(kTemporaryPrefix)) {
-            std::error_code ignored;
-            fs::remove(file, ignored);  // An incomplete version of a copy that exists as well.
+            temporary.push_back(file);
         } else if (!ProcessFolder::IsLock(name)) {
-            const auto bytes = ReadFileBytes(file, kAnySize);
-            if (auto copy = bytes ? Deserialize(*bytes) : std::nullopt) {
-                files_.emplace(file, file);
-                copies.push_back({file, std::move(*copy)});
-            }
+            add(file, ReadCopy(file));
+        }
+    }
+    // An editor that was killed while it waited for the disk leaves a temporary file, which may be
+    // complete.
+    for (const auto& file : temporary) {
+        auto copy = ReadCopy(file);
+        const auto isOlder = [&](const OrphanedCopy& other) {
+            return copy->path == other.copy.path;
+        };
+        if (copy && std::ranges::none_of(copies, isOlder)) {
+            add(RenameTemporary(file), std::move(copy));
+        } else {
+            std::error_code ignored;
+            fs::remove(file, ignored);
         }
     }
     return copies;

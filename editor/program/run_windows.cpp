@@ -82,6 +82,7 @@ int RunDeviceWindow(const Options& options, const PluginModule& plugin)
     PluginHost host(plugin, runtime, [&](const std::string& text) { output.Write(text); });
     host.SetSettings(&settings);
     runtime.handlers.error = [](const std::string& error) { ReportError(error, kFailure); };
+    runtime.handlers.warning = runtime.handlers.error;
     if (const auto started = host.Start(); !started) {
         return ReportError(started.error(), kNoPlugin);
     }

@@ -54,13 +54,15 @@ void BoardMenu::ListBoards()
     AddBoard(tr("Any Board"), !isVirtual && !choice, [this] { actions_.UseBoard(std::nullopt); });
     bool isListed = false;
     for (const auto& port : board_.ports()) {
-        const bool isChosen = choice && IsSameBoard(port, *choice);
+        const bool isChosen = choice && IsSameBoard(*choice, port);
         isListed = isListed || isChosen;
         AddBoard(DescribePort(port), !isVirtual && isChosen,
                  [this, port] { actions_.UseBoard(port); });
     }
     if (choice && !isListed) {
-        AddBoard(tr("%1 – not attached").arg(DescribePort(*choice)), !isVirtual,
+        const bool isMissing = board_.board().kind == BoardMonitor::Kind::Missing;
+        const QString text = isMissing ? tr("%1 – not attached") : QString("%1");
+        AddBoard(text.arg(DescribePort(*choice)), !isVirtual,
                  [this, port = *choice] { actions_.UseBoard(port); });
     }
     AddBoard(tr("Virtual Board"), isVirtual, [this] { actions_.UseVirtualBoard(); });

@@ -92,6 +92,7 @@ void BoardPrompt::Enter(const QString& text)
         return;
     }
     waiting_.append(text);
+    parts_.field.ShowPrompt(true);
     RunWaiting();
 }
 
@@ -123,6 +124,7 @@ void BoardPrompt::RunWaiting()
 {
     if (!waiting_.isEmpty() && !parts_.monitor.IsRunning()) {
         Run(waiting_.takeFirst());
+        parts_.field.ShowPrompt(!waiting_.isEmpty());
     }
 }
 
@@ -164,11 +166,11 @@ void BoardPrompt::OnStarted()
 void BoardPrompt::OnEnded(bool isStopped)
 {
     inputTimer_.stop();
-    parts_.field.ShowPrompt();
     parts_.worksheet.EndCommand();
     if (isStopped) {
         waiting_.clear();
     }
+    parts_.field.ShowPrompt(!waiting_.isEmpty());
     // Later, because a command that waits for the port starts first.
     QTimer::singleShot(0, this, &BoardPrompt::RunWaiting);
 }

@@ -129,7 +129,7 @@ void MainWindow::MakeCentralWidget(const std::string& recoveryRoot)
     splitter_->setChildrenCollapsible(false);
     splitter_->addWidget(documents);
     splitter_->addWidget(console);
-    splitter_->setSizes({500, 190});  // They keep this ratio in a window of any size.
+    splitter_->setSizes({460, 230});  // They keep this ratio in a window of any size.
     setCentralWidget(splitter_);
 }
 
@@ -191,6 +191,9 @@ void MainWindow::ConnectParts()
     connect(&controlsTimer_, &QTimer::timeout, this, &MainWindow::ShowControls);
     runtime_.handlers.idle = [this] { worksheet_->EndOutput(); };
     runtime_.handlers.windowClosed = [this] { SavePluginSettings(); };
+    runtime_.handlers.warning = [this](const std::string& text) {
+        messages_->Report(QString::fromStdString(text));
+    };
     status_->ShowBoard(*board_);
 }
 

@@ -78,9 +78,9 @@ void MessageArea::WithdrawUpload()
     upload_->hide();
 }
 
-void MessageArea::OfferVirtualBoard(const std::function<void()>& attach)
+void MessageArea::OfferVirtualBoard(const QString& problem, const std::function<void()>& attach)
 {
-    boards_->ShowMessage(tr("No board is attached. The virtual board runs programs, too."),
+    boards_->ShowMessage(problem + " " + tr("The virtual board runs programs, too."),
                          {{tr("Attach Virtual Board"), attach}, {tr("OK"), [] {}}});
 }
 

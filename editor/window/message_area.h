@@ -33,8 +33,8 @@ class MessageArea final : public QWidget {
     void OfferUpload(const QString& message, const std::function<void()>& uploadAgain);
     void WithdrawUpload();
 
-    // Offers the virtual board because no board is attached.
-    void OfferVirtualBoard(const std::function<void()>& attach);
+    // Offers the virtual board because no board, or not the chosen one, is attached.
+    void OfferVirtualBoard(const QString& problem, const std::function<void()>& attach);
     // Asks which of several boards to use.
     void OfferBoards(const std::vector<BoardPort>& ports,
                      const std::function<void(const BoardPort& port)>& choose);

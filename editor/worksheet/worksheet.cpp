@@ -1,13 +1,13 @@
 #include "worksheet.h"
 
 #include "editor_style.h"
+#include "link_marks.h"
 #include "on_demand_accessibility.h"
 #include "scintilla_text.h"
 #include "source_link.h"
 
 #include <QKeyEvent>
 #include <QRegularExpression>
-#include <QScrollBar>
 
 #include <algorithm>
 #include <utility>
@@ -20,7 +20,6 @@ constexpr std::size_t kMaxPending = 8'388'608;  // bytes
 constexpr int kLinesAfterDrop = Worksheet::kMaxLines - Worksheet::kMaxLines / 20;
 constexpr long kBytesAfterDrop = Worksheet::kMaxBytes - Worksheet::kMaxBytes / 16;
 constexpr std::string_view kTraceback = "Traceback (most recent call last):";
-constexpr int kLinkIndicator = 8;
 constexpr int kChosenMarker = 1;
 constexpr int kBeginningMarker = 2;
 constexpr int kMargin = 1;
@@ -71,27 +70,93 @@ class NotificationBlocker {
     long mask_;
 };
 
-// The number of lines on the screen that the whole text takes.
-long DisplayedLines(const QsciScintilla& editor)
-{
-    const long last = Send(editor, QsciScintilla::SCI_GETLINECOUNT) - 1;
-    return Send(editor, QsciScintilla::SCI_VISIBLEFROMDOCLINE, last) +
-           Send(editor, QsciScintilla::SCI_WRAPCOUNT, last);
-}
-
-void ShowEnd(const QsciScintilla& editor)
-{
-    if (editor.wrapMode() != QsciScintilla::WrapNone) {
-        // Wraps the new lines, which Scintilla would do later.
-        Send(editor, QsciScintilla::SCI_ENSUREVISIBLE, editor.lines() - 1);
-    }
-    Send(editor, QsciScintilla::SCI_SETFIRSTVISIBLELINE, DisplayedLines(editor));
-}
-
 void SetStyle(const QsciScintilla& editor, long start, long end, int style)
 {
     Send(editor, QsciScintilla::SCI_STARTSTYLING, start);
     Send(editor, QsciScintilla::SCI_SETSTYLING, end - start, style);
+}
+
+// Sets the styles of output that was appended at a position.
+void SetStyles(const QsciScintilla& editor, const OutputChange& change, long position)
+{
+    qsizetype units = 0;
+    const auto advance = [&](qsizetype to) {
+        position += QStringView(change.text).sliced(units, to - units).toUtf8().size();
+        units = to;
+        return position;
+    };
+    for (std::size_t i = 0; i < change.parts.size(); ++i) {
+        const bool isLast = i + 1 == change.parts.size();
+        const long start = advance(change.parts[i].start);
+        const long end = advance(isLast ? change.text.size() : change.parts[i + 1].start);
+        SetStyle(editor, start, end, NumberOf(change.parts[i].style));
+    }
+}
+
+// A traceback is a heading, indented lines, and the name of an exception.
+bool IsInTraceback(const QsciScintilla& editor, long line)
+{
+    const auto text = [&editor](long number) {
+        return BytesBetween(editor, LineStart(editor, number), LineEnd(editor, number));
+    };
+    const auto isInside = [](const QByteArray& bytes) {
+        return bytes.startsWith(' ') || bytes.contains(kTraceback.data());
+    };
+    const auto current = text(line);
+    if (current.contains(kTraceback.data())) {
+        return true;
+    }
+    const bool follows = line > 0 &&
+                         Send(editor, QsciScintilla::SCI_GETSTYLEAT, LineStart(editor, line - 1)) ==
+                             kTracebackStyle &&
+                         isInside(text(line - 1));
+    return follows && (current.startsWith(' ') || NamesException(current));
+}
+
+// Colours the tracebacks from the start of a line to the end of the text.
+void ColorTracebacks(const QsciScintilla& editor, long start)
+{
+    const auto bytes = BytesBetween(editor, start, Length(editor));
+    const QByteArrayView heading(kTraceback.data(), static_cast<qsizetype>(kTraceback.size()));
+    for (long line = LineAt(editor, start); line < editor.lines(); ++line) {
+        if (!IsInTraceback(editor, line)) {
+            if (Send(editor, QsciScintilla::SCI_GETSTYLEAT, LineStart(editor, line)) ==
+                kTracebackStyle) {
+                SetStyle(editor, LineStart(editor, line), LineEnd(editor, line), 0);
+            }
+            const auto found = bytes.indexOf(heading, LineStart(editor, line) - start);
+            if (found < 0) {
+                return;
+            }
+            line = LineAt(editor, start + found);
+        }
+        SetStyle(editor, LineStart(editor, line), LineEnd(editor, line), kTracebackStyle);
+    }
+}
+
+// The start of the newest traceback; 0 if there is none.
+long NewestTraceback(const QsciScintilla& editor)
+{
+    Send(editor, QsciScintilla::SCI_SETSEARCHFLAGS, QsciScintilla::SCFIND_MATCHCASE);
+    Send(editor, QsciScintilla::SCI_SETTARGETRANGE, Length(editor), 0);
+    const long found = editor.SendScintilla(QsciScintilla::SCI_SEARCHINTARGET, kTraceback.size(),
+                                            kTraceback.data());
+    return std::max(found, 0L);
+}
+
+void SetUpMargin(QsciScintilla& editor)
+{
+    editor.setMarginType(kMargin, QsciScintilla::SymbolMarginDefaultBackgroundColor);
+    editor.setMarginMarkerMask(kMargin, 1 << kBeginningMarker);
+    editor.setMarginWidth(kMargin, kMarginWidth);
+    editor.markerDefine(QsciScintilla::LeftRectangle, kBeginningMarker);
+}
+
+// Marks the line in the margin.
+void MarkBeginning(const QsciScintilla& editor, long line)
+{
+    Send(editor, QsciScintilla::SCI_MARKERDELETE, line, kBeginningMarker);
+    Send(editor, QsciScintilla::SCI_MARKERADD, line, kBeginningMarker);
 }
 
 bool IsRunChord(const QKeyEvent& event)
@@ -105,26 +170,13 @@ bool IsRunChord(const QKeyEvent& event)
 Worksheet::Worksheet(QWidget* parent) : QsciScintilla(parent)
 {
     SetUpEditor(*this);
-    SetUpMargin();
+    SetUpMargin(*this);
     SetUpLinks();
     ApplyColors();
     appendTimer_.setSingleShot(true);
     connect(&appendTimer_, &QTimer::timeout, this, &Worksheet::AppendChunk);
     markTimer_.setSingleShot(true);
     connect(&markTimer_, &QTimer::timeout, this, &Worksheet::MarkChanged);
-}
-
-void Worksheet::SetUpMargin()
-{
-    setMarginType(kMargin, SymbolMarginDefaultBackgroundColor);
-    setMarginMarkerMask(kMargin, 1 << kBeginningMarker);
-    setMarginWidth(kMargin, kMarginWidth);
-    markerDefine(LeftRectangle, kBeginningMarker);
-    connect(verticalScrollBar(), &QScrollBar::actionTriggered, this,
-            [this] { isScrolled_ = true; });
-    connect(this, &QsciScintillaBase::SCN_ZOOM, this, [this] {
-        ChangeView([this] { Send(*this, SCI_TEXTHEIGHT, 0); });  // Applies the new size.
-    });
 }
 
 void Worksheet::SetUpLinks()
@@ -137,7 +189,10 @@ void Worksheet::SetUpLinks()
                 RecordChange(position, type, length);
             });
     connect(this, qOverload<int, int>(&QsciScintillaBase::SCN_INDICATORRELEASE), this,
-            [this](int position) { Click(position); });
+            [this](int position) {
+                // Dragging over a link selects its text.
+                clicked_ = hasSelectedText() ? clicked_ : position;
+            });
 }
 
 void Worksheet::ApplyColors()
@@ -163,50 +218,17 @@ void Worksheet::ApplyColors()
 
 void Worksheet::SetWraps(bool wraps)
 {
-    ChangeView([&] {
+    follower_.Change([&] {
         setWrapMode(wraps ? WrapCharacter : WrapNone);
         // A scroll bar that appears would wrap all lines again.
         setVerticalScrollBarPolicy(wraps ? Qt::ScrollBarAlwaysOn : Qt::ScrollBarAsNeeded);
     });
 }
 
-// Makes a change that scrolls the view although the user does not. It may cause other such changes,
-// for example when a scroll bar disappears.
-void Worksheet::ChangeView(const std::function<void()>& change)
-{
-    if (std::exchange(isViewChanging_, true)) {
-        return change();
-    }
-    NoticeScrolling();
-    change();
-    KeepView();
-    isViewChanging_ = false;
-}
-
-// When lines are wrapped anew, the first visible line stays, but not its number on the screen.
-void Worksheet::NoticeScrolling()
-{
-    const long first = Send(*this, SCI_DOCLINEFROMVISIBLE, firstVisibleLine());
-    if (std::exchange(isScrolled_, false) || first != firstLine_) {
-        follows_ = firstVisibleLine() + linesOnScreen_ >= DisplayedLines(*this);
-    }
-}
-
-void Worksheet::KeepView()
-{
-    if (follows_) {
-        ShowEnd(*this);
-    }
-    firstLine_ = Send(*this, SCI_DOCLINEFROMVISIBLE, firstVisibleLine());
-    linesOnScreen_ = Send(*this, SCI_LINESONSCREEN);
-}
-
 void Worksheet::FollowEnd()
 {
     AppendPending();
-    isScrolled_ = false;
-    follows_ = true;
-    KeepView();
+    follower_.FollowEnd();
 }
 
 void Worksheet::BeginCommand()
@@ -214,12 +236,6 @@ void Worksheet::BeginCommand()
     AppendPending();
     begins_ = true;
     caretBefore_ = Send(*this, SCI_GETCURRENTPOS);
-}
-
-void Worksheet::MarkBeginning(long line)
-{
-    Send(*this, SCI_MARKERDELETE, line, kBeginningMarker);
-    Send(*this, SCI_MARKERADD, line, kBeginningMarker);
 }
 
 void Worksheet::EndCommand()
@@ -233,8 +249,7 @@ void Worksheet::EndCommand()
     }
     AppendLines({});
     AppendPending();
-    Send(*this, SCI_SETEMPTYSELECTION, Length(*this));
-    KeepView();
+    follower_.Change([this] { Send(*this, SCI_SETEMPTYSELECTION, Length(*this)); });
 }
 
 void Worksheet::AppendLines(std::string_view utf8)
@@ -267,7 +282,7 @@ void Worksheet::AppendChunk()
     if (consumed_ >= pending_.size() / 2) {
         pending_.erase(0, std::exchange(consumed_, 0));
     }
-    ChangeView([&] { Apply(change); });
+    follower_.Change([&] { Apply(change); });
     if (!pending_.empty()) {
         appendTimer_.start();
     }
@@ -295,12 +310,12 @@ void Worksheet::Apply(const OutputChange& change)
     const auto bytes = change.text.toUtf8();
     SendScintilla(SCI_APPENDTEXT, static_cast<unsigned long>(bytes.size()), bytes.constData());
     if (!bytes.isEmpty() && std::exchange(begins_, false)) {
-        MarkBeginning(LineAt(*this, lastLine));
+        MarkBeginning(*this, LineAt(*this, lastLine));
     }
-    SetStyles(change, oldEnd);
-    MarkLinks(lastLine, Length(*this));
-    ColorTracebacks(lastLine);
-    if (FirstLinkFrom(oldEnd)) {
+    SetStyles(*this, change, oldEnd);
+    MarkLinks(*this, lastLine, Length(*this));
+    ColorTracebacks(*this, lastLine);
+    if (FirstLinkFrom(*this, oldEnd)) {
         // The next search starts at the new links.
         Send(*this, SCI_MARKERDELETEHANDLE, std::exchange(chosen_, -1));
     }
@@ -310,62 +325,6 @@ void Worksheet::Apply(const OutputChange& change)
 void Worksheet::EndOutput()
 {
     Append("\x1b[m");
-}
-
-// Sets the styles of output that was appended at a position.
-void Worksheet::SetStyles(const OutputChange& change, long position)
-{
-    qsizetype units = 0;
-    const auto advance = [&](qsizetype to) {
-        position += QStringView(change.text).sliced(units, to - units).toUtf8().size();
-        units = to;
-        return position;
-    };
-    for (std::size_t i = 0; i < change.parts.size(); ++i) {
-        const bool isLast = i + 1 == change.parts.size();
-        const long start = advance(change.parts[i].start);
-        const long end = advance(isLast ? change.text.size() : change.parts[i + 1].start);
-        SetStyle(*this, start, end, NumberOf(change.parts[i].style));
-    }
-}
-
-// Colours the tracebacks from the start of a line to the end of the text.
-void Worksheet::ColorTracebacks(long start)
-{
-    const auto bytes = BytesBetween(*this, start, Length(*this));
-    const QByteArrayView heading(kTraceback.data(), static_cast<qsizetype>(kTraceback.size()));
-    for (long line = LineAt(*this, start); line < lines(); ++line) {
-        if (!IsInTraceback(line)) {
-            if (Send(*this, SCI_GETSTYLEAT, LineStart(*this, line)) == kTracebackStyle) {
-                SetStyle(*this, LineStart(*this, line), LineEnd(*this, line), 0);
-            }
-            const auto found = bytes.indexOf(heading, LineStart(*this, line) - start);
-            if (found < 0) {
-                return;
-            }
-            line = LineAt(*this, start + found);
-        }
-        SetStyle(*this, LineStart(*this, line), LineEnd(*this, line), kTracebackStyle);
-    }
-}
-
-// A traceback is a heading, indented lines, and the name of an exception.
-bool Worksheet::IsInTraceback(long line) const
-{
-    const auto text = [this](long number) {
-        return BytesBetween(*this, LineStart(*this, number), LineEnd(*this, number));
-    };
-    const auto isInside = [](const QByteArray& bytes) {
-        return bytes.startsWith(' ') || bytes.contains(kTraceback.data());
-    };
-    const auto current = text(line);
-    if (current.contains(kTraceback.data())) {
-        return true;
-    }
-    const bool follows =
-        line > 0 && Send(*this, SCI_GETSTYLEAT, LineStart(*this, line - 1)) == kTracebackStyle &&
-        isInside(text(line - 1));
-    return follows && (current.startsWith(' ') || NamesException(current));
 }
 
 void Worksheet::DropOldLines()
@@ -402,10 +361,10 @@ void Worksheet::SetContent(const QString& text)
     ClearAll();
     const NotificationBlocker blocker(*this);
     ReplaceBetween(*this, 0, 0, text.toUtf8());
-    MarkLinks(0, Length(*this));
-    ColorTracebacks(0);
+    MarkLinks(*this, 0, Length(*this));
+    ColorTracebacks(*this, 0);
     DropOldLines();
-    KeepView();
+    follower_.FollowEnd();
 }
 
 void Worksheet::ClearAll()
@@ -416,36 +375,13 @@ void Worksheet::ClearAll()
     unchanged_.reset();
     parser_ = {};
     chosen_ = -1;
-    follows_ = true;
-    isScrolled_ = false;
-    firstLine_ = 0;
     caretBefore_ = std::min(caretBefore_, 0L);
     const NotificationBlocker blocker(*this);
     Send(*this, SCI_MARKERDELETEALL, -1);
     Send(*this, SCI_CLEARALL);
     Send(*this, SCI_EMPTYUNDOBUFFER);
     Send(*this, SCI_SETSCROLLWIDTH, 1);
-}
-
-// Marks the links on all lines that the range touches.
-void Worksheet::MarkLinks(long start, long end)
-{
-    start = LineStart(*this, LineAt(*this, start));
-    end = LineEnd(*this, LineAt(*this, end));
-    Send(*this, SCI_SETINDICATORCURRENT, kLinkIndicator);
-    Send(*this, SCI_INDICATORCLEARRANGE, start, end - start);
-    const auto bytes = BytesBetween(*this, start, end);
-    for (qsizetype at = 0; (at = bytes.indexOf("File ", at)) >= 0;) {
-        const long line = LineAt(*this, start + at);
-        const long lineStart = LineStart(*this, line);
-        const auto text = TextBetween(*this, lineStart, LineEnd(*this, line));
-        if (const auto link = FindSourceLink(text)) {
-            const auto before = QStringView(text).first(link->start).toUtf8().size();
-            const auto all = QStringView(text).first(link->start + link->length).toUtf8().size();
-            Send(*this, SCI_INDICATORFILLRANGE, lineStart + before, all - before);
-        }
-        at = LineEnd(*this, line) - start;
-    }
+    follower_.Reset();
 }
 
 // Called before a change: notifications after a change are disabled (on_demand_accessibility.h).
@@ -468,53 +404,17 @@ void Worksheet::RecordChange(int position, int type, int length)
 void Worksheet::MarkChanged()
 {
     if (const auto unchanged = std::exchange(unchanged_, std::nullopt)) {
-        MarkLinks(unchanged->before, Length(*this) - unchanged->after);
+        MarkLinks(*this, unchanged->before, Length(*this) - unchanged->after);
     }
-}
-
-std::optional<long> Worksheet::FirstLinkFrom(long position) const
-{
-    // At the end of the text Scintilla returns the value of the last character.
-    const auto isLink = [this](long at) {
-        return at < Length(*this) && Send(*this, SCI_INDICATORVALUEAT, kLinkIndicator, at) != 0;
-    };
-    if (isLink(position)) {
-        return position;
-    }
-    const long next = Send(*this, SCI_INDICATOREND, kLinkIndicator, position);
-    return next > position && isLink(next) ? std::optional(next) : std::nullopt;
-}
-
-std::optional<long> Worksheet::LastLinkBefore(long position) const
-{
-    const auto startBefore = [this](long at) {
-        return Send(*this, SCI_INDICATORSTART, kLinkIndicator, at - 1);
-    };
-    const auto isLinkBefore = [this](long at) {
-        return at > 0 && Send(*this, SCI_INDICATORVALUEAT, kLinkIndicator, at - 1) != 0;
-    };
-    if (position > 0 && !isLinkBefore(position)) {
-        position = startBefore(position);
-    }
-    return isLinkBefore(position) ? std::optional(startBefore(position)) : std::nullopt;
-}
-
-// The start of the newest traceback; 0 if there is none.
-long Worksheet::NewestTraceback() const
-{
-    Send(*this, SCI_SETSEARCHFLAGS, SCFIND_MATCHCASE);
-    Send(*this, SCI_SETTARGETRANGE, Length(*this), 0);
-    const long found = SendScintilla(SCI_SEARCHINTARGET, kTraceback.size(), kTraceback.data());
-    return std::max(found, 0L);
 }
 
 bool Worksheet::GoToNextLink()
 {
     AppendPending();
     const long line = Send(*this, SCI_MARKERLINEFROMHANDLE, chosen_);
-    auto link = FirstLinkFrom(line < 0 ? NewestTraceback() : LineEnd(*this, line));
+    auto link = FirstLinkFrom(*this, line < 0 ? NewestTraceback(*this) : LineEnd(*this, line));
     if (!link) {
-        link = line < 0 ? LastLinkBefore(Length(*this)) : FirstLinkFrom(0);
+        link = line < 0 ? LastLinkBefore(*this, Length(*this)) : FirstLinkFrom(*this, 0);
     }
     return link && ChooseLinkAt(*link);
 }
@@ -523,8 +423,8 @@ bool Worksheet::GoToPreviousLink()
 {
     AppendPending();
     const long line = Send(*this, SCI_MARKERLINEFROMHANDLE, chosen_);
-    auto link = line < 0 ? std::nullopt : LastLinkBefore(LineStart(*this, line));
-    link = link ? link : LastLinkBefore(Length(*this));
+    auto link = line < 0 ? std::nullopt : LastLinkBefore(*this, LineStart(*this, line));
+    link = link ? link : LastLinkBefore(*this, Length(*this));
     return link && ChooseLinkAt(*link);
 }
 
@@ -562,14 +462,6 @@ QByteArray Worksheet::fromMimeData(const QMimeData* source, bool& rectangular) c
     }
     text.chop(1);
     return text.toUtf8();
-}
-
-void Worksheet::Click(int position)
-{
-    // Dragging over a link selects its text.
-    if (!hasSelectedText()) {
-        clicked_ = position;
-    }
 }
 
 // Scintilla reports the click before it changes the selection.
@@ -616,7 +508,7 @@ void Worksheet::keyPressEvent(QKeyEvent* event)
 
 void Worksheet::resizeEvent(QResizeEvent* event)
 {
-    ChangeView([&] { QsciScintilla::resizeEvent(event); });
+    follower_.Change([&] { QsciScintilla::resizeEvent(event); });
 }
 
 void Worksheet::changeEvent(QEvent* event)

@@ -2,11 +2,11 @@
 
 #include "output_text.h"
 #include "scintilla.h"
+#include "view_follower.h"
 
 #include <QString>
 #include <QTimer>
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -80,28 +80,15 @@ class Worksheet final : public QsciScintilla {
         long before, after;
     };
 
-    void SetUpMargin();
     void SetUpLinks();
     void ApplyColors();
-    void ChangeView(const std::function<void()>& change);
-    void NoticeScrolling();
-    void KeepView();
-    void MarkBeginning(long line);
-    void SetStyles(const OutputChange& change, long position);
-    void ColorTracebacks(long start);
-    bool IsInTraceback(long line) const;
     void AppendChunk();
     void AppendPending();
     void Apply(const OutputChange& change);
     void DropOldLines();
-    void MarkLinks(long start, long end);
     void RecordChange(int position, int type, int length);
     void MarkChanged();
-    std::optional<long> FirstLinkFrom(long position) const;
-    std::optional<long> LastLinkBefore(long position) const;
-    long NewestTraceback() const;
     bool ChooseLinkAt(long position);
-    void Click(int position);
 
     OutputText parser_;
     std::string pending_;
@@ -112,13 +99,7 @@ class Worksheet final : public QsciScintilla {
     std::optional<long> clicked_;         // The position of a link, until the button is released.
     long chosen_ = -1;                    // The handle of the marker on the chosen line.
 
-    bool follows_ = true;      // Only the user's scrolling changes this.
-    bool isScrolled_ = false;  // The user has moved the vertical scroll bar.
-    bool isViewChanging_ = false;
-    // As they were after the last change of the view: the first visible line of the text, and the
-    // number of lines that fit.
-    long firstLine_ = 0;
-    long linesOnScreen_ = 0;
+    ViewFollower follower_{*this};
     bool begins_ = false;    // The next output is the first one of a command.
     long caretBefore_ = -1;  // Where the caret was when the command started.
 };

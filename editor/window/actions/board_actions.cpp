@@ -4,6 +4,7 @@
 #include "board_scripts.h"
 #include "board_task.h"
 #include "document_tabs.h"
+#include "main_program.h"
 #include "message_area.h"
 #include "path_text.h"
 #include "worksheet.h"
@@ -65,9 +66,15 @@ void BoardActions::DetachVirtualBoard()
 
 void BoardActions::OfferVirtualBoard()
 {
-    if (!parts_.board.board().IsAttached() && !parts_.board.HasVirtualBoard()) {
-        parts_.messages.OfferVirtualBoard([this] { UseVirtualBoard(); });
+    const auto& board = parts_.board.board();
+    if (board.IsAttached() || parts_.board.HasVirtualBoard()) {
+        return;
     }
+    const QString problem =
+        board.kind == BoardMonitor::Kind::Missing
+            ? tr("The chosen board, %1, is not attached.").arg(DescribePort(board.port))
+            : tr("No board is attached.");
+    parts_.messages.OfferVirtualBoard(problem, [this] { UseVirtualBoard(); });
 }
 
 void BoardActions::OfferBoards()
@@ -98,7 +105,7 @@ void BoardActions::Restart()
 
 void BoardActions::RunMain()
 {
-    parts_.tool.Run(RunMainWords());
+    parts_.tool.Run(RunMainCommand());
 }
 
 void BoardActions::InstallPackage()

@@ -19,7 +19,7 @@ bool PluginActions::SaveFront()
         return true;
     }
     if (front->boardFile() != nullptr) {
-        return WriteCopy();
+        return !front->IsSaving() && WriteCopy();  // The command would stop the save.
     }
     if (front->path().empty()) {
         // An empty one is no program: the target runs, if there is one.

@@ -75,6 +75,9 @@ void SessionKeeper::Restore()
 
 void SessionKeeper::RestoreBoard()
 {
+    if (parts_.board.choice()) {
+        return;  // By the command line.
+    }
     if (!last_.board.node.empty()) {
         parts_.board.Choose(last_.board);
     }

@@ -1,5 +1,6 @@
 #include "plugin_settings.h"
 
+#include "runtime.h"
 #include "wait.h"
 
 #include <gtest/gtest.h>
@@ -23,6 +24,7 @@ PluginSettings SettingsOf(const std::string& path)
 
 TEST(PluginSettings, SettingsAreRestoredInTheNextSession)
 {
+    Runtime runtime;
     const TemporaryFolder folder;
     const auto inTheWay = folder.Write("made", "");
     const auto path = folder / "made/by/saving";
@@ -44,6 +46,7 @@ TEST(PluginSettings, SettingsAreRestoredInTheNextSession)
 
 TEST(PluginSettings, LinesOfOtherPluginsAreNotChanged)
 {
+    Runtime runtime;
     const TemporaryFolder folder;
     const auto path = folder.Write("s", "# note \xFF\n\n other  a\r\nframe 1\nother b\nframe 2");
     auto settings = SettingsOf(path);
@@ -60,6 +63,7 @@ TEST(PluginSettings, LinesOfOtherPluginsAreNotChanged)
 
 TEST(PluginSettings, AFileThatCannotBeReadIsRenamedAndNeverLost)
 {
+    Runtime runtime;
     const TemporaryFolder folder;
     const auto path = folder / "s";
     const auto aside = path + ".unreadable";

@@ -94,6 +94,14 @@ TEST(Recovery, ADamagedCopyIsSkippedAndLeftWhereItIs)
         EXPECT_TRUE(fs::exists(root / name) && ReadFile(root / name) == bytes) << name;
     }
     EXPECT_FALSE(fs::exists(half));
+
+    // The first copy of a document may be complete when the process is killed, but not renamed yet.
+    fs::rename(file, half);
+    for (int i = 0; i < 2; ++i) {
+        const auto orphans = RecoveryStore(root.path()).Orphans();
+        ASSERT_EQ(orphans.size(), 1u);
+        EXPECT_EQ(orphans[0].copy.text, kCopy.text);
+    }
 }
 
 TEST(Recovery, EditorsThatStartTogetherAdoptEachOrphanOnce)

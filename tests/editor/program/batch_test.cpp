@@ -253,6 +253,16 @@ TEST(Editor, EveryCommandLineHasItsMessageAndStatus)
     }
 }
 
+TEST(Editor, AVirtualBoardNeedsNeitherTmpdirNorAWritableCurrentFolder)
+{
+    const TemporaryFolder files;
+    const auto result =
+        RunProgram({"sh", "-c", "cd /proc && exec \"$0\" \"$@\"", QUILP_BIN "/quilp-editor",
+                    "--virtual-board=" + files.path(), "--batch", "list"},
+                   {"TMPDIR=/none"});
+    EXPECT_EQ(result.status, 0) << result.output;
+}
+
 TEST(Editor, ExitsWhenOutputCannotBeWritten)
 {
     const std::string program = "'" QUILP_BIN "/quilp-editor'";
@@ -300,7 +310,11 @@ TEST(Editor, OpensTheDeviceWindowAloneAndKeepsItsFrame)
                           "XDG_CONFIG_HOME=" + bundle.path()};
     const auto settings = bundle / "quilp/plugins.settings";
     const auto open = "'" QUILP_BIN "/quilp-editor' --open-device-window --plugin " + plugin;
-    for (const std::string prepare : {"exec ", "ulimit -f 0; exec "}) {
+    Words ways{"exec "};
+#ifndef __SANITIZE_THREAD__  // Its memory counts as files.
+    ways.push_back("ulimit -f 0; exec ");
+#endif
+    for (const auto& prepare : ways) {
         fs::remove(tool + ".ran");
         BackgroundProgram editor({"sh", "-c", prepare + open}, variables);
         EXPECT_TRUE(WaitUntil([&] { return fs::exists(tool + ".ran"); })) << "no listing";

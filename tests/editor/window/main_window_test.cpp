@@ -2,6 +2,8 @@
 
 #include "editor_window_fixture.h"
 
+#include "board_actions.h"
+#include "board_files_dialog.h"
 #include "board_process.h"
 #include "control_tool_bar.h"
 #include "file_save.h"
@@ -30,8 +32,10 @@
 #include <QTest>
 #include <QTextBrowser>
 #include <QToolButton>
+#include <QTreeWidget>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -334,6 +338,167 @@ TEST_F(EditorWindow, AProgramReadsWhatIsEnteredInTheFieldAlsoWhileItPrints)
     EXPECT_TRUE(SheetShows("round\nread line\n"));
 }
 
+TEST_F(EditorWindow, OpensAFileOfTheBoardRunsItsTextAndSavesItThere)
+{
+    const std::string name = "board/lib/it's \"\\ü.py";
+    Write("board/main.py", "");
+    Write(name, "print('old')");
+    Start();
+    AttachBoard();
+    const auto chooseFile = [&](const QString& filter) {
+        Press(Qt::Key_O, Qt::ControlModifier | Qt::ShiftModifier);
+        auto* const dialog = window().findChild<BoardFilesDialog*>();
+        auto* const list = dialog->findChild<QTreeWidget*>();
+        ASSERT_TRUE(WaitUntil([&] { return list->topLevelItemCount() == 2; }));
+        QTest::keyClicks(dialog->findChild<QLineEdit*>(), filter);
+        QTest::keyClick(dialog->findChild<QLineEdit*>(), Qt::Key_Return);
+    };
+    chooseFile("lib PY");
+    auto& documents = window().documents();
+    const auto tabShows = [&](const QString& text) {
+        return WaitUntil([&] { return documents.tabText(0) == text; });
+    };
+    ASSERT_TRUE(tabShows("it's \"\\ü.py (on the board)")) << Message();
+    EXPECT_NE(window().findChild<QToolButton*>("board")->toolTip().indexOf("MicroPython"), -1);
+
+    editor().selectAll();
+    Type("print('new')");
+    Press(Qt::Key_Return);
+    Type("1/0");
+    Press(Qt::Key_F5);
+    ASSERT_TRUE(SheetShows("new\n"));
+    ASSERT_TRUE(SheetShows("ZeroDivisionError"));
+    EXPECT_EQ(Read(name), "print('old')") << "a run is no save";
+    Press(Qt::Key_F4);
+    EXPECT_EQ(documents.count(), 1) << "the traceback leads to the copy";
+    EXPECT_EQ(editor().CaretLine(), 2);
+
+    Press(Qt::Key_S, Qt::ControlModifier);
+    EXPECT_TRUE(tabShows("it's \"\\ü.py (on the board)"));
+    EXPECT_EQ(Read(name), "print('new')\n1/0");
+    chooseFile("it's");
+    Write(name, "another program's");
+    Type("#");
+    Press(Qt::Key_S, Qt::ControlModifier);
+    EXPECT_TRUE(MessageShows("the file on the board has changed"));
+    EXPECT_EQ(Read(name), "another program's");
+    Answer("Overwrite");
+    EXPECT_TRUE(WaitUntil([&] { return Read(name) == "print('new')\n#1/0"; })) << Read(name);
+    EXPECT_TRUE(tabShows("it's \"\\ü.py (on the board)"));
+
+    chooseFile("main");
+    EXPECT_TRUE(WaitUntil([&] { return documents.count() == 2; }));
+    Type("3");
+    documents.setCurrentIndex(0);
+    fs::remove(folder / name);
+    Type("2");
+    EXPECT_FALSE(documents.saver().SaveAll()) << "both wait for the board";
+    EXPECT_TRUE(MessageShows("the file is no longer on the board"));
+    EXPECT_TRUE(WaitUntil([&] { return Read("board/main.py") == "3"; }));
+    Answer("Save Anyway");
+    EXPECT_TRUE(WaitUntil([&] { return Read(name) == "print('new')\n#21/0"; })) << Read(name);
+    EXPECT_TRUE(tabShows("it's \"\\ü.py (on the board)"));
+
+    window().board().DetachVirtualBoard();
+    EXPECT_TRUE(MessageShows("is not attached. The text is kept here"));
+    Type("3");
+    WhenAskedPress(QMessageBox::Save);
+    EXPECT_FALSE(documents.Close(0));
+    EXPECT_TRUE(MessageShows("was not saved: its board is not attached"));
+    AttachBoard();
+    WhenAskedPress(QMessageBox::Save);
+    EXPECT_TRUE(documents.Close(0)) << Message();
+    EXPECT_EQ(Read(name), "print('new')\n#231/0");
+}
+
+TEST_F(EditorWindow, UploadsFilesWithAnyNameOneAfterAnotherAndRestarts)
+{
+    const QStringList files{Write("a b.txt", "1"), Write("it's # \\.bin", EveryByte()),
+                            PathOf("lib"), Write("main.py", "print('from', __name__)\n1/0")};
+    Write("lib/sub/x.py", "3");
+    Start();
+    AttachBoard();
+    window().findChild<BoardActions*>()->Upload(files);
+    EXPECT_TRUE(WaitUntil(
+        [&] { return window().findChild<QLabel*>("activity")->text().endsWith("– 2 of 4"); }));
+    EXPECT_TRUE(WaitUntil([&] { return Read("board/main.py") == Read("main.py"); })) << Sheet();
+    EXPECT_EQ(Read("board/a b.txt"), "1");
+    EXPECT_EQ(Read("board/it's # \\.bin"), EveryByte());
+    EXPECT_EQ(Read("board/lib/sub/x.py"), "3");
+    ASSERT_TRUE(WaitUntil([] { return Runtime::Current().IsIdle(); }));
+    Action("Run main.py")->trigger();
+    EXPECT_TRUE(SheetShows("from __main__"));
+    EXPECT_TRUE(SheetShows("\"main.py\", line 2"));
+    Action("Restart")->trigger();
+    EXPECT_TRUE(SheetShows("Firmware: MicroPython"));
+}
+
+TEST_F(EditorWindow, OffersTheVirtualBoardAndItsToolToTheShell)
+{
+    places.findPorts = [] { return std::vector<BoardPort>(); };
+    Start({Write("a.py", "print('runs')")});
+    Press(Qt::Key_F5);
+    EXPECT_TRUE(MessageShows("No board is attached"));
+    Answer("Attach Virtual Board");
+    EXPECT_TRUE(WaitUntil([&] { return window().board().board().IsAttached(); }));
+    EXPECT_EQ(Message(), "");
+    window().worksheet().SetContent("mpremote devs");
+    window().worksheet().RequestRun();
+    EXPECT_TRUE(SheetShows("Virtual board"));
+    Close();
+    Start();
+    EXPECT_TRUE(WaitUntil([&] { return window().board().board().IsAttached(); }))
+        << "the choice is forgotten";
+}
+
+TEST_F(EditorWindow, AsksWhichOfTwoBoardsToUseAndUsesNoOther)
+{
+    BoardProcess first;
+    BoardProcess second;
+    const BoardPort ports[] = {{first.link(), "Pico", "1"}, {second.link(), "", "2"}};
+    places.findPorts = [&] { return std::vector(std::begin(ports), std::end(ports)); };
+    const QString file = Write("a.py", "open('mark', 'w').close()\nprint('marked')");
+    Start({file});
+    EXPECT_TRUE(MessageShows("Several boards are attached"));
+    Answer(DescribePort(ports[1]));
+    Press(Qt::Key_F5);
+    EXPECT_TRUE(SheetShows("marked"));
+    EXPECT_TRUE(fs::exists(second.files() / "mark"));
+    Close();
+
+    second.SetPlugged(false);
+    places.findPorts = [&] { return std::vector{ports[0]}; };
+    Start({file});
+    auto* const corner = window().findChild<QToolButton*>("board");
+    EXPECT_TRUE(corner->text().endsWith("is not attached"));
+    Press(Qt::Key_F5);
+    EXPECT_TRUE(MessageShows("The chosen board"));
+    EXPECT_FALSE(fs::exists(first.files() / "mark"));
+    Q_EMIT corner->menu()->aboutToShow();
+    Action(DescribePort(ports[0]))->trigger();
+    Press(Qt::Key_F5);
+    EXPECT_TRUE(WaitUntil([&] { return fs::exists(first.files() / "mark"); }));
+}
+
+TEST_F(EditorWindow, RunsAProjectWithItsFilesIfTheUserWants)
+{
+    Write("p/helper.py", "print('helps')");
+    Write("p/main.py", "import helper");
+    Start({PathOf("p"), PathOf("p/main.py")});
+    AttachBoard();
+    Press(Qt::Key_F5);
+    EXPECT_TRUE(SheetShows("ImportError"));
+    Action("Run with Project Files")->trigger();
+    Press(Qt::Key_F5);
+    EXPECT_TRUE(SheetShows("helps"));
+    Close();
+    EXPECT_EQ(std::getenv("QUILP_MOUNT"), nullptr);
+    Start();
+    EXPECT_EQ(std::string(std::getenv("QUILP_MOUNT")), folder / "p");
+    window().project().SetFolder({});
+    EXPECT_EQ(std::getenv("QUILP_MOUNT"), nullptr);
+}
+
 TEST_F(EditorWindow, ShowsTheControlExactlyWhileThePluginOffersIt)
 {
     const QString notes = Write("notes.txt", "");
@@ -569,17 +734,27 @@ TEST_F(EditorWindow, FollowsAFileThatAnotherProgramChanges)
     EXPECT_EQ(Read("a.py"), "mine one and two\n");
     EXPECT_EQ(Message(), "");
 
-    Type("again ");
-    Write("a.py", "theirs once more\n");
+    Type("again ");  // The size differs, because the clock of files may not have ticked.
+    Write("a.py", "theirs, once more\n");
     ASSERT_TRUE(MessageShows("changed"));
     Answer("Reload");
-    EXPECT_EQ(editor().Content(), "theirs once more\n");
+    EXPECT_EQ(editor().Content(), "theirs, once more\n");
 
     fs::remove(folder / "a.py");
     ASSERT_TRUE(WaitUntil([&] { return window().documents().Front()->IsModified(); }));
     EXPECT_TRUE(WaitUntil([&] { return HasCopy(places.folders.state + "/recovery"); }));
     Press(Qt::Key_S, Qt::ControlModifier);
-    EXPECT_EQ(Read("a.py"), "theirs once more\n");
+    EXPECT_EQ(Read("a.py"), "theirs, once more\n");
+
+    // The result of a check arrives when the document has just been closed.
+    auto& queue = Runtime::Current().queue();
+    queue.Drain();
+    Write("a.py", "too late\n");
+    window().documents().CheckDisk();
+    pollfd arrived{queue.wakeFd(), POLLIN, 0};
+    ASSERT_EQ(poll(&arrived, 1, 20'000), 1);
+    ASSERT_TRUE(window().documents().Close(0));
+    queue.Drain();
 }
 
 TEST_F(EditorWindow, SavesAsANameWithoutAnExtension)
@@ -766,6 +941,8 @@ TEST_F(EditorWindow, SurvivesAPluginThatThrowsOrSendsInvalidMessages)
     EXPECT_TRUE(MessageShows("message 101"));
     Press(Qt::Key_F8);
     EXPECT_TRUE(MessageShows("no Device window"));
+    Runtime::Current().handlers.warning("A program hangs.");
+    EXPECT_TRUE(MessageShows("A program hangs."));
     Type("still here");
     EXPECT_TRUE(window().documents().saver().SaveFront());
     EXPECT_EQ(Read("a.py"), "still here");

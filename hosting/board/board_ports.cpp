@@ -72,9 +72,9 @@ std::vector<BoardPort> FindBoardPorts([[maybe_unused]] const std::string& folder
     return ports;
 }
 
-bool IsSameBoard(const BoardPort& one, const BoardPort& other)
+bool IsSameBoard(const BoardPort& known, const BoardPort& port)
 {
-    return one.id == other.id && (!one.id.empty() || one.node == other.node);
+    return known.id.empty() ? known.node == port.node : known.id == port.id;
 }
 
 QString DescribePort(const BoardPort& port)

@@ -47,7 +47,8 @@ class BoardMonitor final : public QObject {
     const std::vector<BoardPort>& ports() const { return ports_; }
     const std::string& boardFolder() const { return boardFolder_; }
 
-    // What the user chose: a real board, or none in particular. Detaches the virtual board.
+    // What the user chose: a real board, or none in particular. The environment may have named one
+    // when the program was started. Choosing detaches the virtual board.
     const std::optional<BoardPort>& choice() const { return choice_; }
     void Choose(std::optional<BoardPort> port);
 

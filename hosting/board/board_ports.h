@@ -18,9 +18,9 @@ struct BoardPort {
 // the system's serial devices. [any]
 std::vector<BoardPort> FindBoardPorts(const std::string& folder = "/sys/class/tty");
 
-// Whether both are ports of the same board: it may have been attached to another port meanwhile,
-// but keeps its id. [any]
-bool IsSameBoard(const BoardPort& one, const BoardPort& other);
+// Whether the port has a board that is known from earlier: it may have been attached to another
+// port meanwhile, but keeps its id. Without an id it is known by its port. [any]
+bool IsSameBoard(const BoardPort& known, const BoardPort& port);
 
 // Such as "Pico (/dev/ttyACM0, e6614103e7)". [any]
 QString DescribePort(const BoardPort& port);

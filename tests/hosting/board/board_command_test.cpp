@@ -1,5 +1,8 @@
 #include "board_command.h"
 
+#include "board_scripts.h"
+#include "main_program.h"
+
 #include <gtest/gtest.h>
 
 TEST(BoardCommand, IsDescribedByTheWordsOfItsLine)
@@ -30,6 +33,9 @@ TEST(BoardCommand, IsDescribedByTheWordsOfItsLine)
         {{"ls", "/"}, "Listing the board"},
         {{"devs", "df"}, "Asking for the board's status"},
         {{"mip", "install", "aiohttp"}, "Installing aiohttp"},
+        {RunMainCommand(), "Running main.py"},
+        {ListFilesWords(), "Listing the board"},
+        {RestartWords(), "Restarting the board"},
         {{"disconnect", "/p"}, ""},
         {{"cp"}, ""},
         {{}, ""},

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <utility>
 
 namespace {
@@ -33,6 +34,10 @@ BoardMonitor::BoardMonitor(std::string program, std::string boardFolder, FindPor
     timer_.start(kPollInterval);
     startTimer_.setInterval(kStartPollInterval);
     connect(&startTimer_, &QTimer::timeout, this, &BoardMonitor::PollStart);
+    if (const char* const node = std::getenv(kBoardVariable)) {
+        choice_ = BoardPort{node, {}, {}};
+        isBoardNamed_ = true;
+    }
     board_ = FindBoard();
 }
 
@@ -54,8 +59,14 @@ BoardMonitor::Board BoardMonitor::FindBoard()
         return ports_.empty() ? Board() : Board{Kind::Real, ports_.front()};
     }
     const auto found = std::ranges::find_if(
-        ports_, [this](const BoardPort& port) { return IsSameBoard(port, *choice_); });
-    return found == ports_.end() ? Board{Kind::Missing, *choice_} : Board{Kind::Real, *found};
+        ports_, [this](const BoardPort& port) { return IsSameBoard(*choice_, port); });
+    if (found != ports_.end()) {
+        return {Kind::Real, *found};
+    }
+    // The user may name a device that is not in the list, or a link to one.
+    std::error_code ignored;
+    const bool exists = choice_->id.empty() && std::filesystem::exists(choice_->node, ignored);
+    return {exists ? Kind::Real : Kind::Missing, *choice_};
 }
 
 // While the virtual board is attached, its own variable makes it the only one. Without a choice the

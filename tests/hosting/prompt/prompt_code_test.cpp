@@ -18,7 +18,7 @@ TEST(PromptCode, AnyTextDoesOnTheBoardWhatAPromptDoes)
         {"x[:2]; None; 'a\"b'", "'\"\\\\'\n'a\"b'\n"},
         {"for i in range(2): i", "0\n1\n"},
         {"    if x:\r\n\r\n        print(7)\r\n    5\r\n", "7\n"},
-        {"-1\nprint('several lines')", "several lines\n"},
+        {"-1\nprint('-1')", "-1\n"},
         {"len('\x01\x03\x04')", "3\n"},
         {"print(\nlen('\x01\x03\x04'))", "3\n"},
         {"# a comment", ""},
@@ -38,6 +38,7 @@ TEST(PromptCode, NamesAreCompletedByAskingTheBoard)
 {
     const BoardProcess board;
     board.Tool(PromptCommand("import os; my_name = 1; _mine = [my_name]"));
+    board.Tool(PromptCommand("class Box: seen = 1"));
     const struct {
         std::string text;
         std::vector<std::string> names;
@@ -46,6 +47,7 @@ TEST(PromptCode, NamesAreCompletedByAskingTheBoard)
         {"print(my_n", {"my_name"}},
         {"_mi", {"_mine"}},
         {"_mine.ap", {"append"}},
+        {"Box.", {"seen"}},
         {"os.path_", {}},
         {"missing.a", {}},
         {"nonl", {"nonlocal"}},

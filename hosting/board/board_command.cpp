@@ -1,6 +1,7 @@
 #include "board_command.h"
 
 #include "board_scripts.h"
+#include "main_program.h"
 
 #include <QObject>
 
@@ -81,7 +82,7 @@ BoardCommand ParseBoardCommand(const std::vector<std::string>& words)
 {
     Words rest(words);
     rest = rest.subspan(std::min<std::size_t>(rest.size(), 1));
-    if (AreSame(rest, RunMainWords())) {
+    if (AreSame(rest, RunMainCommand())) {
         return {Kind::Run, "main.py"};
     }
     if (AreSame(rest, ListFilesWords())) {

@@ -76,10 +76,11 @@ void InputField::MakeCompleter()
     connect(text_, &QPlainTextEdit::textChanged, this, &InputField::NarrowCompletions);
 }
 
-void InputField::ShowPrompt()
+void InputField::ShowPrompt(bool isInputWaiting)
 {
-    Show(true, QStringLiteral(">>>"), tr("Board prompt"),
-         tr("Python for the board – Return runs it"));
+    const QString hint = isInputWaiting ? tr("The input runs when the board is free")
+                                        : tr("Python for the board – Return runs it");
+    Show(true, QStringLiteral(">>>"), tr("Board prompt"), hint);
 }
 
 void InputField::ShowInput(const QString& program)

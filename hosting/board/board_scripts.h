@@ -14,8 +14,6 @@ std::string BoardPathWord(std::string_view path);
 
 // Restarts the board and prints its firmware.
 std::vector<std::string> RestartWords();
-// Restarts the board and runs its main.py.
-std::vector<std::string> RunMainWords();
 
 // Lists all files and directories of the board.
 std::vector<std::string> ListFilesWords();

@@ -15,15 +15,6 @@ constexpr const char* kPrintFirmware =
     "import sys\n"
     "print('Firmware:', sys.version.split('; ')[-1])\n";
 
-constexpr const char* kRunMain =
-    "import os\n"
-    "try:\n"
-    "    os.stat('main.py')\n"
-    "except OSError:\n"
-    "    print('The board has no main.py.')\n"
-    "else:\n"
-    "    execfile('main.py')\n";
-
 // The names are printed as hexadecimal numbers, because they may contain any character.
 constexpr const char* kListFiles =
     "import os\n"
@@ -76,11 +67,6 @@ std::string BoardPathWord(std::string_view path)
 std::vector<std::string> RestartWords()
 {
     return {"soft-reset", "exec", kPrintFirmware};
-}
-
-std::vector<std::string> RunMainWords()
-{
-    return {"soft-reset", "exec", kRunMain};
 }
 
 std::vector<std::string> ListFilesWords()

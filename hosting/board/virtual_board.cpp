@@ -23,8 +23,11 @@ constexpr std::chrono::duration<int, std::milli> kPollInterval{100};
 std::string MakePrivateFolder()
 {
     std::error_code error;
-    std::string pattern =
-        (std::filesystem::temp_directory_path(error) / "quilp-board-XXXXXX").string();
+    auto parent = std::filesystem::temp_directory_path(error);
+    if (error) {
+        parent = "/tmp";  // TMPDIR names no folder.
+    }
+    std::string pattern = (parent / "quilp-board-XXXXXX").string();
     return mkdtemp(pattern.data()) != nullptr ? pattern : std::string();
 }
 

@@ -23,7 +23,7 @@ class InputField final : public QWidget {
     explicit InputField(QWidget* parent = nullptr);
 
     // Both keep the text. The name may be empty.
-    void ShowPrompt();
+    void ShowPrompt(bool isInputWaiting = false);
     void ShowInput(const QString& program);
     bool isPrompt() const { return isPrompt_; }
 

@@ -1,0 +1,79 @@
+#include "board_monitor.h"
+
+#include "wait.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const BoardPort kPico{"/dev/ttyACM0", "Pico", "e661"};
+const BoardPort kEsp{"/dev/ttyUSB0", "", "42"};
+
+std::string NamedBoard()
+{
+    const char* const value = std::getenv("QUILP_BOARD");
+    return value != nullptr ? value : "";
+}
+
+}  // namespace
+
+#ifdef __linux__
+TEST(BoardPorts, AreTheSerialDevicesOfUsb)
+{
+    const TemporaryFolder system;
+    system.Write("usb1/1-2/idVendor", "2e8a\n");
+    system.Write("usb1/1-2/product", "Pico\n");
+    system.Write("usb1/1-2/serial", "e661\n");
+    const auto add = [&](const std::string& name, const std::string& device) {
+        fs::create_directories(system / device);
+        fs::create_directories(system / ("tty/" + name));
+        fs::create_directory_symlink(system / device, system / ("tty/" + name + "/device"));
+    };
+    add("ttyACM0", "usb1/1-2/1-2:1.0");
+    add("ttyS0", "platform/serial8250");
+    fs::create_directories(system / "tty/tty0");
+    EXPECT_EQ(FindBoardPorts(system / "tty"), std::vector{kPico});
+}
+#endif
+
+TEST(BoardMonitor, ShowsTheToolOnlyTheChosenBoard)
+{
+    std::vector<BoardPort> ports{kPico, kEsp};
+    BoardMonitor monitor(
+        "/no/program", "/no/folder", [&] { return ports; }, nullptr);
+    int questions = 0;
+    QObject::connect(&monitor, &BoardMonitor::ChoiceNeeded, [&] { ++questions; });
+    EXPECT_TRUE(WaitUntil([&] { return questions == 1; }));
+    EXPECT_EQ(NamedBoard(), "") << "the tool chooses";
+
+    monitor.Choose(kEsp);
+    const BoardPort moved{"/dev/ttyUSB3", "", "42"};
+    const BoardPort other{"/dev/ttyUSB0", "", "43"};
+    using Kind = BoardMonitor::Kind;
+    const struct {
+        const char* name;
+        std::vector<BoardPort> ports;
+        Kind kind;
+        std::string named;
+    } steps[] = {
+        {"both", {kPico, kEsp}, Kind::Real, kEsp.node},
+        {"gone", {kPico}, Kind::Missing, kEsp.node},
+        {"its port has another board", {kPico, other}, Kind::Missing, "/dev/quilp-no-board"},
+        {"at another port", {kPico, other, moved}, Kind::Real, moved.node},
+    };
+    for (const auto& step : steps) {
+        ports = step.ports;
+        EXPECT_TRUE(WaitUntil([&] {
+            return monitor.board().kind == step.kind && NamedBoard() == step.named;
+        })) << step.name
+            << ": " << NamedBoard();
+    }
+    monitor.Choose(std::nullopt);
+    EXPECT_EQ(NamedBoard(), "");
+    EXPECT_EQ(questions, 1);
+}
