@@ -123,12 +123,13 @@ class PieceSize:
 def copy_in_larger_pieces(transport, pieces):
     read_by_mpremote = getattr(transport, "fs_readfile", None)
     write_by_mpremote = getattr(transport, "fs_writefile", None)
+    sizes = "chunk_size", "progress_callback"
     if not (
-        hasattr(transport, "fs_stat")
-        and has_parameters(read_by_mpremote, "self", "src", "chunk_size", "progress_callback")
-        and has_parameters(
-            write_by_mpremote, "self", "dest", "data", "chunk_size", "progress_callback"
-        )
+        all(hasattr(transport, name) for name in ("fs_stat", "exec", "enter_raw_repl"))
+        and has_parameters(read_by_mpremote, "self", "src", *sizes)
+        and has_parameters(write_by_mpremote, "self", "dest", "data", *sizes)
+        and read_by_mpremote.__defaults__ == write_by_mpremote.__defaults__
+        and read_by_mpremote.__defaults__ == (PIECE_OF_MPREMOTE, None)
     ):
         return
 

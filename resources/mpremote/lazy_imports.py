@@ -5,9 +5,9 @@ import importlib
 import sys
 import types
 
-# For each module the names that others import from it, which must be callable. If another name is
-# imported, the module is loaded at once. Without names, the module itself is
-# imported, and its first use loads it.
+# For each module, the names that others import from it, which must be callable. If another name is
+# imported, the module is loaded at once. Without names, the module itself is imported, and its first
+# use loads it.
 DEFERRED = {
     "mpremote.mip": ("do_mip",),
     "mpremote.repl": ("do_repl",),
