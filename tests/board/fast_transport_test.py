@@ -1,6 +1,7 @@
-"""Checks that what a board sends is received unchanged wherever the reads split it.
+"""Checks that what a board sends is received unchanged wherever the reads split it, and that only known
+functions are replaced.
 
-Usage: split_stream_test.py FOLDER_OF_THE_LAUNCHER [SEED]
+Usage: fast_transport_test.py FOLDER_OF_THE_LAUNCHER [SEED]
 """
 
 import os
@@ -46,6 +47,11 @@ class Transport:
         raise NotImplementedError
 
 
+class OtherTransport:
+    def read_until(self, ending):
+        raise NotImplementedError
+
+
 def receive(transport, how, what):
     if how == "count":
         return transport.serial.read(what)
@@ -58,7 +64,11 @@ def receive(transport, how, what):
 def main():
     seed = int(sys.argv[2]) if len(sys.argv) > 2 else random.randrange(1 << 32)
     random.seed(seed)
-    fast_transport.read_when_bytes_arrive(Transport)
+    other = OtherTransport.read_until
+    for transport in (Transport, OtherTransport):
+        fast_transport.read_when_bytes_arrive(transport)
+    if OtherTransport.read_until is not other:
+        sys.exit("a function with other parameters was replaced")
     board, device = os.openpty()
     transport = Transport()
     transport.serial = SplittingPort(os.ttyname(device))
