@@ -27,7 +27,10 @@ def main():
                 [os.path.join(build.folder, "benchmarks", "list_directory"), build.plugin, "/many"],
                 lambda output: output == b"%d\n" % FILES,
             ),
-            ([build.tool, "ls", "/many"], lambda output: output.count(b"\n") == FILES + 1),
+            (
+                build.bare_tool(board) + ["ls", "/many"],
+                lambda output: output.count(b"\n") == FILES + 1,
+            ),
             pairs,
         )
 

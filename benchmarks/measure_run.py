@@ -26,7 +26,7 @@ def main():
             "running a one-line script",
             board.environment,
             ([build.editor, "--document", script, "--batch", "run"], is_right),
-            ([build.tool, "run", script], is_right),
+            (build.bare_tool(board) + ["run", script], is_right),
             pairs,
         )
 

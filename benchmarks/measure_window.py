@@ -33,7 +33,7 @@ def main():
 
         def bare():
             is_right = lambda output: output.count(b"\n") == FILES + 1
-            return 1000 * seconds([build.tool, "ls"], environment, is_right)
+            return 1000 * seconds(build.bare_tool(board) + ["ls"], environment, is_right)
 
         ours = lambda: numbers(str(FILES))[0]
         ours(), bare()  # Warm-up.

@@ -18,6 +18,17 @@ class Build:
         self.plugin = os.path.join(bundle, "quilp.so")
         self.tool = os.path.join(bundle, "Resources", "mpremote", "mpremote.py")
 
+    def bare_tool(self, board):
+        """The command line of mpremote itself, without our launcher."""
+        with open(self.tool) as file:
+            python = file.readline()[2:].strip()
+        folder = os.path.join(self.folder, "lib", "quilp", "mpremote")
+        start = (
+            f"import sys; sys.path.insert(0, {folder!r}); "
+            "from mpremote.main import main; sys.exit(main())"
+        )
+        return [python, "-c", start, "connect", board.link]
+
 
 class VirtualBoard:
     """A virtual board with a temporary folder, as a context manager."""
@@ -27,14 +38,14 @@ class VirtualBoard:
 
     def __enter__(self):
         self.folder = tempfile.TemporaryDirectory()
-        link = os.path.join(self.folder.name, "port")
+        self.link = os.path.join(self.folder.name, "port")
         self.files = os.path.join(self.folder.name, "files")
         self.process = subprocess.Popen(
-            [self.program, "--link", link, self.files], stdout=subprocess.PIPE
+            [self.program, "--link", self.link, self.files], stdout=subprocess.PIPE
         )
         if not self.process.stdout.readline().startswith(b"/dev/"):
             raise SystemExit("the virtual board did not start")
-        self.environment = dict(os.environ, QUILP_VIRTUAL_BOARD=link)
+        self.environment = dict(os.environ, QUILP_VIRTUAL_BOARD=self.link)
         return self
 
     def __exit__(self, *_):

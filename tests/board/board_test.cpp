@@ -39,6 +39,9 @@ void ExpectExchanges(BoardLine& line, std::initializer_list<Exchange> exchanges)
     }
 }
 
+// Also if all other tests use the plain tool.
+const std::string fast_tool = "QUILP_PLAIN_MPREMOTE=";
+
 }  // namespace
 
 TEST(Board, ServesTheRealTool)
@@ -319,13 +322,99 @@ TEST(Launcher, RunsTheToolOfItsPythonAndWorksWithoutStandardOutput)
 {
     const BoardProcess board;
     const TemporaryFolder folder;
-    std::filesystem::copy(QUILP_MPREMOTE, folder / "mpremote.py");
+    std::filesystem::copy(QUILP_BUNDLE "/Resources/mpremote", folder.path());
     auto variables = board.variables();
     variables.push_back("PYTHONPATH=" + (folder / "mpremote.py") +
                         "/..:" QUILP_BUNDLE "/../mpremote");
     EXPECT_EQ(RunProgram({folder / "mpremote.py", "ls"}, variables).output, "ls :\n");
     EXPECT_EQ(RunProgram({"sh", "-c", "'" QUILP_MPREMOTE "' touch :t >&-"}, variables).status, 0);
     EXPECT_TRUE(std::filesystem::exists(board.files() / "t"));
+}
+
+TEST(Launcher, EveryCommandDoesTheSameAsInThePlainTool)
+{
+    const BoardProcess::Files files{{"boot.py", "print('boot')\n"},
+                                    {"d/x.txt", std::string(10'000, 'x') + "\r\n"}};
+    const BoardProcess fast(files), plain(files);
+    const TemporaryFolder local;
+    std::string large;
+    while (large.size() < 5000) {
+        large += EveryByte();
+    }
+    const auto bytes = local.Write("tree/large.bin", large);
+    local.Write("tree/sub/two.txt", "two");
+    const auto program = local.Write("p.py", "print('no line end', end='')\n1/0\n");
+    const std::vector<std::string> rows[] = {
+        {"version"},
+        {"help"},
+        {"unknown"},
+        {"run", program},
+        {"run", local / "none"},
+        {"exec", "for i in range(1000): print('line', i)"},
+        {"exec", "--no-follow", "open('later', 'w').close()"},
+        {"eval", "bytes(range(256))", "+", "exec", "print('\x04')"},
+        {"resume", "sleep", "0.01", "soft-reset"},
+        {"cp", bytes, ":"},
+        {"cp", bytes, ":large.bin"},  // Up to date.
+        {"cp", ":large.bin", local / "back", "+", "cp", local / "back", ":back"},
+        {"cp", "-r", local / "tree", ":"},
+        {"cp", ":none", local / "back"},
+        {"cp", bytes, ":none/"},
+        {"cp", program, ":none/p.py"},
+        {"ls", ":d", "tree", "+", "fs", "ls", ":none"},
+        {"tree", "-s", ":"},
+        {"sha256sum", ":large.bin"},
+        {"cat", ":d/x.txt", ":none"},
+        {"mkdir", ":m", "+", "touch", ":m/t", "+", "rm", ":d/x.txt", "+", "rmdir", ":d"},
+        {"rm", "-r", ":tree/sub"},
+        {"df"},
+        {"mount", local.path(), "exec", "import os; print(os.listdir())", "umount", "ls"},
+        {"mount", local.path(), "cp", "-f", bytes, ":/remote/copy"},
+        {"mip", "install", "file:none"},
+        {"romfs", "query"},
+        {"romfs", "build", local / "tree"},
+    };
+    for (const auto& words : rows) {
+        std::vector<std::string> line{QUILP_MPREMOTE};
+        line.insert(line.end(), words.begin(), words.end());
+        const auto ours = RunProgram(line, {fast.variables()[0], fast_tool});
+        const auto tools = RunProgram(line, {plain.variables()[0], "QUILP_PLAIN_MPREMOTE=1"});
+        EXPECT_EQ(ours.output, tools.output) << testing::PrintToString(words);
+        EXPECT_EQ(ours.status, tools.status) << testing::PrintToString(words);
+    }
+    EXPECT_EQ(ReadFile(fast.files() / "back"), large);
+    EXPECT_EQ(RunProgram({"diff", "-r", fast.files().path(), plain.files().path()}).output, "");
+}
+
+// On this board, a file refuses large pieces, and loses the last byte if its name says so.
+TEST(Launcher, CopiesInPiecesThatTheBoardTakesAndReportsLostBytes)
+{
+    const BoardProcess board(BoardProcess::Files{{"boot.py", R"(
+import builtins
+open_file = open
+class File:
+    def __init__(self, name, *mode):
+        self.name, self.file = name, open_file(name, *mode)
+        self.read, self.close = lambda n: self.file.read(self.check(n)), self.file.close
+    def check(self, size):
+        if size > 256: raise MemoryError
+        return size
+    def write(self, data):
+        self.check(len(data))
+        self.file.write(data[:-1] if self.name == 'loses' and len(data) < 256 else data)
+builtins.open = File
+)"}});
+    const auto tool = [&](std::vector<std::string> words) {
+        words.insert(words.begin(), QUILP_MPREMOTE);
+        return RunProgram(words, {board.variables()[0], fast_tool});
+    };
+    const TemporaryFolder local;
+    const auto source = local.Write("source", EveryByte() + EveryByte() + "end");
+    EXPECT_EQ(tool({"cp", source, ":copy"}).status, 0);
+    EXPECT_EQ(tool({"cp", ":copy", local / "back"}).status, 0);
+    EXPECT_EQ(ReadFile(local / "back"), ReadFile(source));
+    EXPECT_TRUE(
+        tool({"cp", source, ":loses"}).output.ends_with("cp: loses: Input/output error.\n"));
 }
 
 TEST(Launcher, NeverUsesAnotherBoardInsteadOfTheVirtualOne)
