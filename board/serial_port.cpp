@@ -73,11 +73,11 @@ bool SerialPort::OpenTerminal()
     // From now on, the line is hung up exactly while no client has it open.
     CloseDescriptor(clientEnd);
     fcntl(master_, F_SETFD, FD_CLOEXEC);
-    int on = 1;
-    ioctl(master_, TIOCPKT, &on);  // Each read returns a byte of events, or 0 and data.
     SetNonBlocking(master_);
     device_ = name.data();
-    return true;
+    // From now on, each read returns a byte of events, or 0 and data.
+    int on = 1;
+    return ioctl(master_, TIOCPKT, &on) == 0;
 }
 
 // Events can be merged or lost, so they only indicate that it is time to check for a client.

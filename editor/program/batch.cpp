@@ -10,12 +10,6 @@
 #include <string>
 #include <utility>
 
-namespace {
-
-constexpr std::string_view kStop = "QuilpStop";
-
-}  // namespace
-
 Batch::Batch(PluginHost& host, Runtime& runtime, const PluginModule& plugin, BoardTool& tool,
              std::vector<BatchCommand> commands, std::function<void(int)> onFinished)
     : host_(host),
@@ -68,9 +62,6 @@ void Batch::Perform(const PluginCommand* command)
     if (command->needsFile && !host_.HasRunnable()) {
         Fail("no Python document or target to act on");
     }
-    if (command->name == kStop) {
-        runtime_.StopJobs(JobGroup::Board);  // Also a command that the plug-in does not know.
-    }
     if (!host_.Perform(*command)) {
         Fail("the plug-in does not support this command");
     }
@@ -120,7 +111,7 @@ void Batch::Fail(std::string_view message)
 void Batch::Interrupt(int status)
 {
     next_ = commands_.size();
-    Perform(FindCommandByName(kStop));
+    Perform(FindCommandByName("QuilpStop"));
     status_ = status;
     ContinueWhenIdle();
 }

@@ -19,6 +19,7 @@ virtual one by the button in the lower right corner.</p>
 <ul>
 <li><a href="#running">Running a program</a></li>
 <li><a href="#worksheet">The worksheet</a></li>
+<li><a href="#prompt">The prompt and the input of programs</a></li>
 <li><a href="#boards">Boards</a></li>
 <li><a href="#device">The Device window</a></li>
 <li><a href="#keys">Keys</a></li>
@@ -37,6 +38,14 @@ traceback to go to the source, or step through all of them with the keys below.<
 <p>The worksheet also is a command line: type a command of your shell and press Control-Return to run
 it in the folder of the project or of the front document. If text is selected, the selection runs.
 The text is kept when you quit, and its oldest lines are removed when it becomes very long.</p>
+<h2><a name="prompt"></a>The prompt and the input of programs</h2>
+<p>The line below the worksheet is the board's prompt. Return runs what you have typed on the board, and
+the value of an expression is printed. The board keeps its names from one line to the next until you
+run a program or restart the board. Shift-Return adds a line, Up and Down bring back earlier input,
+Tab completes a name, and Escape returns to the document. In a document, Control-Return runs the
+selection or the caret's line in the same way.</p>
+<p>While a program runs, the same line is its input: Return sends it, and Control-D in the empty line
+ends the input. A bar in the margin of the worksheet marks where the output of each command begins.</p>
 <h2><a name="boards"></a>Boards</h2>
 <p>Plug in a board, and the lower right corner of the window shows its port. The virtual board is
 the only one while it is attached. If a command reports <i>no device found</i>, there is no board, or

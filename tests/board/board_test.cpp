@@ -456,13 +456,16 @@ TEST(Launcher, NeverUsesAnotherBoardInsteadOfTheVirtualOne)
 
 TEST(Launcher, SendsInputOnlyToTheProgramsOfRunAndExec)
 {
-    const BoardProcess board;
-    const auto result =
-        RunProgram({"sh", "-c",
-                    "printf 'Ann\rprint(2)\r\004' | " QUILP_MPREMOTE
-                    " touch :a + df + exec 'print(input())' + exec 'print(1)' + ls"},
-                   board.variables());
-    EXPECT_TRUE(result.output.ends_with("\nAnn\r\nAnn\r\n1\r\nls :\n           0 a\n"))
+    BoardProcess::Files files;  // So many that the program of df takes a while.
+    for (int i = 0; i < 1000; ++i) {
+        files.emplace_back("d/" + std::to_string(i), "");
+    }
+    const BoardProcess board(files);
+    const auto result = RunProgram({"sh", "-c",
+                                    "printf 'Ann\rprint(2)\r\004' | " QUILP_MPREMOTE
+                                    " rm :d/1 + df + exec 'print(input())' + exec 'print(1)' + ls"},
+                                   board.variables());
+    EXPECT_TRUE(result.output.ends_with("\nAnn\r\nAnn\r\n1\r\nls :\n           0 d/\n"))
         << result.output;
 }
 

@@ -18,6 +18,8 @@ TEST(Installation, RunsAfterItWasStagedAndMoved)
         RunProgram({local / "there/bin/quilp-editor", "--virtual-board=" + local / "board",
                     "--document", script, "--batch", "run"});
     EXPECT_EQ(result.output, "42\r\n");
+    const auto tool = RunProgram({local / "there/lib/quilp/bin/mpremote", "--version"});
+    EXPECT_TRUE(tool.output.starts_with("mpremote ")) << tool.output;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(local / "there")) {
         EXPECT_FALSE(entry.is_symlink() && read_symlink(entry.path()).is_absolute())
             << entry.path();

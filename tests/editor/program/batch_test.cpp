@@ -192,20 +192,21 @@ TEST_F(Batch, ForwardsInputOfAnySizeAndItsEndToPrograms)
 {
     auto words =
         Editor(RunScript("import sys\nn = 0\nfor line in sys.stdin:\n"
-                         "  if line == '\\x04':\n    break\n"
                          "  n += int(line)\n  if line == '7\\n':\n    break\n"
-                         "print(n)\ntry: input()\nexcept EOFError: print('end')\n"));
+                         "print(n, sys.stdin.buffer.read(2))\n"
+                         "try: input()\nexcept EOFError: print('end')\n"));
     std::string lines;
     for (int i = 0; i < 30'000; ++i) {
         lines += std::to_string(1'000'000 + i) + "\n";
     }
-    const auto file = local.Write("input", lines + "7\n");
+    const auto file = local.Write("input", lines + "7\n8\n");
     const std::string expected = std::to_string(30'000LL * 1'000'000 + 30'000LL * 29'999 / 2 + 7);
     words.insert(words.begin() + 1, "--input");
     for (const std::string& start : {"exec \"$@\" <" + file, "cat " + file + " | \"$@\""}) {
         Words line{"sh", "-c", start, "sh"};
         line.insert(line.end(), words.begin(), words.end());
-        EXPECT_EQ(RunProgram(line, board.variables()).output, expected + "\r\nend\r\n") << start;
+        EXPECT_EQ(RunProgram(line, board.variables()).output, expected + " b'8\\r'\r\nend\r\n")
+            << start;
     }
 }
 
