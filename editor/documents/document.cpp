@@ -16,19 +16,6 @@ QString Document::Name() const
     return path_.empty() ? name_ : QFileInfo(PathToText(path_)).fileName();
 }
 
-QString Document::Title() const
-{
-    return boardFile_ ? QCoreApplication::translate("Document", "%1 (on the board)").arg(Name())
-                      : Name();
-}
-
-QString Document::Place() const
-{
-    return boardFile_ ? QCoreApplication::translate("Document", "On the board: %1")
-                            .arg(QString::fromStdString(boardFile_->path))
-                      : PathToText(path_);
-}
-
 bool Document::IsPython() const
 {
     return IsPythonFile(TextToPath(Name()));
@@ -172,4 +159,25 @@ void Document::AbortSave()
 RecoveryCopy Document::Copy() const
 {
     return {path_, encoding_, editor_.Utf8(), stamp_};
+}
+
+const std::string& RunPathOf(const Document& document)
+{
+    const auto* const file = document.boardFile();
+    return file != nullptr ? file->copy : document.path();
+}
+
+QString TitleOf(const Document& document)
+{
+    return document.boardFile() == nullptr
+               ? document.Name()
+               : QCoreApplication::translate("Document", "%1 (on the board)").arg(document.Name());
+}
+
+QString PlaceOf(const Document& document)
+{
+    const auto* const file = document.boardFile();
+    return file == nullptr ? PathToText(document.path())
+                           : QCoreApplication::translate("Document", "On the board: %1")
+                                 .arg(QString::fromStdString(file->path));
 }

@@ -30,14 +30,8 @@ class Document {
     // document has no path. It ends when the document is saved to a file of this computer.
     BoardFile* boardFile() { return boardFile_ ? &*boardFile_ : nullptr; }
     const BoardFile* boardFile() const { return boardFile_ ? &*boardFile_ : nullptr; }
-    // The path of the file of this computer that runs: its own, or a copy.
-    const std::string& RunPath() const { return boardFile_ ? boardFile_->copy : path_; }
     // The name of the file, or the one passed to the constructor.
     QString Name() const;
-    // The name, and where the file is if it is on a board.
-    QString Title() const;
-    // Where the file is, for the user; empty if there is none yet.
-    QString Place() const;
     // Decided by the extension of the name.
     bool IsPython() const;
     // The file types to choose from in dialogs: Python source, or any file.
@@ -100,3 +94,11 @@ class Document {
     bool saving_ = false;
     bool unsaved_ = false;  // Modified regardless of the editor's state.
 };
+
+// The path of the file of this computer that runs: the document's own, or the copy of a board's
+// file.
+const std::string& RunPathOf(const Document& document);
+// The name, and where the file is if it is on a board.
+QString TitleOf(const Document& document);
+// Where the file is, for the user; empty if there is none yet.
+QString PlaceOf(const Document& document);

@@ -144,9 +144,9 @@ void DocumentTabs::ShowState(DocumentPage& page)
     const QString mark = document.IsSaving()     ? tr(" – saving…")
                          : document.IsModified() ? QString(" *")
                                                  : QString();
-    const QString title = document.Title() + mark;
+    const QString title = TitleOf(document) + mark;
     setTabText(index, QString(title).replace('&', "&&"));
-    setTabToolTip(index, document.Place());
+    setTabToolTip(index, PlaceOf(document));
     page.editor().setAccessibleName(title);
     tabBar()->tabButton(index, QTabBar::RightSide)->setAccessibleName(tr("Close %1").arg(title));
     if (index == currentIndex()) {

@@ -241,12 +241,12 @@ void MainWindow::ShowFront()
 {
     auto* const page = tabs_->FrontPage();
     const auto* const front = tabs_->Front();
-    const std::string path = front != nullptr ? front->RunPath() : std::string();
+    const std::string path = front != nullptr ? RunPathOf(*front) : std::string();
     host_.SetDocument(path, front != nullptr && path.empty() && !front->IsPristine());
     if (findBar_->editor() != worksheet_) {
         findBar_->SetEditor(page != nullptr ? &page->editor() : nullptr);
     }
-    setWindowTitle(front != nullptr ? EscapeForTitle(front->Title()) + "[*] – Quilp" : "Quilp");
+    setWindowTitle(front != nullptr ? EscapeForTitle(TitleOf(*front)) + "[*] – Quilp" : "Quilp");
     setWindowModified(front != nullptr && front->IsModified());
     menus_->EnableDocumentActions(page != nullptr);
     if (page != nullptr) {
