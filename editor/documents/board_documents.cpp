@@ -155,13 +155,12 @@ void BoardDocuments::StartSave(DocumentPage& page)
     if (document.IsSaving()) {
         return page.SetSavesAgain(true);
     }
-    const auto bytes = document.Bytes();
     const auto written = WriteCopy(document);
-    if (!bytes || !written) {
-        Q_EMIT tabs_.Failed(QString::fromStdString(written.error()));
+    const auto bytes = written ? document.BeginSave() : std::unexpected(written.error());
+    if (!bytes) {
+        Q_EMIT tabs_.Failed(QString::fromStdString(bytes.error()));
         return;
     }
-    document.BeginSave();
     tabs_.ShowState(page);
     waiting_.push_back({&page, *bytes});
     if (!isSaving_) {
