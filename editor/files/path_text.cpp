@@ -90,7 +90,8 @@ QString PathToStored(const QString& path)
 QString PathFromStored(const QString& stored)
 {
     return stored.startsWith(kFileUrl)
-               ? PathFromPercentEncoding(stored.mid(qstrlen(kFileUrl)).toUtf8())
+               ? PathFromPercentEncoding(
+                     stored.mid(static_cast<qsizetype>(qstrlen(kFileUrl))).toUtf8())
                : stored;
 }
 

@@ -16,7 +16,7 @@ RecoveryKeeper::RecoveryKeeper(std::string root, ErrorHandler onError)
     worker_.SetProblemHandler([this](const std::string& problem) { onError_({}, problem); });
 }
 
-void RecoveryKeeper::Keep(std::string id, RecoveryCopy copy)
+void RecoveryKeeper::Keep(const std::string& id, RecoveryCopy copy)
 {
     worker_.Do(id, [this, store = store_, id, copy = std::move(copy)]() -> FileWorker::Result {
         const auto kept = store->Keep(id, copy);
@@ -27,7 +27,7 @@ void RecoveryKeeper::Keep(std::string id, RecoveryCopy copy)
     });
 }
 
-void RecoveryKeeper::Discard(std::string id)
+void RecoveryKeeper::Discard(const std::string& id)
 {
     worker_.Do(id, [store = store_, id]() -> FileWorker::Result {
         store->Discard(id);

@@ -21,8 +21,8 @@ class RecoveryKeeper {
     RecoveryKeeper(std::string root, ErrorHandler onError);
     static constexpr std::chrono::seconds kEndPatience{10};
 
-    void Keep(std::string id, RecoveryCopy copy);
-    void Discard(std::string id);
+    void Keep(const std::string& id, RecoveryCopy copy);
+    void Discard(const std::string& id);
     // Waits until the document's last operation is finished. False if it was not in time.
     bool WaitFor(const std::string& id, FileWorker::Patience patience);
     // Waits until the copies have been searched; empty if that takes too long.

@@ -5,6 +5,8 @@
 #include <QApplication>
 #include <QPalette>
 
+#include <memory>
+
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -126,7 +128,7 @@ void SetAppearance(Appearance appearance)
     const bool dark =
         appearance == Appearance::Dark || (appearance == Appearance::System && desktopIsDark);
     const Colors& colors = dark ? kDark : kLight;
-    QApplication::setStyle(new EditorProxyStyle);  // Qt owns it.
+    QApplication::setStyle(std::make_unique<EditorProxyStyle>().release());  // Qt owns it.
     QApplication::setPalette(MakePalette(colors));
     qApp->setStyleSheet(StyleSheet(colors));
 }
