@@ -5,8 +5,6 @@
 #include <QApplication>
 #include <QPalette>
 
-#include <memory>
-
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -128,7 +126,8 @@ void SetAppearance(Appearance appearance)
     const bool dark =
         appearance == Appearance::Dark || (appearance == Appearance::System && desktopIsDark);
     const Colors& colors = dark ? kDark : kLight;
-    QApplication::setStyle(std::make_unique<EditorProxyStyle>().release());  // Qt owns it.
+    QApplication::setStyle(new EditorProxyStyle);  // Qt owns it.
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the analysis does not know that.
     QApplication::setPalette(MakePalette(colors));
     qApp->setStyleSheet(StyleSheet(colors));
 }

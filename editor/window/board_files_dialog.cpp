@@ -49,9 +49,10 @@ BoardFilesDialog::BoardFilesDialog(const QString& title, const QString& accept, 
     accept_->setDefault(true);
     accept_->setEnabled(false);
     auto* const column = new QVBoxLayout(this);
-    for (QWidget* widget : std::initializer_list<QWidget*>{filter_, list_, count_, buttons}) {
-        column->addWidget(widget);
-    }
+    column->addWidget(filter_);
+    column->addWidget(list_);
+    column->addWidget(count_);
+    column->addWidget(buttons);
     connect(filter_, &QLineEdit::textChanged, this, &BoardFilesDialog::Filter);
     connect(list_, &QTreeWidget::itemDoubleClicked, this, &BoardFilesDialog::Choose);
     connect(buttons, &QDialogButtonBox::accepted, this, &BoardFilesDialog::Choose);
