@@ -189,7 +189,8 @@ void EditorMenus::AddTabActions(QMenu* menu)
 void EditorMenus::MakeAppearanceMenu(QMenu* parent)
 {
     auto* const menu = parent->addMenu(tr("&Appearance"));
-    auto* const choices = new QActionGroup(menu);  // Exclusive, so its items have radio marks.
+    auto* const choices = new QActionGroup(menu);
+    choices->setExclusive(true);  // Its items have radio marks.
     for (const auto& [text, wanted] :
          {std::pair(tr("&Follow System"), Appearance::System),
           std::pair(tr("&Light"), Appearance::Light), std::pair(tr("&Dark"), Appearance::Dark)}) {

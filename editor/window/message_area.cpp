@@ -88,6 +88,7 @@ void MessageArea::OfferBoards(const std::vector<BoardPort>& ports,
                               const std::function<void(const BoardPort& port)>& choose)
 {
     std::vector<MessageBar::Choice> choices;
+    choices.reserve(ports.size() + 1);
     for (const auto& port : ports) {
         choices.push_back({DescribePort(port), [choose, port] { choose(port); }});
     }
