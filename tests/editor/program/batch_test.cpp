@@ -202,6 +202,13 @@ TEST_F(Batch, ForwardsInputOfAnySizeAndItsEndToPrograms)
     const auto file = local.Write("input", lines + "7\n8\n");
     const std::string expected = std::to_string(30'000LL * 1'000'000 + 30'000LL * 29'999 / 2 + 7);
     words.insert(words.begin() + 1, "--input");
+    local.Write("helper.py", "");
+    const auto asks = local.Write("asks.py", "import helper\nprint(input())\n");
+    EXPECT_EQ(RunProgram({"sh", "-c", "echo early | \"$@\"", "sh", words[0], "--input", "--mount",
+                          local.path(), "--document", asks, "--batch", "run"},
+                         board.variables())
+                  .output,
+              "early\r\nearly\r\n");
     for (const std::string& start : {"exec \"$@\" <" + file, "cat " + file + " | \"$@\""}) {
         Words line{"sh", "-c", start, "sh"};
         line.insert(line.end(), words.begin(), words.end());
