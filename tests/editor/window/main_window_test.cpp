@@ -431,6 +431,8 @@ TEST_F(EditorWindow, UploadsFilesWithAnyNameOneAfterAnotherAndRestarts)
     EXPECT_TRUE(SheetShows("\"main.py\", line 2"));
     Action("Restart")->trigger();
     EXPECT_TRUE(SheetShows("Firmware: MicroPython"));
+    const auto& sheet = *window().findChild<Worksheet*>();
+    EXPECT_EQ(sheet.SendScintilla(QsciScintilla::SCI_GETCURRENTPOS), sheet.length());
 }
 
 TEST_F(EditorWindow, OffersTheVirtualBoardAndItsToolToTheShell)
