@@ -1,7 +1,7 @@
 #include "batch.h"
 
 #include "main_program.h"
-#include "prompt_code.h"
+#include "prompt_run.h"
 
 #include <QTimer>
 
@@ -95,11 +95,9 @@ void Batch::Perform(const RunMain&)
 
 void Batch::Perform(const Prompt& command)
 {
-    const auto words = PromptCommand(command.text);
-    if (words.empty()) {
-        return Fail("prompt= without a text to run");
+    if (!RunAtPrompt(tool_, command.text)) {
+        Fail("prompt= without a text to run");
     }
-    tool_.Run(words);
 }
 
 void Batch::Fail(std::string_view message)

@@ -101,7 +101,7 @@ std::string PromptProgram(std::string_view text)
 {
     std::string code = RemoveCommonIndentation(text);
     code.erase(code.find_last_not_of(" \t\n") + 1);
-    code.erase(0, code.find_first_not_of('\n'));
+    code.erase(0, code.find_last_of('\n', code.find_first_not_of(" \t\n")) + 1);
     if (code.empty()) {
         return code;
     }
@@ -140,7 +140,8 @@ std::string RemoveCommonIndentation(std::string_view text)
     std::string result;
     for (const auto line : lines) {
         result += line.data() == plain.data() ? "" : "\n";
-        result += IsBlank(line) ? std::string_view() : line.substr(common->size());
+        // Blank lines may be indented less. In a string their blanks count.
+        result += line.substr(std::min(common.value_or(line).size(), line.size()));
     }
     return result;
 }

@@ -295,6 +295,7 @@ TEST(Board, CanBeUnpluggedDuringAProgramAndPluggedInAgain)
     BackgroundProgram tool({QUILP_MPREMOTE, "exec", "while True: print('x')"}, board.variables());
     ASSERT_TRUE(tool.WaitForOutput("x"));
     board.SetPlugged(false);
+    EXPECT_TRUE(tool.WaitForOutput("mpremote: the board was unplugged"));
     EXPECT_TRUE(tool.WaitForExit());
     EXPECT_EQ(board.Tool({"ls"}).output, "mpremote: no device found\n");
     board.SetPlugged(true);

@@ -93,10 +93,21 @@ void BoardActions::ShowBoard()
     }
 }
 
+// The command has ended already, and another one may have started only if it was stopped.
+void BoardActions::ShowOutput(const BoardResult& result)
+{
+    if (result.isStopped) {
+        return parts_.worksheet.Append(result.output);
+    }
+    parts_.worksheet.BeginCommand();
+    parts_.worksheet.Append(result.output);
+    parts_.worksheet.EndCommand();
+}
+
 void BoardActions::Restart()
 {
     RunBoardTask(parts_.tool, RestartWords(), *this, [this](const BoardResult& result) {
-        parts_.worksheet.Append(result.output);
+        ShowOutput(result);
         if (result.IsSuccess()) {
             parts_.board.SetFirmware(ParseFirmware(result.output));
         }
@@ -148,7 +159,7 @@ void BoardActions::UploadNext(const QStringList& paths, qsizetype next)
     RunBoardTask(
         parts_.tool, UploadWords(paths[next]), *this,
         [this, paths, next, isLast](const BoardResult& result) {
-            parts_.worksheet.Append(result.output);
+            ShowOutput(result);
             if (result.IsSuccess() && !isLast) {
                 return UploadNext(paths, next + 1);
             }
@@ -170,7 +181,7 @@ void BoardActions::ChooseEntry(const QString& title, const QString& accept, bool
                  [this, dialog, withDirectories](const BoardResult& result) {
                      if (!result.IsSuccess()) {
                          dialog->reject();
-                         return parts_.worksheet.Append(result.output);
+                         return ShowOutput(result);
                      }
                      parts_.board.SetFirmware(ParseFirmware(result.output));
                      auto entries = ParseEntries(result.output);

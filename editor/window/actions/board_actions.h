@@ -16,6 +16,7 @@ class MessageArea;
 class QWidget;
 class Worksheet;
 struct BoardEntry;
+struct BoardResult;
 
 // What the Board menu does: chooses the board, restarts it, and exchanges files with it. Output is
 // written into the worksheet, errors are reported in the window. [ui]
@@ -66,6 +67,7 @@ class BoardActions final : public QObject {
     void DownloadTo(const BoardEntry& entry);
     void OfferBoards();
     void ShowBoard();
+    void ShowOutput(const BoardResult& result);
 
     Parts parts_;
     BoardDocuments documents_;

@@ -184,6 +184,8 @@ TEST_F(Batch, PromptsKeepTheBoardsStateUntilARestartAndMainRunsItsProgram)
     EXPECT_EQ(OutputOf({"--batch", "prompt=x = 'a'", "prompt=for c in 'bc':\n  print(x + c)",
                         "prompt=x", "restart", "prompt='x' in globals()", "main"}),
               "ab\r\nac\r\n'a'\r\nFalse\r\nquilp-editor: The board has no main.py.\n");
+    const std::string tooLongForTheTool(70'000, '\\');
+    EXPECT_EQ(OutputOf({"--batch", "prompt=len('" + tooLongForTheTool + "')"}), "35000\r\n");
     board.files().Write("main.py", "import time\nprint(__name__)\nwhile True: time.sleep(1)\n");
     EXPECT_EQ(OutputOf({"--batch", "main", "wait=1", "stop", "prompt=1"}), "__main__\r\n1\r\n");
 }
@@ -202,6 +204,13 @@ TEST_F(Batch, ForwardsInputOfAnySizeAndItsEndToPrograms)
     const auto file = local.Write("input", lines + "7\n8\n");
     const std::string expected = std::to_string(30'000LL * 1'000'000 + 30'000LL * 29'999 / 2 + 7);
     words.insert(words.begin() + 1, "--input");
+    local.Write("helper.py", "");
+    const auto asks = local.Write("asks.py", "import helper\nprint(input())\n");
+    EXPECT_EQ(RunProgram({"sh", "-c", "echo early | \"$@\"", "sh", words[0], "--input", "--mount",
+                          local.path(), "--document", asks, "--batch", "run"},
+                         board.variables())
+                  .output,
+              "early\r\nearly\r\n");
     for (const std::string& start : {"exec \"$@\" <" + file, "cat " + file + " | \"$@\""}) {
         Words line{"sh", "-c", start, "sh"};
         line.insert(line.end(), words.begin(), words.end());

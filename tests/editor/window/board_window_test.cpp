@@ -273,6 +273,10 @@ TEST_F(EditorWindow, UploadsFilesWithAnyNameOneAfterAnotherAndRestarts)
     EXPECT_TRUE(SheetShows("\"main.py\", line 2"));
     Action("Restart")->trigger();
     EXPECT_TRUE(SheetShows("Firmware: MicroPython"));
+    const auto& sheet = window().worksheet();
+    EXPECT_TRUE(WaitUntil([&] {
+        return sheet.SendScintilla(QsciScintilla::SCI_GETCURRENTPOS) == sheet.length();
+    }));
 }
 
 TEST_F(EditorWindow, OffersTheVirtualBoardAndItsToolToTheShell)

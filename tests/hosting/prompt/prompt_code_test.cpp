@@ -19,6 +19,7 @@ TEST(PromptCode, AnyTextDoesOnTheBoardWhatAPromptDoes)
         {"for i in range(2): i", "0\n1\n"},
         {"    if x:\r\n\r\n        print(7)\r\n    5\r\n", "7\n"},
         {"-1\nprint('-1')", "-1\n"},
+        {" \nprint('''a\n   \n''')\n", "a\n   \n\n"},
         {"len('\x01\x03\x04')", "3\n"},
         {"print(\nlen('\x01\x03\x04'))", "3\n"},
         {"# a comment", ""},
