@@ -446,7 +446,7 @@ bool Worksheet::ChooseLinkAt(long position)
 
 QByteArray Worksheet::fromMimeData(const QMimeData* source, bool& rectangular) const
 {
-    const auto bytes = QsciScintilla::fromMimeData(source, rectangular);
+    auto bytes = QsciScintilla::fromMimeData(source, rectangular);
     if (bytes.size() <= OutputText::kMaxLineLength) {
         return bytes;
     }

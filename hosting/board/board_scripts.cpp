@@ -44,7 +44,7 @@ BoardEntry ParseEntry(std::string_view text)
 {
     const auto space = text.find(' ');
     const auto name = text.substr(std::min(space, text.size() - 1) + 1);
-    const auto size = QByteArray(text.data(), static_cast<qsizetype>(std::min(space, text.size())));
+    const auto size = QByteArray::fromStdString(std::string(text.substr(0, space)));
     const auto path = QByteArray::fromHex(
         QByteArray(name.data(), static_cast<qsizetype>(name.size())));  // Skips the line's end.
     return {path.toStdString(), size == "-1", std::max(size.toLongLong(), 0LL)};

@@ -1,6 +1,7 @@
 #include "board_task.h"
 
 #include <QPointer>
+#include <QTimer>
 
 #include <memory>
 #include <utility>
@@ -22,10 +23,9 @@ class Task {
     ~Task()
     {
         if (context_) {
-            QMetaObject::invokeMethod(
-                context_.data(),
-                [done = std::move(done_), result = std::move(result_)] { done(result); },
-                Qt::QueuedConnection);
+            QTimer::singleShot(
+                0, context_.data(),
+                [done = std::move(done_), result = std::move(result_)] { done(result); });
         }
     }
 

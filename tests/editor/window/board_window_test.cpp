@@ -274,9 +274,8 @@ TEST_F(EditorWindow, UploadsFilesWithAnyNameOneAfterAnotherAndRestarts)
     Action("Restart")->trigger();
     EXPECT_TRUE(SheetShows("Firmware: MicroPython"));
     const auto& sheet = window().worksheet();
-    EXPECT_TRUE(WaitUntil([&] {
-        return sheet.SendScintilla(QsciScintilla::SCI_GETCURRENTPOS) == sheet.length();
-    }));
+    EXPECT_TRUE(WaitUntil(
+        [&] { return sheet.SendScintilla(QsciScintilla::SCI_GETCURRENTPOS) == sheet.length(); }));
 }
 
 TEST_F(EditorWindow, OffersTheVirtualBoardAndItsToolToTheShell)
