@@ -26,10 +26,10 @@ STRIPS, STRIP_SIZE = 2048, 4096
 BLOCK_SIZE = STRIPS + PIN_COUNT * STRIP_SIZE
 
 SIGINT, SIGALRM = 2, 14
-RETRY_MICROSECONDS = 2000
+RETRY_MICROSECONDS = 5000
 MIN_DELAY_MICROSECONDS = 200  # Leaves some time to the program, whatever its timers do.
 # An interrupt waits so often for the end of a callback before it interrupts that.
-MAX_DEFERRALS = 100
+MAX_DEFERRALS = 40
 
 _libc = ffi.open(None)
 _kill = _libc.func("i", "kill", "ii")
@@ -80,7 +80,7 @@ class Hardware:
     # In a signal handler.
     def on_alarm(self, _number):
         if block[INTERRUPT]:
-            self.interrupt()
+            return self.interrupt()
         if self.watchdog_due is not None and ticks_diff(ticks_us(), self.watchdog_due) >= 0:
             self.watchdog_due = None
             self.request_reset(3)
@@ -96,9 +96,9 @@ class Hardware:
 
     # The interpreter ignores an exception that leaves a callback, so an interrupt waits for it.
     def interrupt(self):
+        _setitimer(0, self.retry, None)
         if self.is_scheduled and self.deferrals < MAX_DEFERRALS:
             self.deferrals += 1
-            _setitimer(0, self.retry, None)
         else:
             self.deferrals = block[INTERRUPT] = 0
             _kill(_pid, SIGINT)

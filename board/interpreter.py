@@ -210,13 +210,16 @@ def execute(channel, sequence, mode, text, namespace):
         code = compile(source, name, "single" if mode == "S" else "exec")
         channel.write(message("C", sequence))
         exec(code, namespace)
-        return "N", "", False
+        return "N", ""
     except SystemExit:
-        return "X", "", False
-    except BaseException as error:
+        return "X", ""
+    except KeyboardInterrupt as error:
         # Whoever stops a program expects an idle board, except at the prompt.
-        is_stopped = isinstance(error, KeyboardInterrupt) and mode != "S"
-        return "E", traceback_text(error), is_stopped
+        if mode != "S":
+            board.power_on()
+        return "E", traceback_text(error)
+    except BaseException as error:
+        return "E", traceback_text(error)
 
 
 def receive(channel, length):
@@ -233,12 +236,9 @@ def serve(channel):
     # The sequence number of the request that has not been answered. The first answer, which has no
     # request, reports that the interpreter has started.
     sequence = 0
-    status, text, is_stopped = "N", "", False
+    status, text = "N", ""
     while True:
         try:
-            if is_stopped:
-                board.power_on()
-                is_stopped = False
             if sequence is not None:
                 # Sent again if an interrupt occurs here; the serial side ignores the second one.
                 channel.write(message(status, sequence, text.encode()))
@@ -248,14 +248,13 @@ def serve(channel):
                 return
             if header[:1] == b"B":
                 continue  # The confirmation of an interrupted message.
-            status, text, is_stopped = "E", INTERRUPTED, True
+            status, text = "E", INTERRUPTED
             sequence = int(header[1:9])
             request = receive(channel, int(header[10:18]))
             if request is None:
                 text = "MemoryError: the program is larger than the board's memory\n"
-                is_stopped = False
             else:
-                status, text, is_stopped = execute(
+                status, text = execute(
                     channel, sequence, chr(header[0]), request, namespace
                 )
         except KeyboardInterrupt:
