@@ -3,6 +3,7 @@
 #include "editor_style.h"
 #include "link_marks.h"
 #include "on_demand_accessibility.h"
+#include "output_colors.h"
 #include "scintilla_text.h"
 #include "source_link.h"
 
@@ -198,6 +199,7 @@ void Worksheet::SetUpLinks()
 void Worksheet::ApplyColors()
 {
     const auto& colors = ColorsFor(palette());
+    const auto& output = OutputColors(palette().color(QPalette::Base));
     setMarkerBackgroundColor(colors.link, kBeginningMarker);
     setIndicatorForegroundColor(colors.link, kLinkIndicator);
     setIndicatorHoverForegroundColor(colors.link, kLinkIndicator);
@@ -210,7 +212,7 @@ void Worksheet::ApplyColors()
         for (const bool isBold : {false, true}) {
             const QColor plain = palette().color(QPalette::Text);
             apply(NumberOf({color, isBold}),
-                  color < 0 ? plain : colors.output.at(static_cast<std::size_t>(color)), isBold);
+                  color < 0 ? plain : output.at(static_cast<std::size_t>(color)), isBold);
         }
     }
     apply(kTracebackStyle, colors.error, false);
