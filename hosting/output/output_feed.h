@@ -10,8 +10,8 @@
 #include <string_view>
 
 // Passes output to a text in chunks, one in each iteration of the event loop, so that a flood of
-// output does not freeze the windows. If too much output is pending, Append itself passes chunks, to
-// slow the producer down. [ui]
+// output does not freeze the windows. If too much output is pending, Append itself passes chunks,
+// to slow the producer down. [ui]
 class OutputFeed {
   public:
     // Returns the length of the text's last line in UTF-16 units.
