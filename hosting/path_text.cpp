@@ -1,24 +1,39 @@
 #include "path_text.h"
 
+#include "qt_version.h"
+
 #include <QByteArray>
+
+#include <glib.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
+#include <string_view>
 
 namespace {
 
 constexpr char16_t kEscape = 0xDC00;  // Added to a byte that is not part of UTF-8.
 constexpr char16_t kFirstEscaped = kEscape + 0x80;
 constexpr char16_t kLastEscaped = kEscape + 0xFF;
-constexpr qsizetype kMaxSequence = 4;  // bytes
+constexpr std::size_t kMaxSequence = 4;  // bytes
 constexpr const char* kFileUrl = "file://";
 
-// The length of the UTF-8 sequence at the beginning; 0 if there is none.
-qsizetype SequenceLength(QByteArrayView bytes)
+bool IsUtf8(std::string_view bytes)
 {
-    for (qsizetype length = 1; length <= std::min(kMaxSequence, bytes.size()); ++length) {
-        if (bytes.first(length).isValidUtf8()) {
+    return g_utf8_validate(bytes.data(), static_cast<gssize>(bytes.size()), nullptr) != FALSE;
+}
+
+QString FromUtf8(std::string_view bytes)
+{
+    return QString::fromUtf8(bytes.data(), static_cast<QtSize>(bytes.size()));
+}
+
+// The length of the UTF-8 sequence at the beginning; 0 if there is none.
+std::size_t SequenceLength(std::string_view bytes)
+{
+    for (std::size_t length = 1; length <= std::min(kMaxSequence, bytes.size()); ++length) {
+        if (IsUtf8(bytes.substr(0, length))) {
             return length;
         }
     }
@@ -42,19 +57,19 @@ QStringList ConvertAll(const QStringList& texts, Convert convert)
 
 QString PathToText(const std::string& path)
 {
-    const QByteArrayView bytes(path.data(), static_cast<qsizetype>(path.size()));
-    if (bytes.isValidUtf8()) {
-        return QString::fromUtf8(bytes);
+    const std::string_view bytes(path);
+    if (IsUtf8(bytes)) {
+        return FromUtf8(bytes);
     }
     QString text;
-    for (qsizetype at = 0; at < bytes.size();) {
-        const auto length = SequenceLength(bytes.sliced(at));
+    for (std::size_t at = 0; at < bytes.size();) {
+        const auto length = SequenceLength(bytes.substr(at));
         if (length > 0) {
-            text += QString::fromUtf8(bytes.sliced(at, length));
+            text += FromUtf8(bytes.substr(at, length));
         } else {
             text += QChar(static_cast<char16_t>(kEscape + static_cast<unsigned char>(bytes[at])));
         }
-        at += std::max<qsizetype>(length, 1);
+        at += std::max<std::size_t>(length, 1);
     }
     return text;
 }
@@ -65,12 +80,12 @@ std::string TextToPath(const QString& text)
         return text.toStdString();
     }
     std::string path;
-    for (qsizetype at = 0; at < text.size();) {
+    for (QtSize at = 0; at < text.size();) {
         if (IsEscaped(text[at])) {
             path += static_cast<char>(text[at].unicode() - kEscape);
             ++at;
         } else {
-            const qsizetype length = text[at].isHighSurrogate() ? 2 : 1;
+            const QtSize length = text[at].isHighSurrogate() ? 2 : 1;
             path += text.mid(at, length).toStdString();
             at += length;
         }
