@@ -6,6 +6,7 @@
 #include "scintilla_text.h"
 #include "source_link.h"
 
+#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QRegularExpression>
 
@@ -14,8 +15,7 @@
 
 namespace {
 
-constexpr std::size_t kChunkSize = 65'536;      // bytes a turn
-constexpr std::size_t kMaxPending = 8'388'608;  // bytes
+constexpr qint64 kAppendTime = 5;  // milliseconds in one iteration of the event loop
 // Removing lines moves the whole text, so many are removed at once.
 constexpr int kLinesAfterDrop = Worksheet::kMaxLines - Worksheet::kMaxLines / 20;
 constexpr long kBytesAfterDrop = Worksheet::kMaxBytes - Worksheet::kMaxBytes / 16;
@@ -174,7 +174,7 @@ Worksheet::Worksheet(QWidget* parent) : QsciScintilla(parent)
     SetUpLinks();
     ApplyColors();
     appendTimer_.setSingleShot(true);
-    connect(&appendTimer_, &QTimer::timeout, this, &Worksheet::AppendChunk);
+    connect(&appendTimer_, &QTimer::timeout, this, &Worksheet::AppendForAWhile);
     markTimer_.setSingleShot(true);
     connect(&markTimer_, &QTimer::timeout, this, &Worksheet::MarkChanged);
 }
@@ -263,37 +263,57 @@ void Worksheet::AppendLines(std::string_view utf8)
 
 void Worksheet::Append(std::string_view utf8)
 {
-    pending_ += utf8;
-    while (pending_.size() - consumed_ > kMaxPending) {
-        AppendChunk();
+    pending_.Append(utf8);
+    if (pending_.IsExcessive()) {
+        SkipSuperfluous();
     }
-    if (consumed_ < pending_.size() && !appendTimer_.isActive()) {
+    if (!pending_.IsEmpty() && !appendTimer_.isActive()) {
         appendTimer_.start();
     }
 }
 
-void Worksheet::AppendChunk()
+void Worksheet::AppendForAWhile()
 {
-    const auto part = std::string_view(pending_).substr(consumed_, kChunkSize);
-    const long lastLine = LineStart(*this, lines() - 1);
-    const long column = Send(*this, SCI_COUNTCODEUNITS, lastLine, Length(*this));
-    const auto change = parser_.Feed(part, column);
-    consumed_ += part.size();
-    if (consumed_ >= pending_.size() / 2) {
-        pending_.erase(0, std::exchange(consumed_, 0));
-    }
-    follower_.Change([&] { Apply(change); });
-    if (!pending_.empty()) {
+    QElapsedTimer timer;
+    timer.start();
+    follower_.Change([&] {
+        while (!pending_.IsEmpty() && timer.elapsed() < kAppendTime) {
+            AppendBlock();
+        }
+    });
+    if (!pending_.IsEmpty()) {
         appendTimer_.start();
     }
 }
 
 void Worksheet::AppendPending()
 {
-    while (!pending_.empty()) {
-        AppendChunk();
-    }
+    follower_.Change([&] {
+        while (!pending_.IsEmpty()) {
+            AppendBlock();
+        }
+    });
     appendTimer_.stop();
+}
+
+void Worksheet::AppendBlock()
+{
+    const long lastLine = LineStart(*this, lines() - 1);
+    const long column = Send(*this, SCI_COUNTCODEUNITS, lastLine, Length(*this));
+    Apply(parser_.Feed(pending_.Take(), column));
+}
+
+// What remains pending replaces the whole text.
+void Worksheet::SkipSuperfluous()
+{
+    while (const auto block = pending_.TakeSuperfluous()) {
+        parser_.Skip(*block);
+    }
+    follower_.Change([&] {
+        const NotificationBlocker blocker(*this);
+        RemoveText(Length(*this));
+    });
+    begins_ = false;
 }
 
 void Worksheet::Apply(const OutputChange& change)
@@ -339,14 +359,20 @@ void Worksheet::DropOldLines()
     if (dropped == 0) {
         return;
     }
+    RemoveText(LineStart(*this, dropped));
+}
+
+// Removes the text before the position. Notifications must be disabled.
+void Worksheet::RemoveText(long end)
+{
     // The marks of deleted lines would be moved to the first one that remains.
+    const long lastLine = LineAt(*this, end);
     for (int line = 0;
-         (line = markerFindNext(line, 1U << kBeginningMarker)) >= 0 && line < dropped;) {
+         (line = markerFindNext(line, 1U << kBeginningMarker)) >= 0 && line < lastLine;) {
         markerDelete(line, kBeginningMarker);
     }
-    const long length = LineStart(*this, dropped);
-    Send(*this, SCI_DELETERANGE, 0, length);
-    caretBefore_ = caretBefore_ < 0 ? -1 : std::max(0L, caretBefore_ - length);
+    Send(*this, SCI_DELETERANGE, 0, end);
+    caretBefore_ = caretBefore_ < 0 ? -1 : std::max(0L, caretBefore_ - end);
     Send(*this, SCI_EMPTYUNDOBUFFER);
 }
 
@@ -369,8 +395,7 @@ void Worksheet::SetContent(const QString& text)
 
 void Worksheet::ClearAll()
 {
-    pending_.clear();
-    consumed_ = 0;
+    pending_.Clear();
     appendTimer_.stop();
     unchanged_.reset();
     parser_ = {};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "output_backlog.h"
 #include "output_text.h"
 #include "scintilla.h"
 #include "view_follower.h"
@@ -22,9 +23,9 @@ class Worksheet final : public QsciScintilla {
 
     explicit Worksheet(QWidget* parent = nullptr);
 
-    // Appends output (see OutputText) in chunks, one in each iteration of the event loop. If too
-    // much output is pending, this call itself appends chunks, to slow the producer down. The
-    // oldest lines are removed when there are too many. The view follows the output until the user
+    // Appends output (see OutputText), for a few milliseconds in each iteration of the event loop.
+    // The oldest lines are removed when there are too many; of a flood, those that would be removed
+    // soon are never appended. The view follows the output until the user
     // scrolls away from the end; the caret and the selection do not move. Undo does not revert
     // output, nor changes made before output erased a line.
     void Append(std::string_view utf8);
@@ -82,17 +83,19 @@ class Worksheet final : public QsciScintilla {
 
     void SetUpLinks();
     void ApplyColors();
-    void AppendChunk();
+    void AppendForAWhile();
+    void AppendBlock();
     void AppendPending();
+    void SkipSuperfluous();
     void Apply(const OutputChange& change);
     void DropOldLines();
+    void RemoveText(long end);
     void RecordChange(int position, int type, int length);
     void MarkChanged();
     bool ChooseLinkAt(long position);
 
     OutputText parser_;
-    std::string pending_;
-    std::size_t consumed_ = 0;  // Bytes at the front of `pending_` that have been appended.
+    OutputBacklog pending_{{kMaxLines, kMaxBytes}};
     QTimer appendTimer_;
     QTimer markTimer_;
     std::optional<Unchanged> unchanged_;  // Until the links in the user's changes are marked.
