@@ -13,6 +13,7 @@
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -58,6 +59,17 @@ int CommandsFromSignals()
     return ends[0];
 }
 
+// False if the text could not be printed.
+bool Print(const std::string& text)
+{
+    return std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
+}
+
+[[noreturn]] void PrintAndExit(const std::string& text)
+{
+    std::exit(Print(text) ? 0 : 1);
+}
+
 struct Arguments {
     BoardOptions board;
     bool removesLinkFolder = false;
@@ -66,22 +78,23 @@ struct Arguments {
 constexpr std::size_t kLeastHeap = 64UL << 10;
 constexpr std::size_t kLargestHeap = 1024UL << 20;
 
-[[noreturn]] void RefuseUsage(const std::string& reason)
+[[noreturn]] void RefuseUsage()
 {
-    std::fprintf(stderr, "virtual-board: %s\n%s", reason.c_str(), kUsage);
+    std::fputs(kUsage, stderr);
     std::exit(2);
 }
 
 // A number of bytes; K and M stand for units of 1024 and 1024 * 1024 bytes. Exits on an error.
-std::size_t ParseHeap(std::string_view text)
+std::size_t ParseHeap(const char* text)
 {
     std::size_t size = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), size);
-    const std::string_view unit = text.substr(static_cast<std::size_t>(end - text.data()));
+    const auto [end, error] = std::from_chars(text, text + std::strlen(text), size);
+    const std::string_view unit(end);
     const int shift = unit == "M" ? 20 : unit == "K" ? 10 : 0;
     const bool isNumber = error == std::errc() && (unit.empty() || shift != 0);
     if (!isNumber || size > (kLargestHeap >> shift) || size << shift < kLeastHeap) {
-        RefuseUsage("invalid size of the heap: " + std::string(text));
+        std::fprintf(stderr, "virtual-board: invalid size of the heap: %s\n", text);
+        RefuseUsage();
     }
     return size << shift;
 }
@@ -105,16 +118,15 @@ Arguments ParseArguments(int argc, char** argv)
             SignalOnParentExit(static_cast<pid_t>(std::atol(optarg)), SIGTERM);
             arguments.removesLinkFolder = true;
         } else if (c == 'V') {
-            std::puts("virtual-board " QUILP_VERSION);
-            std::exit(0);
+            PrintAndExit("virtual-board " QUILP_VERSION "\n");
+        } else if (c == 'h') {
+            PrintAndExit(kUsage);
         } else {
-            std::fputs(kUsage, c == 'h' ? stdout : stderr);
-            std::exit(c == 'h' ? 0 : 2);
+            RefuseUsage();
         }
     }
     if (optind + 1 != argc) {
-        std::fputs(kUsage, stderr);
-        std::exit(2);
+        RefuseUsage();
     }
     arguments.board.folder = argv[optind];
     return arguments;

@@ -46,10 +46,11 @@ print(fails(open, 'new', 'w'), fails(os.mkdir, 'new'), fails(json.dump, 'x', ope
 full.close()
 with open('full', 'r+b') as file:
     print(file.write(b'in place'), file.seek(16 << 20), fails(file.write, b'x'))
-os.remove('full')
+with open('full', 'wb') as file:
+    while file.tell() < 16000000: file.write(bytes(64000))
 names = iter(range(5000))
 print(fill(lambda: open(str(next(names)), 'w').close()), fill(lambda: os.mkdir('new')))
-for name in range(next(names) - 1):
+for name in ['full'] + list(range(next(names) - 1)):
     os.remove(str(name))
 file = open('beyond', 'w')
 file.seek(17 << 20)
