@@ -1,5 +1,6 @@
 #include "output_text.h"
 
+#include "qt_version.h"
 #include "whole_characters.h"
 
 #include <utility>
@@ -37,7 +38,7 @@ OutputChange OutputText::Feed(std::string_view bytes, qsizetype column)
 {
     incomplete_ += bytes;
     const auto complete = WholeCharacters(incomplete_);
-    const auto text = QString::fromUtf8(incomplete_.data(), static_cast<qsizetype>(complete));
+    const auto text = QString::fromUtf8(incomplete_.data(), static_cast<QtSize>(complete));
     incomplete_.erase(0, complete);
     column_ = column;
     change_ = {};
