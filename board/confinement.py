@@ -34,4 +34,4 @@ def confine(rules, filter):
     address = uctypes.addressof(program)
     if not filter or prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, address, 0, 0) != 0:
         reachable.append("processes and the network: the system has no seccomp filters")
-    return ", ".join(reachable)
+    return " and ".join(reachable)
