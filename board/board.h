@@ -1,5 +1,6 @@
 #pragma once
 
+#include "folder_guard.h"
 #include "interpreter.h"
 #include "repl.h"
 #include "serial_port.h"
@@ -60,12 +61,14 @@ class Board final : private ReplTarget {
     void FinishProgram(Outcome outcome, std::string_view traceback, bool restarts);
     void PlugAgain();
     void ResetIfStuck();
+    void ResetIfOverfull();
     int TimeoutMilliseconds() const;
 
     BoardOptions options_;
     Repl repl_;
     std::optional<SerialPort> port_;
     std::optional<Interpreter> interpreter_;
+    std::optional<FolderGuard> folderGuard_;  // While the board is plugged in.
     // The program must have finished by then, since it was interrupted.
     std::optional<Clock::time_point> interruptDeadline_;
     std::string failure_;

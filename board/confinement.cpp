@@ -166,7 +166,7 @@ void LimitResources(std::size_t memory, std::size_t file)
     };
     limit(RLIMIT_AS, memory);
     limit(RLIMIT_FSIZE, file);
-    limit(RLIMIT_NOFILE, 64);
+    limit(RLIMIT_NOFILE, 32);
     limit(RLIMIT_CORE, 0);
     signal(SIGXFSZ, SIG_IGN);  // Writing fails instead.
 }

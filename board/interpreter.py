@@ -23,6 +23,7 @@ import vfs
 
 from confinement import confine
 from flash import MODULES, Flash
+from stand_ins import hide_computer
 
 HEADER_SIZE = 18
 # A message must fit into the socket's buffer, so that an interrupt cannot split it.
@@ -272,15 +273,16 @@ def use_folder_as_file_system(folder, modules):
 
 
 control = open(3, "r+b")
+hide_computer()
 use_folder_as_file_system(sys.argv[1], OWN_FOLDER + "/modules")
-for name in ("confinement", "flash"):
+for name in ("confinement", "flash", "stand_ins"):
     del sys.modules[name]
 sys.modules["_board"] = Hardware(control)
 serial = SerialSide(control)
 System.stdin = TextInput(real_sys.stdin.buffer)
 System.stdout = TextOutput(BinaryOutput(serial))
 builtins.input = input_function(serial)
-sys.modules["sys"] = System()
+sys.modules["sys"] = sys.modules["usys"] = System()
 sys.modules["micropython"] = Micropython(control)
 try:
     serve(control, confined(control))
