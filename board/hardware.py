@@ -12,9 +12,9 @@ import ffi
 import micropython
 import struct
 import uctypes
+from machine import PinBase, soft_reset, time_pulse_us
 from time import sleep, ticks_add, ticks_diff, ticks_us
 
-DESCRIPTOR = 4
 # The header of the block.
 INTERRUPT, HAS_EVENTS, RESETS, RESET_CAUSE = 0, 1, 2, 3
 # The records of the pins, and the offsets in each.
@@ -32,15 +32,15 @@ MIN_DELAY_MICROSECONDS = 200  # Leaves some time to the program, whatever its ti
 MAX_DEFERRALS = 40
 
 _libc = ffi.open(None)
-_kill = _libc.func("i", "kill", "ii")
+_tgkill = _libc.func("i", "tgkill", "iii")
 _setitimer = _libc.func("i", "setitimer", "ipp")
 _pid = _libc.func("i", "getpid", "")()
 
 
-def _map_block():
+def map_block(descriptor):
     map_memory = _libc.func("P", "mmap", "PLiiil")
-    address = map_memory(0, BLOCK_SIZE, 3, 1, DESCRIPTOR, 0)  # Readable, writable, shared.
-    _libc.func("i", "close", "i")(DESCRIPTOR)
+    address = map_memory(0, BLOCK_SIZE, 3, 1, descriptor, 0)  # Readable, writable, shared.
+    _libc.func("i", "close", "i")(descriptor)
     return uctypes.bytearray_at(address, BLOCK_SIZE)
 
 
@@ -55,7 +55,7 @@ def _on_alarm(function):
     return handler
 
 
-block = _map_block()
+block = None
 board = None  # The only object of the following class.
 
 
@@ -101,7 +101,7 @@ class Hardware:
             self.deferrals += 1
         else:
             self.deferrals = block[INTERRUPT] = 0
-            _kill(_pid, SIGINT)
+            _tgkill(_pid, _pid, SIGINT)
 
     def dispatch(self, _):
         self.runs_again = False
@@ -185,7 +185,7 @@ class Hardware:
         was_enabled = self.is_enabled
         self.is_enabled = is_enabled
         if is_enabled and not was_enabled:
-            _kill(_pid, SIGALRM)
+            _tgkill(_pid, _pid, SIGALRM)
         return was_enabled
 
     def power_on(self):
