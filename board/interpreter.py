@@ -208,10 +208,24 @@ def source_and_name(mode, text):
         return file.read(), name
 
 
-def execute(channel, sequence, mode, text, namespace):
+def receive(channel, length):
     try:
-        source, name = source_and_name(mode, text)
-        code = compile(source, name, "single" if mode == "S" else "exec")
+        return channel.read(length)
+    except MemoryError:
+        while length > 0:  # Skip the source, so that the next request can be read.
+            length -= len(channel.read(min(length, 4096)))
+        raise MemoryError("the program is larger than the board's memory")
+
+
+# Returns the code alone, so that the source takes no memory while the program runs.
+def receive_code(channel, mode, length):
+    source, name = source_and_name(mode, receive(channel, length))
+    return compile(source, name, "single" if mode == "S" else "exec")
+
+
+def execute(channel, sequence, mode, length, namespace):
+    try:
+        code = receive_code(channel, mode, length)
         channel.write(message("C", sequence))
         exec(code, namespace)
         return "N", "", False
@@ -221,15 +235,6 @@ def execute(channel, sequence, mode, text, namespace):
         # Whoever stops a program expects an idle board, except at the prompt.
         is_stopped = isinstance(error, KeyboardInterrupt) and mode != "S"
         return "E", traceback_text(error), is_stopped
-
-
-def receive(channel, length):
-    try:
-        return channel.read(length)
-    except MemoryError:
-        while length > 0:  # Skip the source, so that the next request can be read.
-            length -= len(channel.read(min(length, 4096)))
-        return None
 
 
 def confined(channel):
@@ -258,14 +263,9 @@ def serve(channel, text):
                 continue  # The confirmation of an interrupted message.
             status, text, is_stopped = "E", INTERRUPTED, True
             sequence = int(header[1:9])
-            request = receive(channel, int(header[10:18]))
-            if request is None:
-                text = "MemoryError: the program is larger than the board's memory\n"
-                is_stopped = False
-            else:
-                status, text, is_stopped = execute(
-                    channel, sequence, chr(header[0]), request, namespace
-                )
+            status, text, is_stopped = execute(
+                channel, sequence, chr(header[0]), int(header[10:18]), namespace
+            )
         except KeyboardInterrupt:
             pass
 
