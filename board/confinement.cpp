@@ -77,7 +77,7 @@ constexpr std::array kAllowedCalls{
     SCMP_SYS(gettid), SCMP_SYS(getpid), SCMP_SYS(exit), SCMP_SYS(exit_group),
     // Signals of its own.
     SCMP_SYS(rt_sigaction), SCMP_SYS(rt_sigprocmask), SCMP_SYS(rt_sigreturn), SCMP_SYS(sigreturn),
-    SCMP_SYS(sigaltstack), SCMP_SYS(restart_syscall),
+    SCMP_SYS(sigaltstack), SCMP_SYS(restart_syscall), SCMP_SYS(setitimer),
     // Time and random numbers.
     SCMP_SYS(clock_gettime), SCMP_SYS(clock_gettime64), SCMP_SYS(clock_getres),
     SCMP_SYS(clock_nanosleep), SCMP_SYS(nanosleep), SCMP_SYS(gettimeofday), SCMP_SYS(time),
@@ -98,8 +98,10 @@ bool AddRules(scmp_filter_ctx filter, pid_t pid)
     failures += seccomp_rule_add(filter, SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(clone3), 0);
     failures += seccomp_rule_add(filter, SCMP_ACT_ALLOW, SCMP_SYS(clone), 1,
                                  SCMP_A0_64(SCMP_CMP_MASKED_EQ, kCloneMask, CLONE_THREAD));
-    failures += seccomp_rule_add(filter, SCMP_ACT_ALLOW, SCMP_SYS(tgkill), 1,
-                                 SCMP_A0_32(SCMP_CMP_EQ, self));
+    for (const int call : {SCMP_SYS(kill), SCMP_SYS(tgkill)}) {
+        failures +=
+            seccomp_rule_add(filter, SCMP_ACT_ALLOW, call, 1, SCMP_A0_32(SCMP_CMP_EQ, self));
+    }
     // Limits may be read, as at the start of a thread.
     failures += seccomp_rule_add(filter, SCMP_ACT_ALLOW, SCMP_SYS(prlimit64), 2,
                                  SCMP_A0_32(SCMP_CMP_EQ, 0), SCMP_A2_64(SCMP_CMP_EQ, 0));

@@ -1,12 +1,8 @@
 """Confines this process, once it has loaded what it needs; see confinement.h."""
 
+import ffi
 import struct
 import uctypes
-
-try:
-    import ffi
-except ImportError:
-    ffi = None
 
 PR_SET_SECCOMP = 22
 PR_SET_NO_NEW_PRIVS = 38
@@ -20,8 +16,6 @@ def confine(rules, filter):
 
     rules is a descriptor, or -1; filter is empty if there is none.
     """
-    if not ffi:
-        return "the whole computer: the interpreter has no module ffi"
     library = ffi.open(None)
     prctl = library.func("i", "prctl", "iLLLL")
     syscall = library.func("l", "syscall", "liL")
@@ -29,6 +23,7 @@ def confine(rules, filter):
     reachable = []
     if rules < 0 or syscall(LANDLOCK_RESTRICT_SELF, rules, 0) != 0:
         reachable.append("the files of this computer: the system has no Landlock")
+    library.func("i", "close", "i")(rules)
     # A sock_fprog: the number of items and their address.
     program = struct.pack("HP", len(filter) // FILTER_ITEM_SIZE, uctypes.addressof(filter))
     address = uctypes.addressof(program)
