@@ -140,18 +140,23 @@ void Board::Serve(int commands)
 
 int Board::TimeoutMilliseconds() const
 {
-    if (!port_) {
+    std::optional<Clock::time_point> next = interruptDeadline_;
+    const auto consider = [&](Clock::time_point time) {
+        next = std::min(next.value_or(time), time);
+    };
+    if (port_) {
+        consider(folderGuard_->nextCheck());
+        if (!port_->hasClient() && port_->clientEventsFd() < 0) {
+            consider(Clock::now() + kPollInterval);
+        }
+    }
+    if (const auto update = pinServer_ ? pinServer_->nextUpdate(mayChangePins()) : std::nullopt) {
+        consider(*update);
+    }
+    if (!next) {
         return -1;
     }
-    Clock::time_point next = folderGuard_->nextCheck();
-    if (!port_->hasClient() && port_->clientEventsFd() < 0) {
-        next = std::min(next, Clock::now() + kPollInterval);
-    }
-    const auto update = pinServer_ ? pinServer_->nextUpdate(mayChangePins()) : std::nullopt;
-    for (const auto& deadline : {interruptDeadline_, update}) {
-        next = std::min(next, deadline.value_or(next));
-    }
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(next - Clock::now());
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*next - Clock::now());
     return std::max(0, static_cast<int>(left.count()));
 }
 

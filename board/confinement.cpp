@@ -98,10 +98,8 @@ bool AddRules(scmp_filter_ctx filter, pid_t pid)
     failures += seccomp_rule_add(filter, SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(clone3), 0);
     failures += seccomp_rule_add(filter, SCMP_ACT_ALLOW, SCMP_SYS(clone), 1,
                                  SCMP_A0_64(SCMP_CMP_MASKED_EQ, kCloneMask, CLONE_THREAD));
-    for (const int call : {SCMP_SYS(kill), SCMP_SYS(tgkill)}) {
-        failures +=
-            seccomp_rule_add(filter, SCMP_ACT_ALLOW, call, 1, SCMP_A0_32(SCMP_CMP_EQ, self));
-    }
+    failures += seccomp_rule_add(filter, SCMP_ACT_ALLOW, SCMP_SYS(tgkill), 1,
+                                 SCMP_A0_32(SCMP_CMP_EQ, self));
     // Limits may be read, as at the start of a thread.
     failures += seccomp_rule_add(filter, SCMP_ACT_ALLOW, SCMP_SYS(prlimit64), 2,
                                  SCMP_A0_32(SCMP_CMP_EQ, 0), SCMP_A2_64(SCMP_CMP_EQ, 0));

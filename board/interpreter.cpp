@@ -29,8 +29,7 @@ constexpr std::size_t kMaxInput = 16384;        // bytes, in addition to those i
 constexpr int kStartTimeoutMilliseconds = 5000;
 constexpr std::chrono::seconds kMessageTimeout{2};
 constexpr char kConfine = 'P';
-constexpr int kFileRulesDescriptor = 5;
-constexpr std::size_t kHeapOfBoard = 32UL << 10;  // bytes that the board's own script takes
+constexpr std::size_t kHeapOfBoard = 64UL << 10;  // bytes that the board's own script takes
 // What the interpreter needs besides the heap, for its code, its stack and the stacks of threads.
 constexpr std::size_t kMemoryBesidesHeap = 64UL << 20;
 
@@ -42,9 +41,9 @@ struct Pipes {
 
 // How a child process becomes an interpreter.
 struct Command {
-    std::array<const char*, 6> arguments;
-    int pins;            // Descriptors to pass on.
-    int fileRules;       // -1 if there are none.
+    std::array<const char*, 7> arguments;
+    int pins;            // A descriptor to leave open.
+    int fileRules;       // Likewise; -1 if there is none.
     std::size_t memory;  // bytes of address space
 };
 
@@ -76,22 +75,17 @@ std::optional<Pipes> MakePipes()
         signal(number, SIG_IGN);
         signal(number, SIG_DFL);
     }
-    // One of the descriptors may have the number that another one gets.
-    const int pins = fcntl(command.pins, F_DUPFD, kFileRulesDescriptor + 1);
-    const int fileRules = fcntl(command.fileRules, F_DUPFD, kFileRulesDescriptor + 1);
     dup2(pipes.input[0], STDIN_FILENO);
     dup2(pipes.output[1], STDOUT_FILENO);
     dup2(pipes.output[1], STDERR_FILENO);
     dup2(pipes.control[1], 3);
-    dup2(pins, 4);
-    dup2(fileRules, kFileRulesDescriptor);
-    close(pins);
-    close(fileRules);
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
     signal(SIGPIPE, SIG_DFL);
     LimitResources(command.memory, kFlashSize);
+    fcntl(command.pins, F_SETFD, 0);
+    fcntl(command.fileRules, F_SETFD, 0);
     // The environment is no business of a board. Threads share one pool of memory, since each pool
     // would reserve more than the limit.
     std::array<char, 19> onePool{"MALLOC_ARENA_MAX=1"};
@@ -169,8 +163,9 @@ std::expected<Interpreter, std::string> Interpreter::Start(const InterpreterFile
     }
     const std::string heapSize = "heapsize=" + std::to_string(heap + kHeapOfBoard);
     const std::string modules = files.script.substr(0, files.script.rfind('/')) + "/modules";
+    const std::string pinsDescriptor = std::to_string(pins.fd());
     const Command command{{files.program.c_str(), "-X", heapSize.c_str(), files.script.c_str(),
-                           folder.c_str(), nullptr},
+                           folder.c_str(), pinsDescriptor.c_str(), nullptr},
                           pins.fd(),
                           MakeFileRules(folder, modules),
                           heap + kMemoryBesidesHeap};
@@ -198,10 +193,8 @@ std::expected<Interpreter, std::string> Interpreter::Start(const InterpreterFile
         return std::unexpected(std::string("cannot start a process: ") + std::strerror(forkError));
     }
     const std::string filter = MakeSystemCallFilter(self.pid_);
-    std::ignore = SendFully(
-        self.control_,
-        Header(kConfine, command.fileRules < 0 ? -1 : kFileRulesDescriptor, filter.size()) +
-            filter);
+    std::ignore =
+        SendFully(self.control_, Header(kConfine, command.fileRules, filter.size()) + filter);
     if (const auto started = self.WaitUntilStarted(); !started) {
         return std::unexpected(files.program + " does not start: " + started.error());
     }

@@ -208,6 +208,23 @@ def source_and_name(mode, text):
         return file.read(), name
 
 
+def execute(channel, sequence, mode, length, namespace):
+    try:
+        code = receive_code(channel, mode, length)
+        channel.write(message("C", sequence))
+        exec(code, namespace)
+        return "N", ""
+    except SystemExit:
+        return "X", ""
+    except KeyboardInterrupt as error:
+        # Whoever stops a program expects an idle board, except at the prompt.
+        if mode != "S":
+            board.power_on()
+        return "E", traceback_text(error)
+    except BaseException as error:
+        return "E", traceback_text(error)
+
+
 def receive(channel, length):
     try:
         return channel.read(length)
@@ -223,20 +240,6 @@ def receive_code(channel, mode, length):
     return compile(source, name, "single" if mode == "S" else "exec")
 
 
-def execute(channel, sequence, mode, length, namespace):
-    try:
-        code = receive_code(channel, mode, length)
-        channel.write(message("C", sequence))
-        exec(code, namespace)
-        return "N", "", False
-    except SystemExit:
-        return "X", "", False
-    except BaseException as error:
-        # Whoever stops a program expects an idle board, except at the prompt.
-        is_stopped = isinstance(error, KeyboardInterrupt) and mode != "S"
-        return "E", traceback_text(error), is_stopped
-
-
 def confined(channel):
     header = channel.read(HEADER_SIZE)
     return confine(int(header[1:9]), channel.read(int(header[10:18])))
@@ -246,12 +249,9 @@ def serve(channel, text):
     namespace = {"__name__": "__main__"}
     # The sequence number of the request that has not been answered, at first P.
     sequence = 0
-    status, is_stopped = "N", False
+    status = "N"
     while True:
         try:
-            if is_stopped:
-                board.power_on()
-                is_stopped = False
             if sequence is not None:
                 # Sent again if an interrupt occurs here; the serial side ignores the second one.
                 channel.write(message(status, sequence, text.encode()))
@@ -261,9 +261,9 @@ def serve(channel, text):
                 return
             if header[:1] == b"B":
                 continue  # The confirmation of an interrupted message.
-            status, text, is_stopped = "E", INTERRUPTED, True
+            status, text = "E", INTERRUPTED
             sequence = int(header[1:9])
-            status, text, is_stopped = execute(
+            status, text = execute(
                 channel, sequence, chr(header[0]), int(header[10:18]), namespace
             )
         except KeyboardInterrupt:
@@ -280,6 +280,7 @@ def use_folder_as_file_system(folder, modules):
 
 
 control = open(3, "r+b")
+hardware.block = hardware.map_block(int(sys.argv[2]))
 hide_computer()
 use_folder_as_file_system(sys.argv[1], OWN_FOLDER + "/modules")
 for name in ("confinement", "flash", "hardware", "stand_ins"):

@@ -106,8 +106,8 @@ Arguments ParseArguments(int argc, char** argv)
 {
     Arguments arguments;
     const std::array<option, 7> longOptions{{{"link", required_argument, nullptr, 'l'},
-                                             {"heap", required_argument, nullptr, 'm'},
                                              {"pins", required_argument, nullptr, 'i'},
+                                             {"heap", required_argument, nullptr, 'm'},
                                              {"parent", required_argument, nullptr, 'p'},
                                              {"version", no_argument, nullptr, 'V'},
                                              {"help", no_argument, nullptr, 'h'},
