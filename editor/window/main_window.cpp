@@ -4,6 +4,7 @@
 #include "board_button.h"
 #include "board_documents.h"
 #include "board_menu.h"
+#include "board_panel.h"
 #include "board_prompt.h"
 #include "board_questions.h"
 #include "command_activity.h"
@@ -21,6 +22,7 @@
 #include "input_field.h"
 #include "message_area.h"
 #include "path_text.h"
+#include "pins_client.h"
 #include "plugin_actions.h"
 #include "session_keeper.h"
 #include "shortcut_code.h"
@@ -93,8 +95,10 @@ MainWindow::MainWindow(const PluginModule& plugin, Runtime& runtime, const Edito
       monitor_(runtime, nullptr),
       shortcuts_({}, {}),
       project_(new Project(this)),
-      board_(new BoardMonitor(paths.boardProgram, paths.boardFolder, paths.findPorts, this))
+      board_(new BoardMonitor(paths.boardProgram, paths.boardFolder, paths.findPorts, this)),
+      pins_(new PinsClient(this))
 {
+    pins_->Follow(*board_);
     setAcceptDrops(true);
     setObjectName("editor");
     MakeCentralWidget(paths.folders.state + "/recovery");
@@ -136,7 +140,15 @@ void MainWindow::MakeCentralWidget(const std::string& recoveryRoot)
     splitter_->addWidget(documents);
     splitter_->addWidget(console);
     splitter_->setSizes({460, 230});  // They keep this ratio in a window of any size.
-    setCentralWidget(splitter_);
+    columns_ = new QSplitter(Qt::Horizontal, this);
+    columns_->setHandleWidth(1);
+    columns_->setChildrenCollapsible(false);
+    boardPanel_ = new BoardPanel(*pins_, columns_);
+    boardPanel_->hide();
+    columns_->addWidget(splitter_);
+    columns_->addWidget(boardPanel_);
+    columns_->setStretchFactor(0, 1);
+    setCentralWidget(columns_);
 }
 
 void MainWindow::MakeActions()
@@ -163,6 +175,8 @@ void MainWindow::MakeActions()
     boardDocuments_ = new BoardDocuments(*tabs_, tool_, *board_, this);
     const EditorParts parts{.window = *this,
                             .splitter = *splitter_,
+                            .columns = *columns_,
+                            .boardPanel = *boardPanel_,
                             .messages = *messages_,
                             .tabs = *tabs_,
                             .findBar = *findBar_,
@@ -188,8 +202,9 @@ void MainWindow::MakeStatusBar()
     auto* const activity = new CommandActivity(monitor_, this);
     connect(boardActions_, &BoardActions::UploadNoteChanged, activity,
             &CommandActivity::SetUploadNote);
-    status_ =
-        new EditorStatusBar(activity, new BoardButton(*board_, &menus_->boardMenu(), this), this);
+    auto* const board = new BoardButton(*board_, &menus_->boardMenu(), this);
+    board->ShowLedOf(*pins_);
+    status_ = new EditorStatusBar(activity, board, this);
     setStatusBar(status_);
 }
 
@@ -210,6 +225,8 @@ void MainWindow::ConnectParts()
     connect(tabs_, &DocumentTabs::FrontChanged, this, &MainWindow::ShowFront);
     connect(tabs_, &DocumentTabs::Failed, messages_, &MessageArea::Report);
     connect(tabs_, &DocumentTabs::FilesDropped, this, &MainWindow::OpenFiles);
+    connect(boardPanel_, &BoardPanel::AttachRequested, boardActions_,
+            &BoardActions::UseVirtualBoard);
     connect(project_, &Project::Changed, this, &MainWindow::ShowProject);
     connect(&menus_->commandsMenu(), &CommandsMenu::Chosen, commands_, &PluginActions::Perform);
     connect(menus_, &EditorMenus::CommandMenuRequested, this,
@@ -264,6 +281,11 @@ void MainWindow::OpenFiles(const QStringList& files)
         tabs_->New();
     }
     ShowControls();  // At once, so that the tool bar is complete when the window is shown.
+}
+
+void MainWindow::ShowBoardPanel()
+{
+    boardPanel_->show();
 }
 
 void MainWindow::ReportPluginError(const std::string& error)

@@ -1,5 +1,6 @@
 #include "pins_client.h"
 
+#include "board_monitor.h"
 #include "descriptors.h"
 #include "local_socket.h"
 
@@ -26,6 +27,12 @@ PinsClient::PinsClient(QObject* parent) : QObject(parent)
 PinsClient::~PinsClient()
 {
     Disconnect();
+}
+
+void PinsClient::Follow(const BoardMonitor& board)
+{
+    connect(&board, &BoardMonitor::Changed, this, [this, &board] { SetPath(board.pinsPath()); });
+    SetPath(board.pinsPath());
 }
 
 void PinsClient::SetPath(const std::string& path)

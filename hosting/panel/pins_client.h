@@ -9,6 +9,8 @@
 #include <memory>
 #include <string>
 
+class BoardMonitor;
+
 // A connection to the pins of a virtual board: it reports what the program does with them, and
 // drives the inputs. It connects again when the connection breaks. [ui]
 class PinsClient final : public QObject {
@@ -18,6 +20,8 @@ class PinsClient final : public QObject {
     explicit PinsClient(QObject* parent = nullptr);
     ~PinsClient() override;
 
+    // Connects whenever the virtual board is attached. `board` must outlive this object.
+    void Follow(const BoardMonitor& board);
     // The path of the board's socket; empty for no board.
     void SetPath(const std::string& path);
     bool hasBoard() const { return !path_.empty(); }
