@@ -57,15 +57,14 @@ QString EscapeForTitle(QString name)
     return name.replace("[*]", "[*][*]");
 }
 
-// Places the widgets below each other, with a line between them.
-void Stack(const std::vector<QWidget*>& widgets, QWidget& parent)
+// Places the second widget below the first, which takes the space, with a line between them.
+void Stack(QWidget& first, QWidget& second, QWidget& parent)
 {
     auto* const column = new QVBoxLayout(&parent);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(1);
-    for (auto* const widget : widgets) {
-        column->addWidget(widget);
-    }
+    column->addWidget(&first, 1);
+    column->addWidget(&second);
     parent.setBackgroundRole(QPalette::Mid);
     parent.setAutoFillBackground(true);
 }
@@ -133,7 +132,7 @@ void MainWindow::MakeCentralWidget(const std::string& recoveryRoot)
     worksheet_ = new Worksheet(console);
     worksheet_->setAccessibleName(tr("Worksheet"));
     input_ = new InputField(console);
-    Stack({worksheet_, input_}, *console);
+    Stack(*worksheet_, *input_, *console);
     splitter_ = new QSplitter(Qt::Vertical, this);
     splitter_->setHandleWidth(5);  // Only one pixel of it is drawn.
     splitter_->setChildrenCollapsible(false);
@@ -141,7 +140,7 @@ void MainWindow::MakeCentralWidget(const std::string& recoveryRoot)
     splitter_->addWidget(console);
     splitter_->setSizes({460, 230});  // They keep this ratio in a window of any size.
     columns_ = new QSplitter(Qt::Horizontal, this);
-    columns_->setHandleWidth(1);
+    columns_->setHandleWidth(5);
     columns_->setChildrenCollapsible(false);
     boardPanel_ = new BoardPanel(*pins_, columns_);
     boardPanel_->hide();
