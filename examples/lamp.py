@@ -1,5 +1,5 @@
-# A lamp of eight NeoPixels at pin 0. The button at pin 14 switches it on and off, and the dial at
-# pin 26 chooses its colour. The LED and the light at pin 15 show the same.
+# A lamp of eight NeoPixels at pin 0. The button at pin 14 switches it
+# on and off, and the dial at pin 26 chooses its colour and brightness.
 
 import time
 from machine import ADC, PWM, Pin
@@ -14,7 +14,7 @@ light = PWM(Pin(15), freq=1000, duty_u16=0)
 
 
 def color(position):
-    """Returns red, green and blue at a position of the rainbow, from 0 to 255."""
+    """Returns the red, green and blue of a position from 0 to 255."""
     third, rest = divmod(position % 256 * 3, 256)
     colors = [0, 0, 0]
     colors[third] = 255 - rest
@@ -23,12 +23,12 @@ def color(position):
 
 
 def show(is_on):
-    start = dial.read_u16() >> 8
+    level = dial.read_u16()
     for i in range(COUNT):
-        pixels[i] = color(start + i * 12) if is_on else (0, 0, 0)
+        pixels[i] = color((level >> 8) + i * 16) if is_on else (0, 0, 0)
     pixels.write()
     led.value(is_on)
-    light.duty_u16(dial.read_u16() if is_on else 0)
+    light.duty_u16(level if is_on else 0)
 
 
 is_on = True

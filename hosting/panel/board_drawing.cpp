@@ -100,8 +100,8 @@ void DrawContacts(QPainter& painter)
         painter.setBrush(QColor(0x16, 0x2b, 0x47));
         painter.drawEllipse(pad.center, 2, 2);
         QColor color = kSilk;
-        color.setAlpha(120);
-        DrawText(painter, NumberCenter(pad), pad.pin, 7, color);
+        color.setAlpha(135);
+        DrawText(painter, NumberCenter(pad), pad.pin, 7.5, color);
     }
 }
 
@@ -243,5 +243,5 @@ void DrawPad(QPainter& painter, const Pad& pad, double level, const QColor& colo
     painter.setPen(QPen(Qt::white, 1.2));
     painter.setBrush(core);
     painter.drawEllipse(pad.center, 2.8, 2.8);
-    DrawText(painter, NumberCenter(pad), pad.pin, 8.5, Qt::white, true);
+    DrawText(painter, NumberCenter(pad), pad.pin, 9, Qt::white, true);
 }
