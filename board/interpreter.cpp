@@ -50,7 +50,8 @@ std::optional<Pipes> MakePipes()
 }
 
 // Called in the child process between fork and exec: only async-signal-safe calls are allowed.
-[[noreturn]] void BecomeInterpreter(pid_t parent, const Pipes& pipes, const char* const* arguments)
+[[noreturn]] void BecomeInterpreter(pid_t parent, const Pipes& pipes, int pins,
+                                    const char* const* arguments)
 {
     SignalOnParentExit(parent, SIGKILL);
     // In a group of its own, so that signals to the board's group do not reach it. Those that were
@@ -60,10 +61,14 @@ std::optional<Pipes> MakePipes()
         signal(number, SIG_IGN);
         signal(number, SIG_DFL);
     }
+    // One of the descriptors may have the number that another one gets.
+    pins = fcntl(pins, F_DUPFD, 5);
     dup2(pipes.input[0], STDIN_FILENO);
     dup2(pipes.output[1], STDOUT_FILENO);
     dup2(pipes.output[1], STDERR_FILENO);
     dup2(pipes.control[1], 3);
+    dup2(pins, 4);
+    close(pins);
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
@@ -115,7 +120,8 @@ std::string Header(char mode, int sequence, std::size_t length)
 }  // namespace
 
 std::expected<Interpreter, std::string> Interpreter::Start(const InterpreterFiles& files,
-                                                           const std::string& folder)
+                                                           const std::string& folder,
+                                                           PinBlock& pins)
 {
     const auto pipes = MakePipes();
     if (!pipes) {
@@ -124,6 +130,7 @@ std::expected<Interpreter, std::string> Interpreter::Start(const InterpreterFile
     const std::array<const char*, 6> arguments{files.program.c_str(), "-X",           kHeapSize,
                                                files.script.c_str(),  folder.c_str(), nullptr};
     Interpreter self;
+    self.pins_ = &pins;
     const pid_t parent = getpid();
     sigset_t all;
     sigset_t before;
@@ -131,7 +138,7 @@ std::expected<Interpreter, std::string> Interpreter::Start(const InterpreterFile
     sigprocmask(SIG_SETMASK, &all, &before);  // The child must not run this process's handlers.
     self.pid_ = fork();
     if (self.pid_ == 0) {
-        BecomeInterpreter(parent, *pipes, arguments.data());
+        BecomeInterpreter(parent, *pipes, pins.fd(), arguments.data());
     }
     const int forkError = errno;
     sigprocmask(SIG_SETMASK, &before, nullptr);
@@ -181,6 +188,7 @@ Interpreter& Interpreter::operator=(Interpreter&& other) noexcept
 {
     if (this != &other) {
         Kill();
+        pins_ = other.pins_;
         pid_ = std::exchange(other.pid_, -1);
         control_ = std::exchange(other.control_, -1);
         output_ = std::exchange(other.output_, -1);
@@ -292,9 +300,19 @@ std::string Interpreter::TakeUnreadInput()
 
 void Interpreter::Interrupt()
 {
-    if (isInterruptible_) {
+    if (isInterruptible_ && pins_->hasEvents()) {
+        pins_->RequestInterrupt();
+        kill(pid_, SIGALRM);
+    } else if (isInterruptible_) {
         kill(pid_, SIGINT);
     } else {
         interruptWhenCompiled_ = true;
+    }
+}
+
+void Interpreter::OnPinsChanged() const
+{
+    if (pins_->hasEvents()) {
+        kill(pid_, SIGALRM);
     }
 }

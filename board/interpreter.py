@@ -8,7 +8,7 @@ interrupted, and at its end by N (finished normally), E (failed with this
 traceback) or X (called sys.exit). Meanwhile, B sends binary output, and L says
 whether the text output that follows has the line ends of a serial line; the
 serial side confirms both by B. K is the number of the character that interrupts
-the program, and R resets the board. Standard input and output are used only by
+the program, and R resets the board for a cause. Standard input and output are used only by
 the program.
 """
 import builtins
@@ -19,6 +19,7 @@ import sys
 import time
 import vfs
 
+import hardware
 from flash import MODULES, Flash
 
 HEADER_SIZE = 18
@@ -37,6 +38,10 @@ real_sys = sys
 
 def message(kind, sequence, text=b""):
     return b"%s%08d %08d" % (kind, sequence, len(text)) + text
+
+
+# Made in advance, since the watchdog sends one in a signal handler.
+RESET_MESSAGES = [message("R", 0, b"%d" % cause) for cause in range(5)]
 
 
 class SerialSide:
@@ -164,23 +169,15 @@ class Micropython:
     def __init__(self, channel):
         self.channel = channel
 
+    # The interpreter's own emergency buffer always exists.
+    def alloc_emergency_exception_buf(self, _size):
+        pass
+
     def kbd_intr(self, character):
         self.channel.write(message("K", 0, b"%d" % character))
 
     def __getattr__(self, name):
         return getattr(real_micropython, name)
-
-
-class Hardware:
-    """What the board's own modules know of the board."""
-
-    def __init__(self, channel):
-        self.channel = channel
-
-    def reset(self):
-        self.channel.write(message("R", 0))
-        while True:
-            time.sleep(1)  # This process is being ended.
 
 
 def traceback_text(error):
@@ -189,6 +186,10 @@ def traceback_text(error):
     lines = text.getvalue().split("\n")
     lines = [line for line in lines if not any(line.startswith(frame) for frame in OWN_FRAMES)]
     return "\n".join(lines)[-TRACEBACK_LIMIT:]
+
+
+def report(error):
+    real_sys.stdout.write(traceback_text(error))
 
 
 def source_and_name(mode, text):
@@ -209,11 +210,13 @@ def execute(channel, sequence, mode, text, namespace):
         code = compile(source, name, "single" if mode == "S" else "exec")
         channel.write(message("C", sequence))
         exec(code, namespace)
-        return "N", ""
+        return "N", "", False
     except SystemExit:
-        return "X", ""
+        return "X", "", False
     except BaseException as error:
-        return "E", traceback_text(error)
+        # Whoever stops a program expects an idle board, except at the prompt.
+        is_stopped = isinstance(error, KeyboardInterrupt) and mode != "S"
+        return "E", traceback_text(error), is_stopped
 
 
 def receive(channel, length):
@@ -230,9 +233,12 @@ def serve(channel):
     # The sequence number of the request that has not been answered. The first answer, which has no
     # request, reports that the interpreter has started.
     sequence = 0
-    status, text = "N", ""
+    status, text, is_stopped = "N", "", False
     while True:
         try:
+            if is_stopped:
+                board.power_on()
+                is_stopped = False
             if sequence is not None:
                 # Sent again if an interrupt occurs here; the serial side ignores the second one.
                 channel.write(message(status, sequence, text.encode()))
@@ -242,13 +248,14 @@ def serve(channel):
                 return
             if header[:1] == b"B":
                 continue  # The confirmation of an interrupted message.
-            status, text = "E", INTERRUPTED
+            status, text, is_stopped = "E", INTERRUPTED, True
             sequence = int(header[1:9])
             request = receive(channel, int(header[10:18]))
             if request is None:
                 text = "MemoryError: the program is larger than the board's memory\n"
+                is_stopped = False
             else:
-                status, text = execute(
+                status, text, is_stopped = execute(
                     channel, sequence, chr(header[0]), request, namespace
                 )
         except KeyboardInterrupt:
@@ -266,8 +273,10 @@ def use_folder_as_file_system(folder, modules):
 
 control = open(3, "r+b")
 use_folder_as_file_system(sys.argv[1], OWN_FOLDER + "/modules")
-del sys.modules["flash"]
-sys.modules["_board"] = Hardware(control)
+del sys.modules["flash"], sys.modules["hardware"]
+board = hardware.Hardware(lambda cause: control.write(RESET_MESSAGES[cause]), report)
+hardware.board = board
+sys.modules["_board"] = hardware
 serial = SerialSide(control)
 System.stdin = TextInput(real_sys.stdin.buffer)
 System.stdout = TextOutput(BinaryOutput(serial))
