@@ -1,6 +1,7 @@
 #include "virtual_board.h"
 
 #include "descriptors.h"
+#include "local_socket.h"
 
 #include <poll.h>
 #include <unistd.h>
@@ -60,6 +61,10 @@ std::expected<VirtualBoard, std::string> VirtualBoard::Start(const std::string& 
     }
     std::vector<std::string> words{program, "--parent", std::to_string(getpid()), "--link",
                                    LinkIn(linkFolder)};
+    // In a temporary folder with a very long path the board works without its panel.
+    if (const auto pins = PinsIn(linkFolder); CanBeSocketPath(pins)) {
+        words.insert(words.end(), {"--pins", pins});
+    }
     words.insert(words.end(), {"--", folder});
     auto process = ChildProcess::Start(words, CurrentEnvironment());
     if (!process) {

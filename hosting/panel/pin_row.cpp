@@ -67,6 +67,11 @@ PinRow::PinRow(const QString& pin, QWidget* parent) : Card(pin, parent)
     Describe();
 }
 
+PinRow::~PinRow()
+{
+    delete button_;  // Releases the pin, by a signal of this row.
+}
+
 void PinRow::Show(const PinState& state)
 {
     const PinState before = std::exchange(state_, state);
