@@ -4,6 +4,7 @@
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPixmapCache>
 #include <QRadialGradient>
 
 #include <algorithm>
@@ -192,6 +193,39 @@ void DrawBoard(QPainter& painter)
     DrawLed(painter, 0);
 }
 
+void DrawCached(QPainter& painter, const QRectF& rect, const QString& key,
+                const std::function<void(QPainter& painter)>& draw)
+{
+    const QTransform transform = painter.worldTransform();
+    const QRect place = transform.mapRect(rect).toAlignedRect();
+    const double ratio = painter.device()->devicePixelRatioF();
+    // The place counts, too, because it need not be a whole number of pixels.
+    const QString fullKey = QString("quilp-%1-%2-%3-%4-%5-%6")
+                                .arg(key)
+                                .arg(place.x())
+                                .arg(place.y())
+                                .arg(place.width())
+                                .arg(place.height())
+                                .arg(ratio);
+    QPixmap pixmap;
+    if (!QPixmapCache::find(fullKey, &pixmap)) {
+        pixmap = QPixmap(place.size() * ratio);
+        pixmap.setDevicePixelRatio(ratio);
+        pixmap.fill(Qt::transparent);
+        QPainter inner(&pixmap);
+        inner.setRenderHint(QPainter::Antialiasing);
+        inner.setFont(painter.font());
+        inner.translate(-place.topLeft());
+        inner.setWorldTransform(transform, true);
+        draw(inner);
+        QPixmapCache::insert(fullKey, pixmap);
+    }
+    painter.save();
+    painter.resetTransform();
+    painter.drawPixmap(place.topLeft(), pixmap);
+    painter.restore();
+}
+
 void DrawGlow(QPainter& painter, QPointF center, double radius, const QColor& color, double level)
 {
     QColor inner = color;
@@ -223,9 +257,14 @@ void DrawLed(QPainter& painter, double brightness)
     painter.drawRoundedRect(lens, 3, 3);
 }
 
+QRectF ButtonLabelRect()
+{
+    return {kButtonRect.bottomLeft() + QPointF(0, 1), QSizeF(kButtonRect.width(), 12)};
+}
+
 void DrawButtonLabel(QPainter& painter, const QString& pin)
 {
-    DrawText(painter, {kButtonRect.center().x(), kButtonRect.bottom() + 7}, pin, 8, kSilk);
+    DrawText(painter, ButtonLabelRect().center(), pin, 8, kSilk);
 }
 
 QRectF PadRect(const Pad& pad)

@@ -14,6 +14,8 @@ namespace {
 
 // Assistive technology hears of the LED when it has not changed for this long.
 constexpr std::chrono::seconds kRest{1};
+// The LED is small: showing each of many changes costs more than it tells.
+constexpr std::chrono::milliseconds kUpdateInterval{50};
 
 // The icon of the board with its LED.
 class BoardIconEngine final : public QIconEngine {
@@ -69,6 +71,9 @@ BoardButton::BoardButton(const BoardMonitor& board, QMenu* menu, QWidget* parent
     setMenu(menu);
     connect(&board, &BoardMonitor::Changed, this, [this, &board] { ShowBoard(board); });
     ShowBoard(board);
+    updateTimer_.setSingleShot(true);
+    updateTimer_.setInterval(kUpdateInterval);
+    connect(&updateTimer_, &QTimer::timeout, this, [this] { update(); });
     restTimer_.setSingleShot(true);
     restTimer_.setInterval(kRest);
 }
@@ -87,7 +92,9 @@ void BoardButton::ShowLed(const PinsClient& pins)
     if (std::exchange(*brightness_, brightness) == brightness) {
         return;
     }
-    update();
+    if (!updateTimer_.isActive()) {
+        updateTimer_.start();
+    }
     if (!restTimer_.isActive()) {
         setAccessibleDescription({});
     }

@@ -24,5 +24,6 @@ class BoardButton final : public QToolButton {
     void ShowLed(const PinsClient& pins);
 
     std::shared_ptr<double> brightness_;  // Of the LED, from 0 to 1. Shared with the icon.
-    QTimer restTimer_;                    // Until the LED counts as at rest.
+    QTimer updateTimer_;                  // Until the LED is drawn.
+    QTimer restTimer_;                    // Until it counts as at rest.
 };
