@@ -111,8 +111,9 @@ class Hardware:
         finally:
             self.arm()
             self.is_scheduled = False
-        if self.runs_again:
-            _kill(_pid, SIGALRM)
+            if self.runs_again:
+                # Later, since a handler that interrupted this function would lose an interrupt.
+                _setitimer(0, self.retry, None)
 
     def call(self, function, argument):
         self.calls += 1
