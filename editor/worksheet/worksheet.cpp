@@ -3,6 +3,7 @@
 #include "editor_style.h"
 #include "link_marks.h"
 #include "on_demand_accessibility.h"
+#include "output_colors.h"
 #include "scintilla_text.h"
 #include "source_link.h"
 
@@ -14,8 +15,6 @@
 
 namespace {
 
-constexpr std::size_t kChunkSize = 65'536;      // bytes a turn
-constexpr std::size_t kMaxPending = 8'388'608;  // bytes
 // Removing lines moves the whole text, so many are removed at once.
 constexpr int kLinesAfterDrop = Worksheet::kMaxLines - Worksheet::kMaxLines / 20;
 constexpr long kBytesAfterDrop = Worksheet::kMaxBytes - Worksheet::kMaxBytes / 16;
@@ -167,14 +166,15 @@ bool IsRunChord(const QKeyEvent& event)
 
 }  // namespace
 
-Worksheet::Worksheet(QWidget* parent) : QsciScintilla(parent)
+Worksheet::Worksheet(QWidget* parent)
+    : QsciScintilla(parent),
+      feed_([this] { return LastColumn(); },
+            [this](const OutputChange& change) { follower_.Change([&] { Apply(change); }); })
 {
     SetUpEditor(*this);
     SetUpMargin(*this);
     SetUpLinks();
     ApplyColors();
-    appendTimer_.setSingleShot(true);
-    connect(&appendTimer_, &QTimer::timeout, this, &Worksheet::AppendChunk);
     markTimer_.setSingleShot(true);
     connect(&markTimer_, &QTimer::timeout, this, &Worksheet::MarkChanged);
 }
@@ -198,6 +198,7 @@ void Worksheet::SetUpLinks()
 void Worksheet::ApplyColors()
 {
     const auto& colors = ColorsFor(palette());
+    const auto& output = OutputColors(palette().color(QPalette::Base));
     setMarkerBackgroundColor(colors.link, kBeginningMarker);
     setIndicatorForegroundColor(colors.link, kLinkIndicator);
     setIndicatorHoverForegroundColor(colors.link, kLinkIndicator);
@@ -210,7 +211,7 @@ void Worksheet::ApplyColors()
         for (const bool isBold : {false, true}) {
             const QColor plain = palette().color(QPalette::Text);
             apply(NumberOf({color, isBold}),
-                  color < 0 ? plain : colors.output.at(static_cast<std::size_t>(color)), isBold);
+                  color < 0 ? plain : output.at(static_cast<std::size_t>(color)), isBold);
         }
     }
     apply(kTracebackStyle, colors.error, false);
@@ -227,20 +228,20 @@ void Worksheet::SetWraps(bool wraps)
 
 void Worksheet::FollowEnd()
 {
-    AppendPending();
+    feed_.Flush();
     follower_.FollowEnd();
 }
 
 void Worksheet::BeginCommand()
 {
-    AppendPending();
+    feed_.Flush();
     begins_ = true;
     caretBefore_ = Send(*this, SCI_GETCURRENTPOS);
 }
 
 void Worksheet::EndCommand()
 {
-    AppendPending();
+    feed_.Flush();
     const bool isSilent = std::exchange(begins_, false);
     const bool isCaretMoved =
         std::exchange(caretBefore_, -1) != Send(*this, SCI_GETCURRENTPOS) || hasSelectedText();
@@ -248,52 +249,13 @@ void Worksheet::EndCommand()
         return;
     }
     AppendLines({});
-    AppendPending();
+    feed_.Flush();
     follower_.Change([this] { Send(*this, SCI_SETEMPTYSELECTION, Length(*this)); });
 }
 
-void Worksheet::AppendLines(std::string_view utf8)
+qsizetype Worksheet::LastColumn() const
 {
-    AppendPending();
-    if (lineLength(lines() - 1) > 0) {
-        Append("\n");
-    }
-    Append(utf8);
-}
-
-void Worksheet::Append(std::string_view utf8)
-{
-    pending_ += utf8;
-    while (pending_.size() - consumed_ > kMaxPending) {
-        AppendChunk();
-    }
-    if (consumed_ < pending_.size() && !appendTimer_.isActive()) {
-        appendTimer_.start();
-    }
-}
-
-void Worksheet::AppendChunk()
-{
-    const auto part = std::string_view(pending_).substr(consumed_, kChunkSize);
-    const long lastLine = LineStart(*this, lines() - 1);
-    const long column = Send(*this, SCI_COUNTCODEUNITS, lastLine, Length(*this));
-    const auto change = parser_.Feed(part, column);
-    consumed_ += part.size();
-    if (consumed_ >= pending_.size() / 2) {
-        pending_.erase(0, std::exchange(consumed_, 0));
-    }
-    follower_.Change([&] { Apply(change); });
-    if (!pending_.empty()) {
-        appendTimer_.start();
-    }
-}
-
-void Worksheet::AppendPending()
-{
-    while (!pending_.empty()) {
-        AppendChunk();
-    }
-    appendTimer_.stop();
+    return Send(*this, SCI_COUNTCODEUNITS, LineStart(*this, lines() - 1), Length(*this));
 }
 
 void Worksheet::Apply(const OutputChange& change)
@@ -322,11 +284,6 @@ void Worksheet::Apply(const OutputChange& change)
     DropOldLines();
 }
 
-void Worksheet::EndOutput()
-{
-    Append("\x1b[m");
-}
-
 void Worksheet::DropOldLines()
 {
     long dropped = 0;
@@ -352,7 +309,7 @@ void Worksheet::DropOldLines()
 
 QString Worksheet::Content()
 {
-    AppendPending();
+    feed_.Flush();
     return TextOf(*this);
 }
 
@@ -369,11 +326,8 @@ void Worksheet::SetContent(const QString& text)
 
 void Worksheet::ClearAll()
 {
-    pending_.clear();
-    consumed_ = 0;
-    appendTimer_.stop();
+    feed_.Clear();
     unchanged_.reset();
-    parser_ = {};
     chosen_ = -1;
     caretBefore_ = std::min(caretBefore_, 0L);
     const NotificationBlocker blocker(*this);
@@ -410,7 +364,7 @@ void Worksheet::MarkChanged()
 
 bool Worksheet::GoToNextLink()
 {
-    AppendPending();
+    feed_.Flush();
     const long line = Send(*this, SCI_MARKERLINEFROMHANDLE, chosen_);
     auto link = FirstLinkFrom(*this, line < 0 ? NewestTraceback(*this) : LineEnd(*this, line));
     if (!link) {
@@ -421,7 +375,7 @@ bool Worksheet::GoToNextLink()
 
 bool Worksheet::GoToPreviousLink()
 {
-    AppendPending();
+    feed_.Flush();
     const long line = Send(*this, SCI_MARKERLINEFROMHANDLE, chosen_);
     auto link = line < 0 ? std::nullopt : LastLinkBefore(*this, LineStart(*this, line));
     link = link ? link : LastLinkBefore(*this, Length(*this));
