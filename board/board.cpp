@@ -142,7 +142,7 @@ void Board::RestartInterpreter()
 {
     interruptDeadline_.reset();
     interpreter_.reset();
-    auto started = Interpreter::Start(options_.interpreter, options_.folder);
+    auto started = Interpreter::Start(options_.interpreter, options_.folder, options_.heap);
     if (started) {
         interpreter_.emplace(std::move(*started));
     } else {

@@ -11,8 +11,9 @@
 
 struct BoardOptions {
     InterpreterFiles interpreter;
-    std::string folder;  // The folder that is the board's file system; must exist.
-    std::string link;    // A stable path that links to the serial device; may be empty.
+    std::string folder;              // The folder that is the board's file system; must exist.
+    std::string link;                // A stable path that links to the serial device; may be empty.
+    std::size_t heap = 256UL << 10;  // bytes of memory that programs have
 };
 
 // A MicroPython board: an interpreter that is accessed through a serial line and whose file system
@@ -29,6 +30,10 @@ class Board final : private ReplTarget {
 
     // The path of the serial device. Must be called only while the board is plugged in.
     const std::string& devicePath() const { return port_->devicePath(); }
+
+    // What of this computer programs can reach because the system cannot forbid it; usually empty.
+    // Must be called only while the board is plugged in.
+    const std::string& reachable() const { return interpreter_->reachable(); }
 
     // Runs the board until the byte 'q' arrives on the descriptor `commands`; 'u' unplugs the
     // board, and 'p' plugs it in again. The error is a sentence.

@@ -135,6 +135,10 @@ int main(int argc, char** argv)
     if (const auto plugged = board.Plug(); !plugged) {
         return Fail(plugged.error());
     }
+    if (!board.reachable().empty()) {
+        std::fprintf(stderr, "virtual-board: warning: programs can reach %s\n",
+                     board.reachable().c_str());
+    }
     std::printf("%s\n", board.devicePath().c_str());
     std::fflush(stdout);
     const auto served = board.Run(commands);

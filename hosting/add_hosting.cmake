@@ -19,6 +19,15 @@ function(add_hosting name qt kit)
     output/output_text.cpp
     output/source_link.cpp
     output/text_style.cpp
+    panel/board_drawing.cpp
+    panel/board_panel.cpp
+    panel/board_picture.cpp
+    panel/board_state.cpp
+    panel/card.cpp
+    panel/input_button.cpp
+    panel/pin_row.cpp
+    panel/pins_client.cpp
+    panel/pixel_strip.cpp
     plugin/command_paths.cpp
     plugin/plugin_actions.cpp
     plugin/plugin_commands.cpp
@@ -43,7 +52,7 @@ function(add_hosting name qt kit)
   list(TRANSFORM sources PREPEND "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/")
   add_library(${name} STATIC ${sources})
   set_target_properties(${name} PROPERTIES AUTOMOC ON)
-  set(folders board output plugin prompt widgets)
+  set(folders board output panel plugin prompt widgets)
   list(TRANSFORM folders PREPEND "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/")
   target_include_directories(${name} PUBLIC "${CMAKE_CURRENT_FUNCTION_LIST_DIR}" ${folders})
   target_link_libraries(${name}

@@ -16,28 +16,14 @@ namespace {
 constexpr char16_t kEscape = 0xDC00;  // Added to a byte that is not part of UTF-8.
 constexpr char16_t kFirstEscaped = kEscape + 0x80;
 constexpr char16_t kLastEscaped = kEscape + 0xFF;
-constexpr std::size_t kMaxSequence = 4;  // bytes
 constexpr const char* kFileUrl = "file://";
 
-bool IsUtf8(std::string_view bytes)
+// The part at the beginning that is UTF-8.
+std::string_view ValidStart(std::string_view bytes)
 {
-    return g_utf8_validate(bytes.data(), static_cast<gssize>(bytes.size()), nullptr) != FALSE;
-}
-
-QString FromUtf8(std::string_view bytes)
-{
-    return QString::fromUtf8(bytes.data(), static_cast<QtSize>(bytes.size()));
-}
-
-// The length of the UTF-8 sequence at the beginning; 0 if there is none.
-std::size_t SequenceLength(std::string_view bytes)
-{
-    for (std::size_t length = 1; length <= std::min(kMaxSequence, bytes.size()); ++length) {
-        if (IsUtf8(bytes.substr(0, length))) {
-            return length;
-        }
-    }
-    return 0;
+    const char* end = nullptr;
+    g_utf8_validate_len(bytes.data(), bytes.size(), &end);
+    return {bytes.data(), end};
 }
 
 bool IsEscaped(QChar character)
@@ -57,19 +43,16 @@ QStringList ConvertAll(const QStringList& texts, Convert convert)
 
 QString PathToText(const std::string& path)
 {
-    const std::string_view bytes(path);
-    if (IsUtf8(bytes)) {
-        return FromUtf8(bytes);
-    }
     QString text;
-    for (std::size_t at = 0; at < bytes.size();) {
-        const auto length = SequenceLength(bytes.substr(at));
-        if (length > 0) {
-            text += FromUtf8(bytes.substr(at, length));
-        } else {
-            text += QChar(static_cast<char16_t>(kEscape + static_cast<unsigned char>(bytes[at])));
+    for (std::string_view rest = path; !rest.empty();) {
+        const auto valid = ValidStart(rest);
+        text += QString::fromStdString(std::string(valid));
+        rest.remove_prefix(valid.size());
+        if (!rest.empty()) {
+            text +=
+                QChar(static_cast<char16_t>(kEscape + static_cast<unsigned char>(rest.front())));
+            rest.remove_prefix(1);
         }
-        at += std::max<std::size_t>(length, 1);
     }
     return text;
 }
@@ -106,7 +89,7 @@ QString PathFromStored(const QString& stored)
 {
     return stored.startsWith(kFileUrl)
                ? PathFromPercentEncoding(
-                     stored.mid(static_cast<qsizetype>(qstrlen(kFileUrl))).toUtf8())
+                     stored.mid(static_cast<QtSize>(qstrlen(kFileUrl))).toUtf8())
                : stored;
 }
 
