@@ -30,7 +30,7 @@ constexpr const char* kHistoryEntry = "PromptHistory";
 QKeySequence DefaultKeys(const QString& action)
 {
     static const QHash<QString, QString> keys{
-        {"QuilpRun", "Ctrl+Alt+R"}, {"QuilpStop", "Ctrl+Alt+S"}, {"quilp_menu", "Ctrl+Alt+Return"}};
+        {"QuilpRun", "Ctrl+Alt+R"}, {"QuilpStop", "Ctrl+Alt+S"}, {"quilp_menu", "Ctrl+Alt+M"}};
     return keys.value(action);
 }
 
@@ -102,6 +102,7 @@ void KateWindow::MakeToolView(KTextEditor::Plugin& plugin)
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     pane_ = new OutputPane(host_.output(), content);
+    pane_->setObjectName("micropython_output");
     pane_->setAccessibleName(tr("Output"));
     column->addWidget(pane_, 1);
     auto* const row = new QHBoxLayout;
@@ -151,6 +152,9 @@ void KateWindow::AddCommands()
         auto* const action =
             Add(QString::fromStdString(command.name), CommandLabel(command), perform);
         action->setToolTip(QString::fromStdString(command.description));
+        if (command.name == "QuilpRun" || command.name == "QuilpStop") {
+            action->setIcon(ActionIcon(command.name == "QuilpRun" ? Action::Run : Action::Stop));
+        }
         commandActions_.append(action);
     }
     Add("quilp_device_window", tr("&Device Window"),
