@@ -22,7 +22,7 @@ constexpr std::string_view kInterruptedTraceback =
 constexpr std::chrono::seconds kInterruptTimeout{5};
 
 // How often to check for a client if the system does not report one.
-constexpr int kPollIntervalMilliseconds = 20;
+constexpr std::chrono::milliseconds kPollInterval{20};
 
 }  // namespace
 
@@ -37,6 +37,7 @@ std::expected<void, std::string> Board::Plug()
     }
     port_.reset();
     port_.emplace(std::move(*port));
+    folderGuard_.emplace(options_.folder);
     RestartInterpreter();
     if (!failure_.empty()) {
         return std::unexpected(failure_);
@@ -49,6 +50,7 @@ void Board::Unplug()
 {
     interpreter_.reset();
     port_.reset();
+    folderGuard_.reset();
     interruptDeadline_.reset();
 }
 
@@ -89,6 +91,7 @@ void Board::Poll(int commands)
         }
         ReceiveFromClient((line.revents & POLLPRI) != 0);
         ResetIfStuck();
+        ResetIfOverfull();
         port_->Flush();
         if (interpreter_) {
             interpreter_->FlushInput();
@@ -112,15 +115,18 @@ void Board::Serve(int commands)
 
 int Board::TimeoutMilliseconds() const
 {
-    const bool pollsForClient = port_ && !port_->hasClient() && port_->clientEventsFd() < 0;
-    const int pollTimeout = pollsForClient ? kPollIntervalMilliseconds : -1;
-    if (!interruptDeadline_) {
-        return pollTimeout;
+    if (!port_) {
+        return -1;
     }
-    const auto left =
-        std::chrono::ceil<std::chrono::milliseconds>(*interruptDeadline_ - Clock::now());
-    const int interruptTimeout = std::max(0, static_cast<int>(left.count()));
-    return pollTimeout < 0 ? interruptTimeout : std::min(interruptTimeout, pollTimeout);
+    Clock::time_point next = folderGuard_->nextCheck();
+    if (!port_->hasClient() && port_->clientEventsFd() < 0) {
+        next = std::min(next, Clock::now() + kPollInterval);
+    }
+    if (interruptDeadline_) {
+        next = std::min(next, *interruptDeadline_);
+    }
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(next - Clock::now());
+    return std::max(0, static_cast<int>(left.count()));
 }
 
 void Board::Send(std::string_view text)
@@ -142,7 +148,7 @@ void Board::RestartInterpreter()
 {
     interruptDeadline_.reset();
     interpreter_.reset();
-    auto started = Interpreter::Start(options_.interpreter, options_.folder);
+    auto started = Interpreter::Start(options_.interpreter, options_.folder, options_.heap);
     if (started) {
         interpreter_.emplace(std::move(*started));
     } else {
@@ -284,5 +290,18 @@ void Board::ResetIfStuck()
 {
     if (interruptDeadline_ && Clock::now() >= *interruptDeadline_) {
         FinishProgram(Outcome::Error, kInterruptedTraceback, true);
+    }
+}
+
+void Board::ResetIfOverfull()
+{
+    if (!folderGuard_->IsOverfull()) {
+        return;
+    }
+    constexpr std::string_view reason = "the board's files are larger than its flash";
+    if (interpreter_ && interpreter_->busy()) {
+        FinishProgram(Outcome::Error, std::string(reason) + "\n", true);
+    } else {
+        RestartInterpreter();
     }
 }

@@ -3,6 +3,8 @@
 Descriptor 3 is a socket to the serial side. All messages consist of a header of
 18 bytes, "KIND SEQUENCE LENGTH", and a text. The kinds of requests are E
 (statements), S (one interactive line) and F (the name of a file on the board).
+The first request is P: its sequence number is a descriptor and its text a filter,
+by which the process confines itself; its answer says what that could not forbid.
 A request is answered by C as soon as it is compiled, since only then it may be
 interrupted, and at its end by N (finished normally), E (failed with this
 traceback) or X (called sys.exit). Meanwhile, B sends binary output, and L says
@@ -19,7 +21,9 @@ import sys
 import time
 import vfs
 
+from confinement import confine
 from flash import MODULES, Flash
+from stand_ins import hide_computer
 
 HEADER_SIZE = 18
 # A message must fit into the socket's buffer, so that an interrupt cannot split it.
@@ -225,12 +229,16 @@ def receive(channel, length):
         return None
 
 
-def serve(channel):
+def confined(channel):
+    header = channel.read(HEADER_SIZE)
+    return confine(int(header[1:9]), channel.read(int(header[10:18])))
+
+
+def serve(channel, text):
     namespace = {"__name__": "__main__"}
-    # The sequence number of the request that has not been answered. The first answer, which has no
-    # request, reports that the interpreter has started.
+    # The sequence number of the request that has not been answered, at first P.
     sequence = 0
-    status, text = "N", ""
+    status = "N"
     while True:
         try:
             if sequence is not None:
@@ -265,16 +273,18 @@ def use_folder_as_file_system(folder, modules):
 
 
 control = open(3, "r+b")
+hide_computer()
 use_folder_as_file_system(sys.argv[1], OWN_FOLDER + "/modules")
-del sys.modules["flash"]
+for name in ("confinement", "flash", "stand_ins"):
+    del sys.modules[name]
 sys.modules["_board"] = Hardware(control)
 serial = SerialSide(control)
 System.stdin = TextInput(real_sys.stdin.buffer)
 System.stdout = TextOutput(BinaryOutput(serial))
 builtins.input = input_function(serial)
-sys.modules["sys"] = System()
+sys.modules["sys"] = sys.modules["usys"] = System()
 sys.modules["micropython"] = Micropython(control)
 try:
-    serve(control)
+    serve(control, confined(control))
 except MemoryError:
     pass  # An interrupt has cut off a garbage collection, which leaves the heap locked.

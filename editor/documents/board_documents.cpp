@@ -253,7 +253,7 @@ void BoardDocuments::AbortSave(DocumentPage& page, const QString& problem,
     page.document().AbortSave();
     page.SetSavesAgain(false);
     tabs_.ShowState(page);
-    std::vector<MessageBar::Choice> choices;
+    std::vector<MessageChoice> choices;
     if (!overwriteLabel.isEmpty()) {
         choices.push_back({overwriteLabel, [this, &page] {
                                page.document().boardFile()->mayOverwrite = true;

@@ -22,7 +22,7 @@ DocumentPage::DocumentPage(const QString& name, std::string recoveryId)
     editor_->SetLanguage(TextEditor::Language::Python);  // The language of most new documents.
 }
 
-void DocumentPage::ShowMessage(const QString& text, const std::vector<MessageBar::Choice>& choices)
+void DocumentPage::ShowMessage(const QString& text, const std::vector<MessageChoice>& choices)
 {
     messages_->ShowMessage(text, choices);
 }

@@ -17,7 +17,7 @@ class DocumentPage final : public QWidget {
     TextEditor& editor() { return *editor_; }
     Document& document() { return document_; }
     // Shows a message about the file above the text. The choices may use this page.
-    void ShowMessage(const QString& text, const std::vector<MessageBar::Choice>& choices);
+    void ShowMessage(const QString& text, const std::vector<MessageChoice>& choices);
     // Hides the message about the file when it no longer applies.
     void HideMessage();
     const std::string& recoveryId() const { return recoveryId_; }

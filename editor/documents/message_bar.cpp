@@ -11,7 +11,7 @@ MessageBar::MessageBar(QWidget* parent) : QFrame(parent)
     hide();
 }
 
-void MessageBar::ShowMessage(const QString& text, const std::vector<Choice>& choices)
+void MessageBar::ShowMessage(const QString& text, const std::vector<MessageChoice>& choices)
 {
     delete layout();
     qDeleteAll(findChildren<QWidget*>(Qt::FindDirectChildrenOnly));

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "host_messages.h"
+
 #include <QFrame>
 
-#include <functional>
 #include <vector>
 
 // A message with buttons, shown above the text that it concerns. Pressing a button closes it. It
@@ -11,15 +12,10 @@ class MessageBar final : public QFrame {
     Q_OBJECT
 
   public:
-    struct Choice {
-        QString label;
-        std::function<void()> action;
-    };
-
     explicit MessageBar(QWidget* parent);
 
     // Replaces the previous message.
-    void ShowMessage(const QString& text, const std::vector<Choice>& choices);
+    void ShowMessage(const QString& text, const std::vector<MessageChoice>& choices);
     bool IsShowing() const { return !isHidden(); }
 
   protected:

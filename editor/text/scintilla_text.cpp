@@ -40,6 +40,23 @@ QString TextOf(const QsciScintillaBase& editor)
     return TextBetween(editor, 0, Length(editor));
 }
 
+QString CodeAtCaret(const QsciScintillaBase& editor)
+{
+    long start = Send(editor, QsciScintilla::SCI_GETSELECTIONSTART);
+    long end = Send(editor, QsciScintilla::SCI_GETSELECTIONEND);
+    const long line = LineAt(editor, start);
+    const long lineStart = LineStart(editor, line);
+    const bool isWholeLine = start == end;
+    if (isWholeLine) {
+        end = LineEnd(editor, line);
+    }
+    // The first line's indentation belongs to the code.
+    if (isWholeLine || TextBetween(editor, lineStart, start).trimmed().isEmpty()) {
+        start = lineStart;
+    }
+    return TextBetween(editor, start, end);
+}
+
 void ReplaceBetween(QsciScintillaBase& editor, long start, long end, const QByteArray& utf8)
 {
     Send(editor, Sci::SCI_SETTARGETRANGE, start, end);

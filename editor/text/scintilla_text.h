@@ -22,6 +22,8 @@ long LineEnd(const QsciScintillaBase& editor, long line);  // Before the line en
 QByteArray BytesBetween(const QsciScintillaBase& editor, long start, long end);
 QString TextBetween(const QsciScintillaBase& editor, long start, long end);
 QString TextOf(const QsciScintillaBase& editor);
+// The selection, or the caret's line if nothing is selected, with its indentation.
+QString CodeAtCaret(const QsciScintillaBase& editor);
 
 // Replaces text in one undo step. Preserves a selection outside the replaced range.
 void ReplaceBetween(QsciScintillaBase& editor, long start, long end, const QByteArray& utf8);

@@ -1,30 +1,29 @@
 #include "editor_menus.h"
 
 #include "appearance.h"
+#include "board_documents.h"
 #include "board_menu.h"
-#include "board_monitor.h"
 #include "board_prompt.h"
 #include "commands_menu.h"
 #include "document_tabs.h"
 #include "editor_style.h"
 #include "file_actions.h"
 #include "find_bar.h"
+#include "front_saver.h"
 #include "help_window.h"
 #include "input_field.h"
 #include "message_area.h"
-#include "path_text.h"
 #include "plugin_actions.h"
 #include "project.h"
+#include "scintilla_text.h"
 #include "text_actions.h"
 #include "text_editor.h"
 #include "worksheet.h"
 #include "worksheet_actions.h"
 
 #include <QActionGroup>
-#include <QDesktopServices>
 #include <QMainWindow>
 #include <QMenuBar>
-#include <QUrl>
 
 #include <utility>
 
@@ -208,8 +207,9 @@ void EditorMenus::MakeCommandsMenu()
     auto* const menu = commandsMenu_;
     parts_.window.menuBar()->addMenu(menu);
     Add(menu, tr("S&tatus"), {}, [this] { parts_.commands.ShowStatus(); });
-    AddForDocument(menu, tr("Run Se&lection on Board"), QKeySequence("Ctrl+Return"),
-                   [this](DocumentPage& page) { parts_.prompt.RunSelection(page.editor()); });
+    AddForDocument(
+        menu, tr("Run Se&lection on Board"), QKeySequence("Ctrl+Return"),
+        [this](DocumentPage& page) { parts_.prompt.RunLines(CodeAtCaret(page.editor())); });
     menu->addSeparator();
     Add(menu, tr("Show Command &Menu"), QKeySequence("Alt+Return"),
         [this] { Q_EMIT CommandMenuRequested(); });
@@ -219,9 +219,9 @@ void EditorMenus::MakeCommandsMenu()
     auto* const saves = Add(menu, tr("Save &before Commands"), {}, [] {});
     saves->setCheckable(true);
     connect(saves, &QAction::toggled, this,
-            [this](bool checked) { parts_.commands.SetSavesFirst(checked); });
+            [this](bool checked) { parts_.frontSaver.SetSavesFirst(checked); });
     connect(menu, &QMenu::aboutToShow, saves,
-            [this, saves] { saves->setChecked(parts_.commands.savesFirst()); });
+            [this, saves] { saves->setChecked(parts_.frontSaver.savesFirst()); });
     Add(menu, tr("S&hortcuts…"), {}, [menu] { menu->ChangeShortcuts(); });
 }
 
@@ -296,17 +296,10 @@ void EditorMenus::MakeBoardMenu()
 {
     boardMenu_ = new BoardMenu(parts_.boardActions, parts_.board, &parts_.window);
     parts_.window.menuBar()->addMenu(boardMenu_);
-    connect(boardMenu_, &BoardMenu::FolderRequested, this, &EditorMenus::ShowBoardFolder);
+    boardMenu_->AddOpenFile([this](const std::string& path) { parts_.boardDocuments.Open(path); })
+        ->setShortcut(QKeySequence("Ctrl+Shift+O"));
     connect(boardMenu_, &BoardMenu::DeviceWindowRequested, &parts_.commands,
             &PluginActions::OpenDeviceWindow);
-}
-
-void EditorMenus::ShowBoardFolder()
-{
-    const QString folder = PathToText(parts_.board.boardFolder());
-    if (!IsFolder(folder) || !QDesktopServices::openUrl(QUrl::fromLocalFile(folder))) {
-        parts_.messages.Report(tr("The virtual board's files are in %1.").arg(folder));
-    }
 }
 
 void EditorMenus::MakeHelpMenu()

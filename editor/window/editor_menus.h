@@ -55,7 +55,6 @@ class EditorMenus final : public QObject {
     void MakeWorksheetMenu();
     void MakeBoardMenu();
     void MakeHelpMenu();
-    void ShowBoardFolder();
 
     EditorParts parts_;
     CommandsMenu* commandsMenu_;      // Owned by the window.

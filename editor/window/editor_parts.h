@@ -1,11 +1,13 @@
 #pragma once
 
 class BoardActions;
+class BoardDocuments;
 class BoardMonitor;
 class BoardPrompt;
 class DocumentTabs;
 class FileActions;
 class FindBar;
+class FrontSaver;
 class InputField;
 class MessageArea;
 class PluginActions;
@@ -29,8 +31,10 @@ struct EditorParts {
     BoardMonitor& board;
     FileActions& files;
     TextActions& texts;
+    FrontSaver& frontSaver;
     PluginActions& commands;
     WorksheetActions& worksheetActions;
     BoardPrompt& prompt;
     BoardActions& boardActions;
+    BoardDocuments& boardDocuments;
 };

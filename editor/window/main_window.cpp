@@ -1,16 +1,22 @@
 #include "main_window.h"
 
 #include "board_actions.h"
+#include "board_button.h"
+#include "board_documents.h"
 #include "board_menu.h"
 #include "board_prompt.h"
+#include "board_questions.h"
+#include "command_activity.h"
 #include "command_progress.h"
 #include "commands_menu.h"
 #include "control_tool_bar.h"
 #include "dropped_files.h"
 #include "editor_menus.h"
 #include "editor_status_bar.h"
+#include "editor_style.h"
 #include "file_actions.h"
 #include "find_bar.h"
+#include "front_saver.h"
 #include "help_window.h"
 #include "input_field.h"
 #include "message_area.h"
@@ -138,18 +144,52 @@ void MainWindow::MakeActions()
     files_ = new FileActions(*tabs_, *project_, *messages_, this);
     texts_ = new TextActions(*tabs_, *worksheet_, *findBar_, *splitter_);
     texts_->setParent(this);
-    commands_ = new PluginActions(host_, *tabs_, *messages_, this);
+    frontSaver_ = new FrontSaver(*tabs_, *messages_, this);
+    commands_ = new PluginActions(
+        host_, *messages_, [this] { return frontSaver_->Save(); }, this);
     worksheetActions_ = new WorksheetActions(*worksheet_, *tabs_, *project_, *board_, *messages_);
     worksheetActions_->setParent(this);
     prompt_ = new BoardPrompt(runtime_, {*input_, *worksheet_, tool_, monitor_, *messages_}, this);
     worksheetActions_->SetProgramFolder(ResourceFolder(plugin_.bundle()) + "/../../bin");
-    boardActions_ = new BoardActions({*this, tool_, *board_, *tabs_, *worksheet_, *messages_});
-    const EditorParts parts{*this,       *splitter_, *messages_,         *tabs_,   *findBar_,
-                            *worksheet_, *input_,    *project_,          *board_,  *files_,
-                            *texts_,     *commands_, *worksheetActions_, *prompt_, *boardActions_};
+    const BoardActions::Parts boardParts{
+        .window = [this] { return this; },
+        .tool = tool_,
+        .board = *board_,
+        .output = *worksheet_,
+        .messages = *messages_,
+    };
+    boardActions_ = new BoardActions(boardParts, this);
+    new BoardQuestions(*boardActions_, monitor_, boardParts, this);
+    boardDocuments_ = new BoardDocuments(*tabs_, tool_, *board_, this);
+    const EditorParts parts{.window = *this,
+                            .splitter = *splitter_,
+                            .messages = *messages_,
+                            .tabs = *tabs_,
+                            .findBar = *findBar_,
+                            .worksheet = *worksheet_,
+                            .input = *input_,
+                            .project = *project_,
+                            .board = *board_,
+                            .files = *files_,
+                            .texts = *texts_,
+                            .frontSaver = *frontSaver_,
+                            .commands = *commands_,
+                            .worksheetActions = *worksheetActions_,
+                            .prompt = *prompt_,
+                            .boardActions = *boardActions_,
+                            .boardDocuments = *boardDocuments_};
     menus_ = new EditorMenus(parts, shortcuts_);
     session_ = std::make_unique<SessionKeeper>(folders_, shortcuts_, parts);
-    status_ = new EditorStatusBar(&menus_->boardMenu(), this);
+    MakeStatusBar();
+}
+
+void MainWindow::MakeStatusBar()
+{
+    auto* const activity = new CommandActivity(monitor_, this);
+    connect(boardActions_, &BoardActions::UploadNoteChanged, activity,
+            &CommandActivity::SetUploadNote);
+    status_ =
+        new EditorStatusBar(activity, new BoardButton(*board_, &menus_->boardMenu(), this), this);
     setStatusBar(status_);
 }
 
@@ -162,8 +202,7 @@ void MainWindow::MakeToolBar()
     menus_->AddDocumentAction(
         toolBar_->AddButton(Action::Save, tr("Save"), [this] { tabs_->saver().SaveFront(); }));
     toolBar_->addSeparator();
-    progress_.reset(new CommandProgress(monitor_, tool_,
-                                        {*status_, *toolBar_, *messages_, *commands_, shortcuts_}));
+    progress_.reset(new CommandProgress(monitor_, {*toolBar_, *commands_, shortcuts_}));
 }
 
 void MainWindow::ConnectParts()
@@ -172,12 +211,6 @@ void MainWindow::ConnectParts()
     connect(tabs_, &DocumentTabs::Failed, messages_, &MessageArea::Report);
     connect(tabs_, &DocumentTabs::FilesDropped, this, &MainWindow::OpenFiles);
     connect(project_, &Project::Changed, this, &MainWindow::ShowProject);
-    connect(board_, &BoardMonitor::Changed, this, [this] { status_->ShowBoard(*board_); });
-    connect(progress_.get(), &CommandProgress::BoardFailed, boardActions_,
-            &BoardActions::OfferVirtualBoard);
-    connect(boardActions_, &BoardActions::UploadNoteChanged, progress_.get(),
-            &CommandProgress::SetUploadNote);
-    connect(board_, &BoardMonitor::Failed, messages_, &MessageArea::Report);
     connect(&menus_->commandsMenu(), &CommandsMenu::Chosen, commands_, &PluginActions::Perform);
     connect(menus_, &EditorMenus::CommandMenuRequested, this,
             [this] { commands_->OpenPopUp(toolBar_->FirstControl()); });
@@ -185,6 +218,8 @@ void MainWindow::ConnectParts()
     connect(toolBar_, &ControlToolBar::ControlPressed, commands_, &PluginActions::PressControl);
     connect(toolBar_, &ControlToolBar::MenuRequested, commands_, &PluginActions::OpenPopUp);
     connect(input_, &InputField::Left, texts_, &TextActions::GoToDocument);
+    connect(worksheet_, &QsciScintilla::SCN_ZOOM, this, &MainWindow::ShowInputFont);
+    ShowInputFont();
     connect(&diskTimer_, &QTimer::timeout, this, &MainWindow::CheckDisk);
     diskTimer_.start(kDiskCheckInterval);
     controlsTimer_.setSingleShot(true);
@@ -194,7 +229,6 @@ void MainWindow::ConnectParts()
     runtime_.handlers.warning = [this](const std::string& text) {
         messages_->Report(QString::fromStdString(text));
     };
-    status_->ShowBoard(*board_);
 }
 
 std::expected<void, std::string> MainWindow::Start()
@@ -242,7 +276,11 @@ void MainWindow::ShowFront()
     auto* const page = tabs_->FrontPage();
     const auto* const front = tabs_->Front();
     const std::string path = front != nullptr ? RunPathOf(*front) : std::string();
-    host_.SetDocument(path, front != nullptr && path.empty() && !front->IsPristine());
+    if (front != nullptr && path.empty() && !front->IsPristine()) {
+        host_.SetDocument({}, true);
+    } else {
+        host_.SetDocument(path);
+    }
     if (findBar_->editor() != worksheet_) {
         findBar_->SetEditor(page != nullptr ? &page->editor() : nullptr);
     }
@@ -282,6 +320,14 @@ void MainWindow::OfferLongLine(const QString& text)
 void MainWindow::ShowPosition()
 {
     status_->ShowDocument(tabs_->FrontPage());
+}
+
+void MainWindow::ShowInputFont()
+{
+    QFont font = EditorFont();
+    font.setPointSize(font.pointSize() +
+                      static_cast<int>(worksheet_->SendScintilla(QsciScintilla::SCI_GETZOOM)));
+    input_->SetTextFont(font);
 }
 
 void MainWindow::ShowProject()

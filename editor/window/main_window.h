@@ -17,13 +17,16 @@
 #include <string>
 
 class BoardActions;
+class BoardDocuments;
 class BoardPrompt;
+class CommandActivity;
 class CommandProgress;
 class ControlToolBar;
 class EditorMenus;
 class EditorStatusBar;
 class FileActions;
 class FindBar;
+class FrontSaver;
 class HelpWindow;
 class InputField;
 class MessageArea;
@@ -83,11 +86,13 @@ class MainWindow final : public QMainWindow {
   private:
     void MakeCentralWidget(const std::string& recoveryRoot);
     void MakeActions();
+    void MakeStatusBar();
     void MakeToolBar();
     void ConnectParts();
     void ShowFront();
     void ConnectFront();
     void ShowPosition();
+    void ShowInputFont();
     void OfferLongLine(const QString& text);
     void ShowProject();
     void ShowControls();
@@ -121,10 +126,12 @@ class MainWindow final : public QMainWindow {
     InputField* input_ = nullptr;
     FileActions* files_ = nullptr;
     TextActions* texts_ = nullptr;
+    FrontSaver* frontSaver_ = nullptr;
     PluginActions* commands_ = nullptr;
     WorksheetActions* worksheetActions_ = nullptr;
     BoardPrompt* prompt_ = nullptr;
     BoardActions* boardActions_ = nullptr;
+    BoardDocuments* boardDocuments_ = nullptr;
     EditorMenus* menus_ = nullptr;
     ControlToolBar* toolBar_ = nullptr;
     EditorStatusBar* status_ = nullptr;

@@ -1,6 +1,5 @@
 #include "message_area.h"
 
-#include "board_ports.h"
 #include "message_bar.h"
 
 #include <QPushButton>
@@ -68,37 +67,15 @@ void MessageArea::OfferLongLineFile(const QString& path, qint64 line,
     longLine_->ShowMessage(text, {{tr("Open Anyway"), openAll}, {tr("Do Not Open"), [] {}}});
 }
 
-void MessageArea::OfferUpload(const QString& message, const std::function<void()>& uploadAgain)
+void MessageArea::Ask(Topic topic, const QString& question,
+                      const std::vector<MessageChoice>& choices)
 {
-    upload_->ShowMessage(message, {{tr("Upload Again"), uploadAgain}, {tr("OK"), [] {}}});
+    BarOf(topic).ShowMessage(question, choices);
 }
 
-void MessageArea::WithdrawUpload()
+void MessageArea::Withdraw(Topic topic)
 {
-    upload_->hide();
-}
-
-void MessageArea::OfferVirtualBoard(const QString& problem, const std::function<void()>& attach)
-{
-    boards_->ShowMessage(problem + " " + tr("The virtual board runs programs, too."),
-                         {{tr("Attach Virtual Board"), attach}, {tr("OK"), [] {}}});
-}
-
-void MessageArea::OfferBoards(const std::vector<BoardPort>& ports,
-                              const std::function<void(const BoardPort& port)>& choose)
-{
-    std::vector<MessageBar::Choice> choices;
-    choices.reserve(ports.size() + 1);
-    for (const auto& port : ports) {
-        choices.push_back({DescribePort(port), [choose, port] { choose(port); }});
-    }
-    choices.push_back({tr("Later"), [] {}});
-    boards_->ShowMessage(tr("Several boards are attached. Which one do you want to use?"), choices);
-}
-
-void MessageArea::WithdrawBoards()
-{
-    boards_->hide();
+    BarOf(topic).hide();
 }
 
 void MessageArea::OfferLongLineText(const std::function<void()>& insert)

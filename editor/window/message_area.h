@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host_messages.h"
+
 #include <QStringList>
 #include <QWidget>
 
@@ -7,18 +9,20 @@
 #include <vector>
 
 class MessageBar;
-struct BoardPort;
 
 // The messages above the documents. Each kind has its own bar, so that messages of different kinds
 // do not replace one another. [ui]
-class MessageArea final : public QWidget {
+class MessageArea final : public QWidget, public HostMessages {
     Q_OBJECT
 
   public:
     explicit MessageArea(QWidget* parent);
 
-    // Shows a message. Messages that the user has not yet dismissed remain, up to a few lines.
-    void Report(const QString& message);
+    // Messages that the user has not yet dismissed remain, up to a few lines.
+    void Report(const QString& message) override;
+    void Ask(Topic topic, const QString& question,
+             const std::vector<MessageChoice>& choices) override;
+    void Withdraw(Topic topic) override;
 
     // Asks what to do with unsaved texts of an editor that crashed.
     void OfferRecovery(const QStringList& names, const std::function<void()>& recover,
@@ -29,18 +33,6 @@ class MessageArea final : public QWidget {
     void OfferLongLineFile(const QString& path, qint64 line,
                            const std::function<void(const QString& path)>& open);
 
-    // Reports that an upload was stopped, until another one starts.
-    void OfferUpload(const QString& message, const std::function<void()>& uploadAgain);
-    void WithdrawUpload();
-
-    // Offers the virtual board because no board, or not the chosen one, is attached.
-    void OfferVirtualBoard(const QString& problem, const std::function<void()>& attach);
-    // Asks which of several boards to use.
-    void OfferBoards(const std::vector<BoardPort>& ports,
-                     const std::function<void(const BoardPort& port)>& choose);
-    // A board is attached, or chosen.
-    void WithdrawBoards();
-
     // Asks whether to insert a text with such a line.
     void OfferLongLineText(const std::function<void()>& insert);
 
@@ -48,6 +40,8 @@ class MessageArea final : public QWidget {
     void FocusMessage();
 
   private:
+    MessageBar& BarOf(Topic topic) const { return topic == Topic::Upload ? *upload_ : *boards_; }
+
     // Owned by their Qt parents.
     MessageBar* recovery_;
     MessageBar* messages_;

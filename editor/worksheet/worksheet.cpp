@@ -3,6 +3,7 @@
 #include "editor_style.h"
 #include "link_marks.h"
 #include "on_demand_accessibility.h"
+#include "output_colors.h"
 #include "scintilla_text.h"
 #include "source_link.h"
 
@@ -15,7 +16,6 @@
 
 namespace {
 
-constexpr qint64 kAppendTime = 5;  // milliseconds in one iteration of the event loop
 // Removing lines moves the whole text, so many are removed at once.
 constexpr int kLinesAfterDrop = Worksheet::kMaxLines - Worksheet::kMaxLines / 20;
 constexpr long kBytesAfterDrop = Worksheet::kMaxBytes - Worksheet::kMaxBytes / 16;
@@ -167,14 +167,17 @@ bool IsRunChord(const QKeyEvent& event)
 
 }  // namespace
 
-Worksheet::Worksheet(QWidget* parent) : QsciScintilla(parent)
+Worksheet::Worksheet(QWidget* parent)
+    : QsciScintilla(parent),
+      feed_({.lastColumn = [this] { return LastColumn(); },
+             .apply = [this](const auto& change) { follower_.Change([&] { Apply(change); }); },
+             .removeAll = [this] { follower_.Change([this] { RemoveAll(); }); }},
+            {.lines = kMaxLines, .bytes = kMaxBytes})
 {
     SetUpEditor(*this);
     SetUpMargin(*this);
     SetUpLinks();
     ApplyColors();
-    appendTimer_.setSingleShot(true);
-    connect(&appendTimer_, &QTimer::timeout, this, &Worksheet::AppendForAWhile);
     markTimer_.setSingleShot(true);
     connect(&markTimer_, &QTimer::timeout, this, &Worksheet::MarkChanged);
 }
@@ -198,6 +201,7 @@ void Worksheet::SetUpLinks()
 void Worksheet::ApplyColors()
 {
     const auto& colors = ColorsFor(palette());
+    const auto& output = OutputColors(palette().color(QPalette::Base));
     setMarkerBackgroundColor(colors.link, kBeginningMarker);
     setIndicatorForegroundColor(colors.link, kLinkIndicator);
     setIndicatorHoverForegroundColor(colors.link, kLinkIndicator);
@@ -210,7 +214,7 @@ void Worksheet::ApplyColors()
         for (const bool isBold : {false, true}) {
             const QColor plain = palette().color(QPalette::Text);
             apply(NumberOf({color, isBold}),
-                  color < 0 ? plain : colors.output.at(static_cast<std::size_t>(color)), isBold);
+                  color < 0 ? plain : output.at(static_cast<std::size_t>(color)), isBold);
         }
     }
     apply(kTracebackStyle, colors.error, false);
@@ -227,20 +231,20 @@ void Worksheet::SetWraps(bool wraps)
 
 void Worksheet::FollowEnd()
 {
-    AppendPending();
+    feed_.Flush();
     follower_.FollowEnd();
 }
 
 void Worksheet::BeginCommand()
 {
-    AppendPending();
+    feed_.Flush();
     begins_ = true;
     caretBefore_ = Send(*this, SCI_GETCURRENTPOS);
 }
 
 void Worksheet::EndCommand()
 {
-    AppendPending();
+    feed_.Flush();
     const bool isSilent = std::exchange(begins_, false);
     const bool isCaretMoved =
         std::exchange(caretBefore_, -1) != Send(*this, SCI_GETCURRENTPOS) || hasSelectedText();
@@ -248,71 +252,20 @@ void Worksheet::EndCommand()
         return;
     }
     AppendLines({});
-    AppendPending();
+    feed_.Flush();
     follower_.Change([this] { Send(*this, SCI_SETEMPTYSELECTION, Length(*this)); });
 }
 
-void Worksheet::AppendLines(std::string_view utf8)
+qsizetype Worksheet::LastColumn() const
 {
-    AppendPending();
-    if (lineLength(lines() - 1) > 0) {
-        Append("\n");
-    }
-    Append(utf8);
+    return Send(*this, SCI_COUNTCODEUNITS, LineStart(*this, lines() - 1), Length(*this));
 }
 
-void Worksheet::Append(std::string_view utf8)
+// Output follows that fills the whole text.
+void Worksheet::RemoveAll()
 {
-    pending_.Append(utf8);
-    if (pending_.IsExcessive()) {
-        SkipSuperfluous();
-    }
-    if (!pending_.IsEmpty() && !appendTimer_.isActive()) {
-        appendTimer_.start();
-    }
-}
-
-void Worksheet::AppendForAWhile()
-{
-    QElapsedTimer timer;
-    timer.start();
-    follower_.Change([&] {
-        while (!pending_.IsEmpty() && timer.elapsed() < kAppendTime) {
-            AppendBlock();
-        }
-    });
-    if (!pending_.IsEmpty()) {
-        appendTimer_.start();
-    }
-}
-
-void Worksheet::AppendPending()
-{
-    follower_.Change([&] {
-        while (!pending_.IsEmpty()) {
-            AppendBlock();
-        }
-    });
-    appendTimer_.stop();
-}
-
-void Worksheet::AppendBlock()
-{
-    const long lastLine = LineStart(*this, lines() - 1);
-    const long column = Send(*this, SCI_COUNTCODEUNITS, lastLine, Length(*this));
-    Apply(parser_.Feed(pending_.Take(), column));
-}
-
-// What remains pending replaces the whole text.
-void Worksheet::SkipSuperfluous()
-{
-    while (const auto block = pending_.TakeSuperfluous()) {
-        parser_.Skip(*block);
-    }
-    follower_.Change([&] {
-        const NotificationBlocker blocker(*this);
-        RemoveText(Length(*this));
-    });
+    const NotificationBlocker blocker(*this);
+    RemoveText(Length(*this));
     begins_ = false;
 }
 
@@ -340,11 +293,6 @@ void Worksheet::Apply(const OutputChange& change)
         Send(*this, SCI_MARKERDELETEHANDLE, std::exchange(chosen_, -1));
     }
     DropOldLines();
-}
-
-void Worksheet::EndOutput()
-{
-    Append("\x1b[m");
 }
 
 void Worksheet::DropOldLines()
@@ -378,7 +326,7 @@ void Worksheet::RemoveText(long end)
 
 QString Worksheet::Content()
 {
-    AppendPending();
+    feed_.Flush();
     return TextOf(*this);
 }
 
@@ -395,10 +343,8 @@ void Worksheet::SetContent(const QString& text)
 
 void Worksheet::ClearAll()
 {
-    pending_.Clear();
-    appendTimer_.stop();
+    feed_.Clear();
     unchanged_.reset();
-    parser_ = {};
     chosen_ = -1;
     caretBefore_ = std::min(caretBefore_, 0L);
     const NotificationBlocker blocker(*this);
@@ -435,7 +381,7 @@ void Worksheet::MarkChanged()
 
 bool Worksheet::GoToNextLink()
 {
-    AppendPending();
+    feed_.Flush();
     const long line = Send(*this, SCI_MARKERLINEFROMHANDLE, chosen_);
     auto link = FirstLinkFrom(*this, line < 0 ? NewestTraceback(*this) : LineEnd(*this, line));
     if (!link) {
@@ -446,7 +392,7 @@ bool Worksheet::GoToNextLink()
 
 bool Worksheet::GoToPreviousLink()
 {
-    AppendPending();
+    feed_.Flush();
     const long line = Send(*this, SCI_MARKERLINEFROMHANDLE, chosen_);
     auto link = line < 0 ? std::nullopt : LastLinkBefore(*this, LineStart(*this, line));
     link = link ? link : LastLinkBefore(*this, Length(*this));

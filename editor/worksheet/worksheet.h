@@ -1,7 +1,7 @@
 #pragma once
 
-#include "output_backlog.h"
-#include "output_text.h"
+#include "output_feed.h"
+#include "output_view.h"
 #include "scintilla.h"
 #include "view_follower.h"
 
@@ -14,7 +14,7 @@
 
 // An editable text to which the output of programs is appended, with its colours. Tracebacks are
 // shown in the colour of errors. Very long lines are split, also in text that is pasted. [ui]
-class Worksheet final : public QsciScintilla {
+class Worksheet final : public QsciScintilla, public OutputView {
     Q_OBJECT
 
   public:
@@ -23,25 +23,19 @@ class Worksheet final : public QsciScintilla {
 
     explicit Worksheet(QWidget* parent = nullptr);
 
-    // Appends output (see OutputText), for a few milliseconds in each iteration of the event loop.
-    // The oldest lines are removed when there are too many; of a flood, those that would be removed
-    // soon are never appended. The view follows the output until the user
-    // scrolls away from the end; the caret and the selection do not move. Undo does not revert
-    // output, nor changes made before output erased a line.
-    void Append(std::string_view utf8);
-    // Appends lines, beginning with a new one.
-    void AppendLines(std::string_view utf8);
+    // Appends output (see OutputFeed). The oldest lines are removed when there are too many. The
+    // view follows the output until the user scrolls away from the end; the caret and the selection
+    // do not move. Undo does not revert output, nor changes made before output erased a line.
+    void Append(std::string_view utf8) override { feed_.Append(utf8); }
+    void AppendLines(std::string_view utf8) override { feed_.AppendLines(utf8); }
+    void EndOutput() { feed_.EndOutput(); }
 
-    // A program has ended: its colours, or its unfinished control sequence, end as well.
-    void EndOutput();
-
-    // A command starts: the line where its output will begin is marked in the margin.
-    void BeginCommand();
-    // The command has ended. If it wrote anything, the caret goes to a new line at the end, unless
-    // the user has moved it meanwhile or has selected text.
-    void EndCommand();
-    // Scrolls to the end, and follows it.
-    void FollowEnd();
+    // Marks the line where the output will begin in the margin.
+    void BeginCommand() override;
+    // If the command wrote anything, the caret goes to a new line at the end, unless the user has
+    // moved it meanwhile or has selected text.
+    void EndCommand() override;
+    void FollowEnd() override;
 
     // Whether lines that are wider than the view are continued on the next one.
     bool wraps() const { return wrapMode() != WrapNone; }
@@ -83,20 +77,16 @@ class Worksheet final : public QsciScintilla {
 
     void SetUpLinks();
     void ApplyColors();
-    void AppendForAWhile();
-    void AppendBlock();
-    void AppendPending();
-    void SkipSuperfluous();
+    qsizetype LastColumn() const;
     void Apply(const OutputChange& change);
+    void RemoveAll();
     void DropOldLines();
     void RemoveText(long end);
     void RecordChange(int position, int type, int length);
     void MarkChanged();
     bool ChooseLinkAt(long position);
 
-    OutputText parser_;
-    OutputBacklog pending_{{kMaxLines, kMaxBytes}};
-    QTimer appendTimer_;
+    OutputFeed feed_;
     QTimer markTimer_;
     std::optional<Unchanged> unchanged_;  // Until the links in the user's changes are marked.
     std::optional<long> clicked_;         // The position of a link, until the button is released.

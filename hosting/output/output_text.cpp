@@ -1,5 +1,6 @@
 #include "output_text.h"
 
+#include "qt_version.h"
 #include "whole_characters.h"
 
 #include <algorithm>
@@ -38,13 +39,13 @@ OutputChange OutputText::Feed(std::string_view bytes, qsizetype column)
 {
     incomplete_ += bytes;
     const auto complete = WholeCharacters(incomplete_);
-    const auto text = QString::fromUtf8(incomplete_.data(), static_cast<qsizetype>(complete));
+    const auto text = QString::fromUtf8(incomplete_.data(), static_cast<QtSize>(complete));
     incomplete_.erase(0, complete);
     column_ = column;
     change_ = {};
     change_.text.reserve(text.size());
     for (qsizetype at = 0; (at = AppendRun(text, at)) < text.size(); ++at) {
-        Process(text[at]);
+        Process(text[static_cast<QtSize>(at)]);
     }
     return std::move(change_);
 }
@@ -69,15 +70,14 @@ qsizetype OutputText::AppendRun(QStringView text, qsizetype at)
     if (state_ != State::Text || hasReturned_) {
         return at;
     }
-    const auto rest = text.sliced(at);
-    const auto fitting =
-        rest.first(std::clamp<qsizetype>(kMaxLineLength - column_, 0, rest.size()));
+    const auto rest = text.mid(at);
+    const auto fitting = rest.left(std::clamp<qsizetype>(kMaxLineLength - column_, 0, rest.size()));
     const auto end = std::ranges::find_if(
         fitting, [](QChar c) { return c == u'\n' || c == u'\r' || c == kEscape; });
-    const auto run = fitting.first(end - fitting.begin());
+    const auto run = fitting.left(end - fitting.begin());
     if (!run.isEmpty()) {
         BeginStyle();
-        change_.text.append(run);
+        change_.text.append(run.data(), static_cast<QtSize>(run.size()));
         column_ += run.size();
     }
     return at + run.size();

@@ -6,10 +6,10 @@
 #include "document_tabs.h"
 #include "file_actions.h"
 #include "file_save.h"
+#include "front_saver.h"
 #include "input_field.h"
 #include "message_area.h"
 #include "path_text.h"
-#include "plugin_actions.h"
 #include "project.h"
 #include "scintilla_text.h"
 #include "text_actions.h"
@@ -60,7 +60,7 @@ void SessionKeeper::Restore()
     RestoreBoard();
     parts_.files.SetRecent(last_.recent);
     parts_.texts.ZoomTo(last_.zoom);
-    parts_.commands.SetSavesFirst(last_.savesBeforeCommands);
+    parts_.frontSaver.SetSavesFirst(last_.savesBeforeCommands);
     parts_.worksheet.SetWraps(last_.wrapsWorksheet);
     parts_.input.SetPromptHistory(last_.promptHistory);
     RestoreWorksheet();
@@ -134,7 +134,7 @@ Session SessionKeeper::Current() const
         .board = parts_.board.choice().value_or(BoardPort()),
         .usesVirtualBoard = parts_.boardActions.usesVirtualBoard(),
         .zoom = parts_.texts.zoom(),
-        .savesBeforeCommands = parts_.commands.savesFirst(),
+        .savesBeforeCommands = parts_.frontSaver.savesFirst(),
         .wrapsWorksheet = parts_.worksheet.wraps(),
         .promptHistory = parts_.input.promptHistory(),
         .appearance = CurrentAppearance(),

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "board_documents.h"
 #include "board_monitor.h"
 #include "board_tool.h"
 
@@ -11,38 +10,35 @@
 #include <optional>
 #include <string>
 
-class DocumentTabs;
-class MessageArea;
+class HostMessages;
+class OutputView;
 class QWidget;
-class Worksheet;
 struct BoardEntry;
 struct BoardResult;
 
-// What the Board menu does: chooses the board, restarts it, and exchanges files with it. Output is
-// written into the worksheet, errors are reported in the window. [ui]
+// What the Board menu does: chooses the board, restarts it, and exchanges files with it. [ui]
 class BoardActions final : public QObject {
     Q_OBJECT
 
   public:
     // The parts must outlive this object.
     struct Parts {
-        QWidget& window;  // The parent of dialogs.
+        std::function<QWidget*()> window;  // The parent of dialogs.
         BoardTool& tool;
         BoardMonitor& board;
-        DocumentTabs& tabs;
-        Worksheet& worksheet;
-        MessageArea& messages;
+        OutputView& output;
+        HostMessages& messages;
     };
-    explicit BoardActions(const Parts& parts);
+    BoardActions(Parts parts, QObject* parent);
 
     // Uses a real board, or the first one that is attached.
     void UseBoard(std::optional<BoardPort> port);
-    // Attaches the virtual board, now and whenever the editor starts, until it is detached.
+    // Attaches the virtual board, now and whenever the host starts, until it is detached.
     void UseVirtualBoard();
     void DetachVirtualBoard();
     bool usesVirtualBoard() const { return usesVirtualBoard_; }
-    // Offers the virtual board if no other is attached.
-    void OfferVirtualBoard();
+    // Opens the folder of its files in the desktop's file manager.
+    void OpenBoardFolder();
 
     void Restart();
     void RunMain();
@@ -52,7 +48,8 @@ class BoardActions final : public QObject {
     // Uploads files and folders one after another into the board's root directory.
     void Upload(const QStringList& paths);
     void Download();
-    void OpenFile();
+    // Asks for a file of the board, and passes its path to `open`.
+    void OpenFile(const std::function<void(const std::string& path)>& open);
 
   Q_SIGNALS:
     // Which of the files is being uploaded, such as "2 of 5"; empty for a single one.
@@ -61,15 +58,12 @@ class BoardActions final : public QObject {
   private:
     using OnChosen = std::function<void(const BoardEntry& entry)>;
 
-    void UploadNext(const QStringList& paths, qsizetype next);
+    void UploadNext(const QStringList& paths, int next);
     void ChooseEntry(const QString& title, const QString& accept, bool withDirectories,
                      const OnChosen& onChosen);
     void DownloadTo(const BoardEntry& entry);
-    void OfferBoards();
-    void ShowBoard();
     void ShowOutput(const BoardResult& result);
 
     Parts parts_;
-    BoardDocuments documents_;
     bool usesVirtualBoard_ = false;
 };

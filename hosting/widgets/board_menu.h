@@ -1,15 +1,15 @@
 #pragma once
 
-#include <QKeySequence>
 #include <QMenu>
 
 #include <functional>
+#include <string>
 
 class BoardActions;
 class BoardMonitor;
 class QActionGroup;
 
-// The Board menu, which also opens from the status bar. Its list of boards is up to date when it
+// The Board menu, which also opens from a BoardButton. Its list of boards is up to date when it
 // opens. [ui]
 class BoardMenu final : public QMenu {
     Q_OBJECT
@@ -18,8 +18,10 @@ class BoardMenu final : public QMenu {
     // The referenced objects must outlive the menu.
     BoardMenu(BoardActions& actions, BoardMonitor& board, QWidget* parent);
 
+    // Adds an item that opens a file of the board in the host, and returns it. Owned by the menu.
+    QAction* AddOpenFile(const std::function<void(const std::string& path)>& open);
+
   Q_SIGNALS:
-    void FolderRequested();
     void DeviceWindowRequested();
 
   private:
@@ -30,6 +32,7 @@ class BoardMenu final : public QMenu {
 
     BoardActions& actions_;
     BoardMonitor& board_;
-    QAction* boardsEnd_;    // The separator below the list.
+    QAction* boardsEnd_;  // The separator below the list.
+    QAction* upload_;
     QActionGroup* boards_;  // Null while there is no list.
 };

@@ -10,13 +10,12 @@
 
 class BoardTool;
 class CommandMonitor;
+class HostMessages;
 class InputField;
-class MessageArea;
-class TextEditor;
-class Worksheet;
+class OutputView;
 
 // Connects the input field with the board: runs what is entered at the prompt, sends input to the
-// program that runs, and completes names. Shows in the worksheet what was entered, and where the
+// program that runs, and completes names. Shows in the output what was entered, and where the
 // output of each command begins. [ui]
 class BoardPrompt final : public QObject {
     Q_OBJECT
@@ -24,17 +23,17 @@ class BoardPrompt final : public QObject {
   public:
     struct Parts {
         InputField& field;
-        Worksheet& worksheet;
+        OutputView& output;
         BoardTool& tool;
         CommandMonitor& monitor;
-        MessageArea& messages;
+        HostMessages& messages;
     };
 
     // The parts and the runtime must outlive this object.
     BoardPrompt(Runtime& runtime, const Parts& parts, QObject* parent);
 
-    // Runs the selection, or the caret's line, as at the prompt. A command that runs is stopped.
-    void RunSelection(const TextEditor& editor);
+    // Runs lines of a document as at the prompt. A command that runs is stopped.
+    void RunLines(const QString& code);
 
   private:
     void Enter(const QString& text);

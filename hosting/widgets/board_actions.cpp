@@ -3,17 +3,17 @@
 #include "board_files_dialog.h"
 #include "board_scripts.h"
 #include "board_task.h"
-#include "document_tabs.h"
+#include "host_messages.h"
 #include "main_program.h"
-#include "message_area.h"
+#include "output_view.h"
 #include "path_text.h"
-#include "worksheet.h"
 
+#include <QDesktopServices>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
 #include <QMessageBox>
-#include <QPointer>
+#include <QUrl>
 
 #include <utility>
 
@@ -36,20 +36,15 @@ std::vector<std::string> UploadWords(const QString& path)
 
 }  // namespace
 
-BoardActions::BoardActions(const Parts& parts)
-    : QObject(&parts.window),
-      parts_(parts),
-      documents_(parts.tabs, parts.tool, parts.board, nullptr)
+BoardActions::BoardActions(Parts parts, QObject* parent) : QObject(parent), parts_(std::move(parts))
 {
-    connect(&parts_.board, &BoardMonitor::ChoiceNeeded, this, &BoardActions::OfferBoards);
-    connect(&parts_.board, &BoardMonitor::Changed, this, &BoardActions::ShowBoard);
 }
 
 void BoardActions::UseBoard(std::optional<BoardPort> port)
 {
     usesVirtualBoard_ = false;
     parts_.board.Choose(std::move(port));
-    parts_.messages.WithdrawBoards();
+    parts_.messages.Withdraw(HostMessages::Topic::Board);
 }
 
 void BoardActions::UseVirtualBoard()
@@ -64,32 +59,11 @@ void BoardActions::DetachVirtualBoard()
     parts_.board.DetachVirtualBoard();
 }
 
-void BoardActions::OfferVirtualBoard()
+void BoardActions::OpenBoardFolder()
 {
-    const auto& board = parts_.board.board();
-    if (board.IsAttached() || parts_.board.HasVirtualBoard()) {
-        return;
-    }
-    const QString problem =
-        board.kind == BoardMonitor::Kind::Missing
-            ? tr("The chosen board, %1, is not attached.").arg(DescribePort(board.port))
-            : tr("No board is attached.");
-    parts_.messages.OfferVirtualBoard(problem, [this] { UseVirtualBoard(); });
-}
-
-void BoardActions::OfferBoards()
-{
-    parts_.messages.OfferBoards(parts_.board.ports(),
-                                [this](const BoardPort& port) { UseBoard(port); });
-}
-
-// A board that has been attached answers the offer of the virtual one.
-void BoardActions::ShowBoard()
-{
-    const bool mustChoose = parts_.board.ports().size() > 1 && !parts_.board.choice();
-    if (parts_.board.board().IsAttached() &&
-        (!mustChoose || parts_.board.board().kind == BoardMonitor::Kind::Virtual)) {
-        parts_.messages.WithdrawBoards();
+    const QString folder = PathToText(parts_.board.boardFolder());
+    if (!IsFolder(folder) || !QDesktopServices::openUrl(QUrl::fromLocalFile(folder))) {
+        parts_.messages.Report(tr("The virtual board's files are in %1.").arg(folder));
     }
 }
 
@@ -97,11 +71,11 @@ void BoardActions::ShowBoard()
 void BoardActions::ShowOutput(const BoardResult& result)
 {
     if (result.isStopped) {
-        return parts_.worksheet.Append(result.output);
+        return parts_.output.Append(result.output);
     }
-    parts_.worksheet.BeginCommand();
-    parts_.worksheet.Append(result.output);
-    parts_.worksheet.EndCommand();
+    parts_.output.BeginCommand();
+    parts_.output.Append(result.output);
+    parts_.output.EndCommand();
 }
 
 void BoardActions::Restart()
@@ -122,7 +96,7 @@ void BoardActions::RunMain()
 void BoardActions::InstallPackage()
 {
     const QString name =
-        QInputDialog::getText(&parts_.window, tr("Install Package"),
+        QInputDialog::getText(parts_.window(), tr("Install Package"),
                               tr("The name of a package of micropython-lib, or its address:"))
             .trimmed();
     if (!name.isEmpty()) {
@@ -132,12 +106,12 @@ void BoardActions::InstallPackage()
 
 void BoardActions::UploadFiles()
 {
-    Upload(QFileDialog::getOpenFileNames(&parts_.window, tr("Upload Files")));
+    Upload(QFileDialog::getOpenFileNames(parts_.window(), tr("Upload Files")));
 }
 
 void BoardActions::UploadFolder()
 {
-    const QString folder = QFileDialog::getExistingDirectory(&parts_.window, tr("Upload Folder"));
+    const QString folder = QFileDialog::getExistingDirectory(parts_.window(), tr("Upload Folder"));
     if (!folder.isEmpty()) {
         Upload({folder});
     }
@@ -151,7 +125,7 @@ void BoardActions::Upload(const QStringList& paths)
 }
 
 // A command of the user ends the sequence, as does a file that cannot be uploaded.
-void BoardActions::UploadNext(const QStringList& paths, qsizetype next)
+void BoardActions::UploadNext(const QStringList& paths, int next)
 {
     const bool isLast = next + 1 == paths.size();
     Q_EMIT UploadNoteChanged(paths.size() == 1 ? QString()
@@ -173,7 +147,7 @@ void BoardActions::UploadNext(const QStringList& paths, qsizetype next)
 void BoardActions::ChooseEntry(const QString& title, const QString& accept, bool withDirectories,
                                const OnChosen& onChosen)
 {
-    auto* const dialog = new BoardFilesDialog(title, accept, &parts_.window);
+    auto* const dialog = new BoardFilesDialog(title, accept, parts_.window());
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(dialog, &BoardFilesDialog::Chosen, this, onChosen);
     dialog->open();
@@ -192,10 +166,10 @@ void BoardActions::ChooseEntry(const QString& title, const QString& accept, bool
                  });
 }
 
-void BoardActions::OpenFile()
+void BoardActions::OpenFile(const std::function<void(const std::string& path)>& open)
 {
     ChooseEntry(tr("Open File on Board"), tr("&Open"), false,
-                [this](const BoardEntry& entry) { documents_.Open(entry.path); });
+                [open](const BoardEntry& entry) { open(entry.path); });
 }
 
 void BoardActions::Download()
@@ -208,13 +182,13 @@ void BoardActions::Download()
 void BoardActions::DownloadTo(const BoardEntry& entry)
 {
     const QString folder = QFileDialog::getExistingDirectory(
-        &parts_.window, tr("Download %1 into a Folder").arg(LeafOf(entry.path)));
+        parts_.window(), tr("Download %1 into a Folder").arg(LeafOf(entry.path)));
     if (folder.isEmpty()) {
         return;
     }
     const QString path = folder + "/" + LeafOf(entry.path);
     if (QFileInfo::exists(path) &&
-        QMessageBox::question(&parts_.window, tr("Download"),
+        QMessageBox::question(parts_.window(), tr("Download"),
                               tr("%1 exists already. Overwrite it?").arg(path)) !=
             QMessageBox::Yes) {
         return;

@@ -1,14 +1,11 @@
 #include "board_prompt.h"
 
 #include "command_monitor.h"
-#include "editor_style.h"
+#include "host_messages.h"
 #include "input_field.h"
-#include "message_area.h"
+#include "output_view.h"
 #include "prompt_code.h"
 #include "prompt_run.h"
-#include "scintilla_text.h"
-#include "text_editor.h"
-#include "worksheet.h"
 
 #include <QPointer>
 
@@ -33,36 +30,11 @@ std::string EchoOf(std::string text)
     return ">>> " + text + "\n";
 }
 
-// A selection of several lines includes the indentation of the first one.
-QString CodeAtCaret(const TextEditor& editor)
-{
-    long start = Send(editor, QsciScintilla::SCI_GETSELECTIONSTART);
-    long end = Send(editor, QsciScintilla::SCI_GETSELECTIONEND);
-    const long line = LineAt(editor, start);
-    const long lineStart = LineStart(editor, line);
-    const bool isWholeLine = start == end;
-    if (isWholeLine) {
-        end = LineEnd(editor, line);
-    }
-    if (isWholeLine || TextBetween(editor, lineStart, start).trimmed().isEmpty()) {
-        start = lineStart;
-    }
-    return TextBetween(editor, start, end);
-}
-
 }  // namespace
 
 BoardPrompt::BoardPrompt(Runtime& runtime, const Parts& parts, QObject* parent)
     : QObject(parent), runtime_(runtime), parts_(parts)
 {
-    const auto showFont = [this] {
-        QFont font = EditorFont();
-        const auto zoom = Send(parts_.worksheet, QsciScintilla::SCI_GETZOOM);
-        font.setPointSize(font.pointSize() + static_cast<int>(zoom));
-        parts_.field.SetTextFont(font);
-    };
-    showFont();
-    connect(&parts_.worksheet, &QsciScintilla::SCN_ZOOM, this, showFont);
     connect(&parts_.field, &InputField::Entered, this, &BoardPrompt::Enter);
     connect(&parts_.field, &InputField::EndOfInput, this, &BoardPrompt::EndInput);
     connect(&parts_.field, &InputField::CompletionRequested, this, &BoardPrompt::Complete);
@@ -74,9 +46,8 @@ BoardPrompt::BoardPrompt(Runtime& runtime, const Parts& parts, QObject* parent)
     connect(&inputTimer_, &QTimer::timeout, this, [this] { parts_.field.ShowInput({}); });
 }
 
-void BoardPrompt::RunSelection(const TextEditor& editor)
+void BoardPrompt::RunLines(const QString& code)
 {
-    const QString code = CodeAtCaret(editor);
     if (!code.trimmed().isEmpty()) {
         Run(code);
     }
@@ -151,12 +122,12 @@ void BoardPrompt::OnStarted()
     const auto& command = parts_.monitor.command();
     const std::string echo = std::exchange(echo_, {});
     if (command.kind == Kind::Prompt) {
-        parts_.worksheet.AppendLines(echo);
+        parts_.output.AppendLines(echo);
         inputTimer_.start();
     }
-    parts_.worksheet.BeginCommand();
+    parts_.output.BeginCommand();
     if (command.kind == Kind::Prompt || command.kind == Kind::Run) {
-        parts_.worksheet.FollowEnd();
+        parts_.output.FollowEnd();
     }
     if (command.kind == Kind::Run) {
         parts_.field.ShowInput(command.subject);
@@ -166,7 +137,7 @@ void BoardPrompt::OnStarted()
 void BoardPrompt::OnEnded(bool isStopped)
 {
     inputTimer_.stop();
-    parts_.worksheet.EndCommand();
+    parts_.output.EndCommand();
     if (isStopped) {
         waiting_.clear();
     }

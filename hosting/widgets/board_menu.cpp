@@ -14,16 +14,21 @@ BoardMenu::BoardMenu(BoardActions& actions, BoardMonitor& board, QWidget* parent
     Add(tr("Run &main.py"), [this] { actions_.RunMain(); });
     Add(tr("&Install Package…"), [this] { actions_.InstallPackage(); });
     addSeparator();
-    Add(tr("&Open File on Board…"), [this] {
-        actions_.OpenFile();
-    })->setShortcut(QKeySequence("Ctrl+Shift+O"));
-    Add(tr("&Upload Files…"), [this] { actions_.UploadFiles(); });
+    upload_ = Add(tr("&Upload Files…"), [this] { actions_.UploadFiles(); });
     Add(tr("U&pload Folder…"), [this] { actions_.UploadFolder(); });
     Add(tr("Do&wnload…"), [this] { actions_.Download(); });
     Add(tr("&Device Window"), [this] { Q_EMIT DeviceWindowRequested(); });
     addSeparator();
     AddVirtualBoard();
     connect(this, &QMenu::aboutToShow, this, &BoardMenu::ListBoards);
+}
+
+QAction* BoardMenu::AddOpenFile(const std::function<void(const std::string& path)>& open)
+{
+    auto* const added = new QAction(tr("&Open File on Board…"), this);
+    connect(added, &QAction::triggered, this, [this, open] { actions_.OpenFile(open); });
+    insertAction(upload_, added);
+    return added;
 }
 
 QAction* BoardMenu::Add(const QString& text, const std::function<void()>& action)
@@ -38,7 +43,7 @@ void BoardMenu::AddVirtualBoard()
     auto* const attach = Add(tr("&Attach Virtual Board"), [this] { actions_.UseVirtualBoard(); });
     auto* const detach =
         Add(tr("De&tach Virtual Board"), [this] { actions_.DetachVirtualBoard(); });
-    Add(tr("Open Virtual Board &Folder"), [this] { Q_EMIT FolderRequested(); });
+    Add(tr("Open Virtual Board &Folder"), [this] { actions_.OpenBoardFolder(); });
     connect(this, &QMenu::aboutToShow, this, [this, attach, detach] {
         attach->setEnabled(!board_.HasVirtualBoard());
         detach->setEnabled(board_.HasVirtualBoard());

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "board_state.h"
+
+#include <QAbstractButton>
+#include <QTimer>
+
+// A push-button at an input pin of the board. While it is held it drives the pin to the level
+// opposite to the one at rest; with Shift, or by Return, it remains so until it is pressed again.
+// [ui]
+class InputButton final : public QAbstractButton {
+    Q_OBJECT
+
+  public:
+    explicit InputButton(QWidget* parent);
+
+    // Without a pin the button is disabled.
+    void SetPin(const QString& pin);
+    const QString& pin() const { return pin_; }
+    void ShowLevel(int level) { level_ = level; }
+
+    QSize sizeHint() const override { return {30, 30}; }
+
+  Q_SIGNALS:
+    void Driven(const QString& pin, bool isHigh);
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    void Press();
+    void Release();
+    void Drive(bool isPressed);
+
+    QString pin_;
+    int level_ = 0;      // As the board reports it.
+    int restLevel_ = 0;  // While the button is pressed: the level before.
+    bool isPressed_ = false;
+    bool isLocked_ = false;
+    QTimer releaseTimer_;  // A short click lasts until a program has certainly seen it.
+};

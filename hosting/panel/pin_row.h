@@ -1,0 +1,46 @@
+#pragma once
+
+#include "board_state.h"
+#include "card.h"
+
+#include <QTimer>
+
+class InputButton;
+class QSlider;
+
+// One pin that the program uses: what it is for, its state, and for an input the control that
+// drives it. [ui]
+class PinRow final : public Card {
+    Q_OBJECT
+
+  public:
+    PinRow(const QString& pin, QWidget* parent);
+
+    void Show(const PinState& state);
+    const PinState& state() const { return state_; }
+
+    QSize sizeHint() const override { return {250, kLine}; }
+
+  Q_SIGNALS:
+    void LevelDriven(const QString& pin, bool isHigh);
+    void AnalogDriven(const QString& pin, int value);
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    void MakeControl();
+    void PlaceControl();
+    void ShowInControl();
+    void Describe();
+    QRect ValueRect() const;
+    QRect MeterRect() const;
+    void DrawLevel(QPainter& painter) const;
+    void DrawDuty(QPainter& painter) const;
+
+    PinState state_;
+    InputButton* button_ = nullptr;  // Of an input, otherwise null.
+    QSlider* slider_ = nullptr;      // Of an ADC, otherwise null.
+    QTimer restTimer_;               // Until the state counts as at rest.
+};

@@ -1,0 +1,117 @@
+#include "pins_client.h"
+
+#include "descriptors.h"
+#include "local_socket.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <chrono>
+#include <utility>
+
+namespace {
+
+constexpr std::chrono::milliseconds kRetryInterval{250};
+constexpr int kMaxLine = 1 << 20;  // bytes
+
+}  // namespace
+
+PinsClient::PinsClient(QObject* parent) : QObject(parent)
+{
+    retryTimer_.setSingleShot(true);
+    retryTimer_.setInterval(kRetryInterval);
+    connect(&retryTimer_, &QTimer::timeout, this, &PinsClient::Connect);
+}
+
+PinsClient::~PinsClient()
+{
+    Disconnect();
+}
+
+void PinsClient::SetPath(const std::string& path)
+{
+    if (std::exchange(path_, path) == path) {
+        return;
+    }
+    Disconnect();
+    Reset();
+    Q_EMIT BoardChanged();
+    if (hasBoard()) {
+        Connect();
+    }
+}
+
+void PinsClient::Connect()
+{
+    fd_ = ConnectToLocalSocket(path_);
+    if (fd_ < 0) {
+        return retryTimer_.start();
+    }
+    notifier_ = std::make_unique<QSocketNotifier>(fd_, QSocketNotifier::Read);
+    connect(notifier_.get(), &QSocketNotifier::activated, this, [this] { Read(); });
+}
+
+void PinsClient::Disconnect()
+{
+    retryTimer_.stop();
+    if (notifier_) {
+        // It may be the one that reports the end.
+        notifier_->setEnabled(false);
+        notifier_.release()->deleteLater();
+    }
+    CloseDescriptor(std::exchange(fd_, -1));
+    received_.clear();
+}
+
+// The board has gone, or does not read what is sent.
+void PinsClient::Break()
+{
+    Disconnect();
+    Reset();
+    retryTimer_.start();
+}
+
+void PinsClient::Reset()
+{
+    Q_EMIT Changed(state_.Apply(R"({"reset":true})"));
+}
+
+void PinsClient::Read()
+{
+    const std::string bytes = ReadAvailable(fd_);
+    received_.append(bytes.data(), static_cast<int>(bytes.size()));
+    if (bytes.empty() || (received_.size() > kMaxLine && !received_.contains('\n'))) {
+        return Break();
+    }
+    const auto end = received_.lastIndexOf('\n') + 1;
+    const auto lines = received_.left(end).split('\n');
+    received_.remove(0, end);
+    for (const auto& line : lines) {
+        if (fd_ < 0) {
+            return;  // What the last change caused could not be sent.
+        }
+        const auto change = state_.Apply(line);
+        if (change.kind != BoardState::Change::Kind::None) {
+            Q_EMIT Changed(change);
+        }
+    }
+}
+
+void PinsClient::SetLevel(const QString& pin, bool isHigh)
+{
+    Send(pin, "value", isHigh ? 1 : 0);
+}
+
+void PinsClient::SetAnalog(const QString& pin, int value)
+{
+    Send(pin, "u16", value);
+}
+
+void PinsClient::Send(const QString& pin, const char* key, int value)
+{
+    const QJsonObject object{{"pin", pin}, {QLatin1String(key), value}};
+    const auto line = QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+    if (fd_ >= 0 && !SendToSocket(fd_, {line.constData(), static_cast<std::size_t>(line.size())})) {
+        Break();
+    }
+}

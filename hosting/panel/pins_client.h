@@ -1,0 +1,49 @@
+#pragma once
+
+#include "board_state.h"
+
+#include <QObject>
+#include <QSocketNotifier>
+#include <QTimer>
+
+#include <memory>
+#include <string>
+
+// A connection to the pins of a virtual board: it reports what the program does with them, and
+// drives the inputs. It connects again when the connection breaks. [ui]
+class PinsClient final : public QObject {
+    Q_OBJECT
+
+  public:
+    explicit PinsClient(QObject* parent = nullptr);
+    ~PinsClient() override;
+
+    // The path of the board's socket; empty for no board.
+    void SetPath(const std::string& path);
+    bool hasBoard() const { return !path_.empty(); }
+    const BoardState& state() const { return state_; }
+
+    // Drives an input from outside. Without a connection these do nothing.
+    void SetLevel(const QString& pin, bool isHigh);
+    void SetAnalog(const QString& pin, int value);  // 0 to PinState::kMax
+
+  Q_SIGNALS:
+    // A board was attached or detached.
+    void BoardChanged();
+    void Changed(const BoardState::Change& change);
+
+  private:
+    void Connect();
+    void Disconnect();
+    void Break();
+    void Read();
+    void Send(const QString& pin, const char* key, int value);
+    void Reset();
+
+    std::string path_;
+    int fd_ = -1;
+    std::unique_ptr<QSocketNotifier> notifier_;
+    QTimer retryTimer_;
+    QByteArray received_;  // The start of a line.
+    BoardState state_;
+};

@@ -1,0 +1,37 @@
+#include "command_activity.h"
+
+#include "command_monitor.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+
+namespace {
+
+constexpr QSize kBusySize(48, 8);
+
+}  // namespace
+
+CommandActivity::CommandActivity(const CommandMonitor& monitor, QWidget* parent)
+    : QWidget(parent), monitor_(monitor), busy_(new QProgressBar(this)), text_(new QLabel(this))
+{
+    text_->setObjectName("activity");
+    busy_->setRange(0, 0);
+    busy_->setTextVisible(false);
+    busy_->setFixedSize(kBusySize);
+    auto* const row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(busy_);
+    row->addWidget(text_);
+    connect(&monitor_, &CommandMonitor::Changed, this, &CommandActivity::Show);
+    Show();
+}
+
+void CommandActivity::Show()
+{
+    const bool isRunning = monitor_.IsRunning();
+    const bool hasNote = isRunning && monitor_.command().kind == BoardCommand::Kind::Upload &&
+                         !uploadNote_.isEmpty();
+    busy_->setVisible(isRunning);
+    text_->setText(hasNote ? monitor_.Text() + " – " + uploadNote_ : monitor_.Text());
+}
