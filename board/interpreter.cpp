@@ -29,6 +29,7 @@ constexpr std::size_t kMaxInput = 16384;        // bytes, in addition to those i
 constexpr int kStartTimeoutMilliseconds = 5000;
 constexpr std::chrono::seconds kMessageTimeout{2};
 constexpr char kConfine = 'P';
+constexpr std::size_t kHeapOfBoard = 64UL << 10;  // bytes that the board's own script takes
 // What the interpreter needs besides the heap, for its code, its stack and the stacks of threads.
 constexpr std::size_t kMemoryBesidesHeap = 64UL << 20;
 
@@ -160,7 +161,7 @@ std::expected<Interpreter, std::string> Interpreter::Start(const InterpreterFile
     if (!pipes) {
         return std::unexpected(std::string("cannot create pipes: ") + std::strerror(errno));
     }
-    const std::string heapSize = "heapsize=" + std::to_string(heap);
+    const std::string heapSize = "heapsize=" + std::to_string(heap + kHeapOfBoard);
     const std::string modules = files.script.substr(0, files.script.rfind('/')) + "/modules";
     const std::string pinsDescriptor = std::to_string(pins.fd());
     const Command command{{files.program.c_str(), "-X", heapSize.c_str(), files.script.c_str(),

@@ -208,10 +208,9 @@ def source_and_name(mode, text):
         return file.read(), name
 
 
-def execute(channel, sequence, mode, text, namespace):
+def execute(channel, sequence, mode, length, namespace):
     try:
-        source, name = source_and_name(mode, text)
-        code = compile(source, name, "single" if mode == "S" else "exec")
+        code = receive_code(channel, mode, length)
         channel.write(message("C", sequence))
         exec(code, namespace)
         return "N", ""
@@ -232,7 +231,13 @@ def receive(channel, length):
     except MemoryError:
         while length > 0:  # Skip the source, so that the next request can be read.
             length -= len(channel.read(min(length, 4096)))
-        return None
+        raise MemoryError("the program is larger than the board's memory")
+
+
+# Returns the code alone, so that the source takes no memory while the program runs.
+def receive_code(channel, mode, length):
+    source, name = source_and_name(mode, receive(channel, length))
+    return compile(source, name, "single" if mode == "S" else "exec")
 
 
 def confined(channel):
@@ -258,13 +263,9 @@ def serve(channel, text):
                 continue  # The confirmation of an interrupted message.
             status, text = "E", INTERRUPTED
             sequence = int(header[1:9])
-            request = receive(channel, int(header[10:18]))
-            if request is None:
-                text = "MemoryError: the program is larger than the board's memory\n"
-            else:
-                status, text = execute(
-                    channel, sequence, chr(header[0]), request, namespace
-                )
+            status, text = execute(
+                channel, sequence, chr(header[0]), int(header[10:18]), namespace
+            )
         except KeyboardInterrupt:
             pass
 

@@ -162,8 +162,9 @@ std::expected<void, std::string> RunBoard(BoardOptions options, int commands)
         std::fprintf(stderr, "virtual-board: warning: programs can reach %s\n",
                      board.reachable().c_str());
     }
-    std::printf("%s\n", board.devicePath().c_str());
-    std::fflush(stdout);
+    if (!Print(board.devicePath() + "\n")) {
+        return std::unexpected("cannot print the path of the serial device");
+    }
     return board.Run(commands);
 }
 
