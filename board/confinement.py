@@ -1,12 +1,8 @@
 """Confines this process, once it has loaded what it needs; see confinement.h."""
 
+import ffi
 import struct
 import uctypes
-
-try:
-    import ffi
-except ImportError:
-    ffi = None
 
 PR_SET_SECCOMP = 22
 PR_SET_NO_NEW_PRIVS = 38
@@ -20,8 +16,6 @@ def confine(rules, filter):
 
     rules is a descriptor, or -1; filter is empty if there is none.
     """
-    if not ffi:
-        return "the whole computer: the interpreter has no module ffi"
     library = ffi.open(None)
     prctl = library.func("i", "prctl", "iLLLL")
     syscall = library.func("l", "syscall", "liL")

@@ -1,6 +1,6 @@
 """Strips of addressable LEDs."""
 
-from machine.pixels import show
+from machine._pixels import show
 
 
 class NeoPixel:

@@ -206,11 +206,14 @@ wlan = network.WLAN(network.STA_IF); wlan.active(True); wlan.connect('a', 'b')
 attempt(lambda: (wlan.scan(), wlan.status() == network.STAT_NO_AP_FOUND, wlan.isconnected()))
 attempt(machine.time_pulse_us, Pin(1), 1, 1000)
 attempt(Pin, 99)
+attempt(hasattr, machine, 'DAC')
+try: from machine import DAC
+except ImportError: print('no DAC')
 attempt(Signal(Pin(2, Pin.OUT, value=1), invert=True).value)
 )",
          {},
          "OSError(110,)\r\n[]\r\nOSError(5,)\r\nOSError(19,)\r\nb'\\x00\\x00'\r\nNone\r\n"
-         "([], True, False)\r\n-2\r\nValueError('invalid pin',)\r\n0\r\n"},
+         "([], True, False)\r\n-2\r\nValueError('invalid pin',)\r\nFalse\r\nno DAC\r\n0\r\n"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);

@@ -27,7 +27,7 @@ class Timer:
                 raise ValueError("freq must be positive")
             delay = int(1_000_000 / freq)
         else:
-            delay = period * 1_000_000 // tick_hz
+            delay = int(period * 1_000_000 / tick_hz)
             if period < 0:
                 raise ValueError("period must not be negative")
         self.deinit()

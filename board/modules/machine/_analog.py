@@ -3,7 +3,7 @@
 import _board
 import struct
 from _board import ANALOG, DUTY, FREQUENCY, MODE, block
-from machine.pin import Pin
+from machine._pin import Pin
 
 _PWM_MODE, _ADC_MODE = 4, 5
 _MAX = 65535

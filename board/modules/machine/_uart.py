@@ -2,7 +2,7 @@
 
 import io
 import time
-from machine.pin import Pin
+from machine._pin import Pin
 
 _POLL_REQUEST, _WRITABLE, _ERROR = 3, 4, -1
 

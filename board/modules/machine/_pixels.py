@@ -2,7 +2,7 @@
 
 import struct
 from _board import PIXELS, PIXEL_SIZE, STRIPS, STRIP_SIZE, block
-from machine.pin import Pin
+from machine._pin import Pin
 
 
 def show(pin, data, size):

@@ -1,7 +1,7 @@
 """The classes I2C and SoftI2C. No device is connected, so no address is acknowledged."""
 
 import errno
-from machine.pin import Pin
+from machine._pin import Pin
 
 
 class SoftI2C:

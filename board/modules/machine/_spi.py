@@ -1,6 +1,6 @@
 """The classes SPI and SoftSPI. No device is connected, so only zeros are read."""
 
-from machine.pin import Pin
+from machine._pin import Pin
 
 
 class SoftSPI:
