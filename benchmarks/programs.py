@@ -1,7 +1,6 @@
-"""Functions shared by the benchmarks: a virtual board, and timing programs in alternating pairs."""
+"""The programs that the benchmarks start: the editor, a virtual board, and mpremote itself."""
 
 import os
-import statistics
 import subprocess
 import tempfile
 import time
@@ -17,6 +16,9 @@ class Build:
         bundle = os.path.join(self.folder, "lib", "quilp", "Quilp.bundle")
         self.plugin = os.path.join(bundle, "quilp.so")
         self.tool = os.path.join(bundle, "Resources", "mpremote", "mpremote.py")
+
+    def benchmark(self, name):
+        return os.path.join(self.folder, "benchmarks", name)
 
     def bare_tool(self, board):
         """The command line of mpremote itself, without our launcher."""
@@ -45,7 +47,6 @@ class VirtualBoard:
         )
         if not self.process.stdout.readline().startswith(b"/dev/"):
             raise SystemExit("the virtual board did not start")
-        self.environment = dict(os.environ, QUILP_VIRTUAL_BOARD=self.link)
         return self
 
     def __exit__(self, *_):
@@ -54,29 +55,42 @@ class VirtualBoard:
         self.folder.cleanup()
 
 
-def seconds(command, environment, is_right):
+class RunningEditor:
+    """The editor's window with a document, on the board, as a context manager. It appears on no screen."""
+
+    def __init__(self, build, board, document):
+        self.command = [build.benchmark("use_editor"), build.plugin, document]
+        self.environment = dict(os.environ, QT_QPA_PLATFORM="offscreen", QUILP_VIRTUAL_BOARD=board.link)
+
+    def __enter__(self):
+        self.process = subprocess.Popen(
+            self.command,
+            env=self.environment,
+            stdin=subprocess.PIPE,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.DEVNULL,  # Messages of Qt's offscreen platform.
+            text=True,
+        )
+        return self
+
+    def __exit__(self, *_):
+        self.process.communicate()
+
+    def perform(self, *task):
+        """Returns the figures that use_editor.cpp describes."""
+        self.process.stdin.write("\t".join(task) + "\n")
+        self.process.stdin.flush()
+        figures = self.process.stdout.readline().split()
+        if not figures:
+            raise SystemExit(f"the editor did not perform {task}")
+        return [float(figure) for figure in figures]
+
+
+def seconds(command, is_right):
     """The run time of a program, whose output must be correct."""
     begin = time.perf_counter()
-    output = subprocess.run(command, env=environment, stdout=subprocess.PIPE, check=True).stdout
+    output = subprocess.run(command, stdout=subprocess.PIPE, check=True).stdout
     elapsed = time.perf_counter() - begin
     if not is_right(output):
         raise SystemExit(f"{command[0]} printed {output[:200]!r}")
     return elapsed
-
-
-def compare(title, environment, ours, bare, pairs):
-    """Times two programs, given as (command, is_right), in alternating pairs after a warm-up, and
-    prints the medians and the median ratio."""
-    seconds(ours[0], environment, ours[1])
-    seconds(bare[0], environment, bare[1])
-    times = [
-        (seconds(ours[0], environment, ours[1]), seconds(bare[0], environment, bare[1]))
-        for _ in range(pairs)
-    ]
-    our_median, bare_median = (1000 * statistics.median(side) for side in zip(*times))
-    ratio = statistics.median(one / other for one, other in times)
-    print(
-        f"{title}: {our_median:.1f} ms, mpremote alone {bare_median:.1f} ms, "
-        f"median ratio {ratio:.3f} of {pairs} pairs",
-        flush=True,
-    )

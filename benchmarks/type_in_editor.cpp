@@ -5,9 +5,9 @@
 
 #include "SimpleShell.h"
 #include "main_window.h"
-#include "run_with_plugin.h"
 #include "stall_meter.h"
 #include "text_editor.h"
+#include "with_plugin.h"
 
 #include <QApplication>
 #include <QKeyEvent>

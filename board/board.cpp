@@ -23,7 +23,7 @@ constexpr std::string_view kInterruptedTraceback =
 constexpr std::chrono::seconds kInterruptTimeout{5};
 
 // How often to check for a client if the system does not report one.
-constexpr int kPollIntervalMilliseconds = 20;
+constexpr std::chrono::milliseconds kPollInterval{20};
 
 }  // namespace
 
@@ -56,6 +56,7 @@ std::expected<void, std::string> Board::Plug()
     }
     port_.reset();
     port_.emplace(std::move(*port));
+    folderGuard_.emplace(options_.folder);
     RestartInterpreter();
     if (!failure_.empty()) {
         return std::unexpected(failure_);
@@ -68,6 +69,7 @@ void Board::Unplug()
 {
     interpreter_.reset();
     port_.reset();
+    folderGuard_.reset();
     interruptDeadline_.reset();
     resetCause_ = ResetCause::PowerOn;
     pins_->Reset(resetCause_);
@@ -114,6 +116,7 @@ void Board::Poll(int commands)
         }
         ReceiveFromClient((line.revents & POLLPRI) != 0);
         ResetIfStuck();
+        ResetIfOverfull();
         port_->Flush();
         if (interpreter_) {
             interpreter_->FlushInput();
@@ -137,18 +140,24 @@ void Board::Serve(int commands)
 
 int Board::TimeoutMilliseconds() const
 {
-    const bool pollsForClient = port_ && !port_->hasClient() && port_->clientEventsFd() < 0;
-    int timeout = pollsForClient ? kPollIntervalMilliseconds : -1;
-    const auto update = pinServer_ ? pinServer_->nextUpdate(mayChangePins()) : std::nullopt;
-    for (const auto& deadline : {interruptDeadline_, update}) {
-        if (deadline) {
-            const auto left =
-                std::chrono::ceil<std::chrono::milliseconds>(*deadline - Clock::now());
-            const int milliseconds = std::max(0, static_cast<int>(left.count()));
-            timeout = timeout < 0 ? milliseconds : std::min(timeout, milliseconds);
+    std::optional<Clock::time_point> next = interruptDeadline_;
+    const auto consider = [&](Clock::time_point time) {
+        next = std::min(next.value_or(time), time);
+    };
+    if (port_) {
+        consider(folderGuard_->nextCheck());
+        if (!port_->hasClient() && port_->clientEventsFd() < 0) {
+            consider(Clock::now() + kPollInterval);
         }
     }
-    return timeout;
+    if (const auto update = pinServer_ ? pinServer_->nextUpdate(mayChangePins()) : std::nullopt) {
+        consider(*update);
+    }
+    if (!next) {
+        return -1;
+    }
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*next - Clock::now());
+    return std::max(0, static_cast<int>(left.count()));
 }
 
 // While no program runs, only its timers and interrupts could change a pin.
@@ -185,7 +194,7 @@ void Board::RestartInterpreter()
     interruptDeadline_.reset();
     interpreter_.reset();
     pins_->Reset(std::exchange(resetCause_, ResetCause::Soft));
-    auto started = Interpreter::Start(options_.interpreter, options_.folder, *pins_);
+    auto started = Interpreter::Start(options_.interpreter, options_.folder, options_.heap, *pins_);
     if (started) {
         interpreter_.emplace(std::move(*started));
     } else {
@@ -329,5 +338,18 @@ void Board::ResetIfStuck()
 {
     if (interruptDeadline_ && Clock::now() >= *interruptDeadline_) {
         FinishProgram(Outcome::Error, kInterruptedTraceback, true);
+    }
+}
+
+void Board::ResetIfOverfull()
+{
+    if (!folderGuard_->IsOverfull()) {
+        return;
+    }
+    constexpr std::string_view reason = "the board's files are larger than its flash";
+    if (interpreter_ && interpreter_->busy()) {
+        FinishProgram(Outcome::Error, std::string(reason) + "\n", true);
+    } else {
+        RestartInterpreter();
     }
 }

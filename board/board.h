@@ -1,5 +1,6 @@
 #pragma once
 
+#include "folder_guard.h"
 #include "interpreter.h"
 #include "pin_server.h"
 #include "repl.h"
@@ -13,9 +14,10 @@
 
 struct BoardOptions {
     InterpreterFiles interpreter;
-    std::string folder;  // The folder that is the board's file system; must exist.
-    std::string link;    // A stable path that links to the serial device; may be empty.
-    std::string pins;    // The path of the socket that serves the pins; may be empty.
+    std::string folder;              // The folder that is the board's file system; must exist.
+    std::string link;                // A stable path that links to the serial device; may be empty.
+    std::string pins;                // The path of the socket that serves the pins; may be empty.
+    std::size_t heap = 256UL << 10;  // bytes of memory that programs have
 };
 
 // A MicroPython board: an interpreter that is accessed through a serial line and whose file system
@@ -35,6 +37,10 @@ class Board final : private ReplTarget {
 
     // The path of the serial device. Must be called only while the board is plugged in.
     const std::string& devicePath() const { return port_->devicePath(); }
+
+    // What of this computer programs can reach because the system cannot forbid it; usually empty.
+    // Must be called only while the board is plugged in.
+    const std::string& reachable() const { return interpreter_->reachable(); }
 
     // Runs the board until the byte 'q' arrives on the descriptor `commands`; 'u' unplugs the
     // board, and 'p' plugs it in again. The error is a sentence.
@@ -63,6 +69,7 @@ class Board final : private ReplTarget {
     bool mayChangePins() const;
     void ServePins(std::span<const pollfd> fds);
     void ResetIfStuck();
+    void ResetIfOverfull();
     int TimeoutMilliseconds() const;
 
     BoardOptions options_;
@@ -72,6 +79,7 @@ class Board final : private ReplTarget {
     ResetCause resetCause_ = ResetCause::PowerOn;  // For the next interpreter.
     std::optional<SerialPort> port_;
     std::optional<Interpreter> interpreter_;
+    std::optional<FolderGuard> folderGuard_;  // While the board is plugged in.
     // The program must have finished by then, since it was interrupted.
     std::optional<Clock::time_point> interruptDeadline_;
     std::string failure_;

@@ -12,9 +12,9 @@ import ffi
 import micropython
 import struct
 import uctypes
+from machine import PinBase, soft_reset, time_pulse_us
 from time import sleep, ticks_add, ticks_diff, ticks_us
 
-DESCRIPTOR = 4
 # The header of the block.
 INTERRUPT, HAS_EVENTS, RESETS, RESET_CAUSE = 0, 1, 2, 3
 # The records of the pins, and the offsets in each.
@@ -26,21 +26,21 @@ STRIPS, STRIP_SIZE = 2048, 4096
 BLOCK_SIZE = STRIPS + PIN_COUNT * STRIP_SIZE
 
 SIGINT, SIGALRM = 2, 14
-RETRY_MICROSECONDS = 2000
+RETRY_MICROSECONDS = 5000
 MIN_DELAY_MICROSECONDS = 200  # Leaves some time to the program, whatever its timers do.
 # An interrupt waits so often for the end of a callback before it interrupts that.
-MAX_DEFERRALS = 100
+MAX_DEFERRALS = 40
 
 _libc = ffi.open(None)
-_kill = _libc.func("i", "kill", "ii")
+_tgkill = _libc.func("i", "tgkill", "iii")
 _setitimer = _libc.func("i", "setitimer", "ipp")
 _pid = _libc.func("i", "getpid", "")()
 
 
-def _map_block():
+def map_block(descriptor):
     map_memory = _libc.func("P", "mmap", "PLiiil")
-    address = map_memory(0, BLOCK_SIZE, 3, 1, DESCRIPTOR, 0)  # Readable, writable, shared.
-    _libc.func("i", "close", "i")(DESCRIPTOR)
+    address = map_memory(0, BLOCK_SIZE, 3, 1, descriptor, 0)  # Readable, writable, shared.
+    _libc.func("i", "close", "i")(descriptor)
     return uctypes.bytearray_at(address, BLOCK_SIZE)
 
 
@@ -55,7 +55,7 @@ def _on_alarm(function):
     return handler
 
 
-block = _map_block()
+block = None
 board = None  # The only object of the following class.
 
 
@@ -80,7 +80,7 @@ class Hardware:
     # In a signal handler.
     def on_alarm(self, _number):
         if block[INTERRUPT]:
-            self.interrupt()
+            return self.interrupt()
         if self.watchdog_due is not None and ticks_diff(ticks_us(), self.watchdog_due) >= 0:
             self.watchdog_due = None
             self.request_reset(3)
@@ -96,12 +96,12 @@ class Hardware:
 
     # The interpreter ignores an exception that leaves a callback, so an interrupt waits for it.
     def interrupt(self):
+        _setitimer(0, self.retry, None)
         if self.is_scheduled and self.deferrals < MAX_DEFERRALS:
             self.deferrals += 1
-            _setitimer(0, self.retry, None)
         else:
             self.deferrals = block[INTERRUPT] = 0
-            _kill(_pid, SIGINT)
+            _tgkill(_pid, _pid, SIGINT)
 
     def dispatch(self, _):
         self.runs_again = False
@@ -185,7 +185,7 @@ class Hardware:
         was_enabled = self.is_enabled
         self.is_enabled = is_enabled
         if is_enabled and not was_enabled:
-            _kill(_pid, SIGALRM)
+            _tgkill(_pid, _pid, SIGALRM)
         return was_enabled
 
     def power_on(self):

@@ -1,5 +1,6 @@
 #include "interpreter.h"
 
+#include "confinement.h"
 #include "descriptors.h"
 
 #include <fcntl.h>
@@ -12,6 +13,7 @@
 #include <array>
 #include <cerrno>
 #include <charconv>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <tuple>
@@ -21,15 +23,28 @@ namespace {
 
 constexpr std::size_t kHeaderSize = 18;
 constexpr char kCompiled = 'C';
-constexpr std::size_t kMaxText = 1'000'000;  // bytes
-constexpr std::size_t kMaxInput = 16384;     // bytes, in addition to those in the pipe
+constexpr std::size_t kMaxText = 1'000'000;     // bytes
+constexpr std::size_t kFlashSize = 16UL << 20;  // bytes, as in flash.py
+constexpr std::size_t kMaxInput = 16384;        // bytes, in addition to those in the pipe
 constexpr int kStartTimeoutMilliseconds = 5000;
-constexpr const char* kHeapSize = "heapsize=4m";
+constexpr std::chrono::seconds kMessageTimeout{2};
+constexpr char kConfine = 'P';
+constexpr std::size_t kHeapOfBoard = 64UL << 10;  // bytes that the board's own script takes
+// What the interpreter needs besides the heap, for its code, its stack and the stacks of threads.
+constexpr std::size_t kMemoryBesidesHeap = 64UL << 20;
 
 struct Pipes {
     std::array<int, 2> input{-1, -1};
     std::array<int, 2> output{-1, -1};
     std::array<int, 2> control{-1, -1};
+};
+
+// How a child process becomes an interpreter.
+struct Command {
+    std::array<const char*, 7> arguments;
+    int pins;            // A descriptor to leave open.
+    int fileRules;       // Likewise; -1 if there is none.
+    std::size_t memory;  // bytes of address space
 };
 
 std::optional<Pipes> MakePipes()
@@ -50,8 +65,7 @@ std::optional<Pipes> MakePipes()
 }
 
 // Called in the child process between fork and exec: only async-signal-safe calls are allowed.
-[[noreturn]] void BecomeInterpreter(pid_t parent, const Pipes& pipes, int pins,
-                                    const char* const* arguments)
+[[noreturn]] void BecomeInterpreter(pid_t parent, const Pipes& pipes, const Command& command)
 {
     SignalOnParentExit(parent, SIGKILL);
     // In a group of its own, so that signals to the board's group do not reach it. Those that were
@@ -61,29 +75,46 @@ std::optional<Pipes> MakePipes()
         signal(number, SIG_IGN);
         signal(number, SIG_DFL);
     }
-    // One of the descriptors may have the number that another one gets.
-    pins = fcntl(pins, F_DUPFD, 5);
     dup2(pipes.input[0], STDIN_FILENO);
     dup2(pipes.output[1], STDOUT_FILENO);
     dup2(pipes.output[1], STDERR_FILENO);
     dup2(pipes.control[1], 3);
-    dup2(pins, 4);
-    close(pins);
     sigset_t none;
     sigemptyset(&none);
     sigprocmask(SIG_SETMASK, &none, nullptr);
-    for (const int number : {SIGPIPE, SIGXFSZ}) {
-        signal(number, SIG_DFL);
-    }
-    execv(arguments[0], const_cast<char* const*>(arguments));
+    signal(SIGPIPE, SIG_DFL);
+    LimitResources(command.memory, kFlashSize);
+    fcntl(command.pins, F_SETFD, 0);
+    fcntl(command.fileRules, F_SETFD, 0);
+    // The environment is no business of a board. Threads share one pool of memory, since each pool
+    // would reserve more than the limit.
+    std::array<char, 19> onePool{"MALLOC_ARENA_MAX=1"};
+    const std::array<char*, 2> environment{onePool.data(), nullptr};
+    const auto& arguments = command.arguments;
+    execve(arguments[0], const_cast<char* const*>(arguments.data()), environment.data());
     _exit(127);
+}
+
+using Clock = std::chrono::steady_clock;
+
+// False at the deadline: a program can also keep its process from sending or receiving the rest.
+bool WaitFor(int fd, short events, Clock::time_point deadline)
+{
+    pollfd ready{fd, events, 0};
+    int count = 0;
+    do {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+        count = left.count() < 0 ? 0 : poll(&ready, 1, static_cast<int>(left.count()));
+    } while (count < 0 && errno == EINTR);
+    return count > 0;
 }
 
 bool ReadFully(int fd, char* data, std::size_t size)
 {
+    const auto deadline = Clock::now() + kMessageTimeout;
     while (size > 0) {
-        const ssize_t n = read(fd, data, size);
-        if (n < 0 && errno == EINTR) {
+        const ssize_t n = WaitFor(fd, POLLIN, deadline) ? recv(fd, data, size, MSG_DONTWAIT) : 0;
+        if (n < 0 && (errno == EINTR || errno == EAGAIN)) {
             continue;
         }
         if (n <= 0) {
@@ -97,9 +128,12 @@ bool ReadFully(int fd, char* data, std::size_t size)
 
 bool SendFully(int fd, std::string_view data)
 {
+    const auto deadline = Clock::now() + kMessageTimeout;
     while (!data.empty()) {
-        const ssize_t n = send(fd, data.data(), data.size(), MSG_NOSIGNAL);
-        if (n < 0 && errno == EINTR) {
+        const ssize_t n = WaitFor(fd, POLLOUT, deadline)
+                              ? send(fd, data.data(), data.size(), MSG_NOSIGNAL | MSG_DONTWAIT)
+                              : 0;
+        if (n < 0 && (errno == EINTR || errno == EAGAIN)) {
             continue;
         }
         if (n <= 0) {
@@ -121,14 +155,20 @@ std::string Header(char mode, int sequence, std::size_t length)
 
 std::expected<Interpreter, std::string> Interpreter::Start(const InterpreterFiles& files,
                                                            const std::string& folder,
-                                                           PinBlock& pins)
+                                                           std::size_t heap, PinBlock& pins)
 {
     const auto pipes = MakePipes();
     if (!pipes) {
         return std::unexpected(std::string("cannot create pipes: ") + std::strerror(errno));
     }
-    const std::array<const char*, 6> arguments{files.program.c_str(), "-X",           kHeapSize,
-                                               files.script.c_str(),  folder.c_str(), nullptr};
+    const std::string heapSize = "heapsize=" + std::to_string(heap + kHeapOfBoard);
+    const std::string modules = files.script.substr(0, files.script.rfind('/')) + "/modules";
+    const std::string pinsDescriptor = std::to_string(pins.fd());
+    const Command command{{files.program.c_str(), "-X", heapSize.c_str(), files.script.c_str(),
+                           folder.c_str(), pinsDescriptor.c_str(), nullptr},
+                          pins.fd(),
+                          MakeFileRules(folder, modules),
+                          heap + kMemoryBesidesHeap};
     Interpreter self;
     self.pins_ = &pins;
     const pid_t parent = getpid();
@@ -138,12 +178,13 @@ std::expected<Interpreter, std::string> Interpreter::Start(const InterpreterFile
     sigprocmask(SIG_SETMASK, &all, &before);  // The child must not run this process's handlers.
     self.pid_ = fork();
     if (self.pid_ == 0) {
-        BecomeInterpreter(parent, *pipes, pins.fd(), arguments.data());
+        BecomeInterpreter(parent, *pipes, command);
     }
     const int forkError = errno;
     sigprocmask(SIG_SETMASK, &before, nullptr);
     CloseDescriptor(pipes->control[1]);
     CloseDescriptor(pipes->output[1]);
+    CloseDescriptor(command.fileRules);
     self.control_ = pipes->control[0];
     self.output_ = pipes->output[0];
     self.inputRead_ = pipes->input[0];
@@ -151,6 +192,9 @@ std::expected<Interpreter, std::string> Interpreter::Start(const InterpreterFile
     if (self.pid_ < 0) {
         return std::unexpected(std::string("cannot start a process: ") + std::strerror(forkError));
     }
+    const std::string filter = MakeSystemCallFilter(self.pid_);
+    std::ignore =
+        SendFully(self.control_, Header(kConfine, command.fileRules, filter.size()) + filter);
     if (const auto started = self.WaitUntilStarted(); !started) {
         return std::unexpected(files.program + " does not start: " + started.error());
     }
@@ -166,8 +210,9 @@ std::expected<void, std::string> Interpreter::WaitUntilStarted()
     if (count == 0) {
         return std::unexpected("it does not answer");
     }
-    const auto answer = TakeMessage();
+    const auto answer = ReadMessage();
     if (answer) {
+        reachable_ = answer->text;
         return {};
     }
     std::string printed = TakeOutput();
@@ -194,6 +239,7 @@ Interpreter& Interpreter::operator=(Interpreter&& other) noexcept
         output_ = std::exchange(other.output_, -1);
         inputRead_ = std::exchange(other.inputRead_, -1);
         inputWrite_ = std::exchange(other.inputWrite_, -1);
+        reachable_ = std::move(other.reachable_);
         sequence_ = other.sequence_;
         busy_ = other.busy_;
         unconfirmed_ = other.unconfirmed_;
@@ -237,7 +283,7 @@ std::string Interpreter::TakeOutput()
     return ReadAvailable(output_);
 }
 
-std::expected<std::optional<Message>, std::string> Interpreter::TakeMessage()
+std::expected<Interpreter::RawMessage, std::string> Interpreter::ReadMessage() const
 {
     std::array<char, kHeaderSize> header{};
     int sequence = 0;
@@ -251,14 +297,24 @@ std::expected<std::optional<Message>, std::string> Interpreter::TakeMessage()
     if (!ReadFully(control_, text.data(), text.size())) {
         return std::unexpected("the interpreter has exited");
     }
-    const auto kind = static_cast<Message::Kind>(header[0]);
+    return RawMessage{header[0], sequence, std::move(text)};
+}
+
+std::expected<std::optional<Message>, std::string> Interpreter::TakeMessage()
+{
+    auto message = ReadMessage();
+    if (!message) {
+        return std::unexpected(message.error());
+    }
+    auto& [letter, sequence, text] = *message;
+    const auto kind = static_cast<Message::Kind>(letter);
     if (kind == Message::Kind::Output || kind == Message::Kind::LineEndings) {
         unconfirmed_ = sequence;
     } else if (kind != Message::Kind::Reset && kind != Message::Kind::InterruptCharacter) {
         if (sequence != sequence_ || !busy_) {
-            return std::nullopt;  // The first answer, or one that an interrupt has doubled.
+            return std::nullopt;  // An answer that an interrupt has doubled.
         }
-        if (header[0] == kCompiled) {
+        if (letter == kCompiled) {
             OnCompiled();
             return std::nullopt;
         }

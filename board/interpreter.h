@@ -40,14 +40,19 @@ struct Message {
 // object is destroyed or the board's process exits. Owned by the board and used on its thread.
 class Interpreter {
   public:
-    // Starts the process with `folder` as the board's file system, and waits until it can execute
-    // programs, which takes a few milliseconds. The process uses `pins`, which must outlive this
-    // object. The error is a sentence.
+    // Starts the process with `folder` as the board's file system and `heap` bytes of memory for
+    // programs, and waits until it is confined and can execute programs, which takes a few
+    // milliseconds. The process uses `pins`, which must outlive this object. The error is a
+    // sentence.
     static std::expected<Interpreter, std::string> Start(const InterpreterFiles& files,
-                                                         const std::string& folder, PinBlock& pins);
+                                                         const std::string& folder,
+                                                         std::size_t heap, PinBlock& pins);
     Interpreter(Interpreter&& other) noexcept;
     Interpreter& operator=(Interpreter&& other) noexcept;
     ~Interpreter();
+
+    // What of this computer programs can reach because the system cannot forbid it; usually empty.
+    const std::string& reachable() const { return reachable_; }
 
     // Descriptors to poll for reading: the program's output, and messages.
     int outputFd() const { return output_; }
@@ -82,8 +87,15 @@ class Interpreter {
     void OnPinsChanged() const;
 
   private:
+    struct RawMessage {
+        char kind;
+        int sequence;
+        std::string text;
+    };
+
     Interpreter() = default;
     void Kill();
+    std::expected<RawMessage, std::string> ReadMessage() const;
     std::expected<void, std::string> WaitUntilStarted();
     void OnCompiled();
 
@@ -93,6 +105,7 @@ class Interpreter {
     int output_ = -1;
     int inputRead_ = -1;
     int inputWrite_ = -1;
+    std::string reachable_;
     int sequence_ = 0;
     bool busy_ = false;
     int unconfirmed_ = 0;  // The number of the message to be confirmed.

@@ -3,6 +3,8 @@
 Descriptor 3 is a socket to the serial side. All messages consist of a header of
 18 bytes, "KIND SEQUENCE LENGTH", and a text. The kinds of requests are E
 (statements), S (one interactive line) and F (the name of a file on the board).
+The first request is P: its sequence number is a descriptor and its text a filter,
+by which the process confines itself; its answer says what that could not forbid.
 A request is answered by C as soon as it is compiled, since only then it may be
 interrupted, and at its end by N (finished normally), E (failed with this
 traceback) or X (called sys.exit). Meanwhile, B sends binary output, and L says
@@ -20,7 +22,9 @@ import time
 import vfs
 
 import hardware
+from confinement import confine
 from flash import MODULES, Flash
+from stand_ins import hide_computer
 
 HEADER_SIZE = 18
 # A message must fit into the socket's buffer, so that an interrupt cannot split it.
@@ -204,19 +208,21 @@ def source_and_name(mode, text):
         return file.read(), name
 
 
-def execute(channel, sequence, mode, text, namespace):
+def execute(channel, sequence, mode, length, namespace):
     try:
-        source, name = source_and_name(mode, text)
-        code = compile(source, name, "single" if mode == "S" else "exec")
+        code = receive_code(channel, mode, length)
         channel.write(message("C", sequence))
         exec(code, namespace)
-        return "N", "", False
+        return "N", ""
     except SystemExit:
-        return "X", "", False
-    except BaseException as error:
+        return "X", ""
+    except KeyboardInterrupt as error:
         # Whoever stops a program expects an idle board, except at the prompt.
-        is_stopped = isinstance(error, KeyboardInterrupt) and mode != "S"
-        return "E", traceback_text(error), is_stopped
+        if mode != "S":
+            board.power_on()
+        return "E", traceback_text(error)
+    except BaseException as error:
+        return "E", traceback_text(error)
 
 
 def receive(channel, length):
@@ -225,20 +231,27 @@ def receive(channel, length):
     except MemoryError:
         while length > 0:  # Skip the source, so that the next request can be read.
             length -= len(channel.read(min(length, 4096)))
-        return None
+        raise MemoryError("the program is larger than the board's memory")
 
 
-def serve(channel):
+# Returns the code alone, so that the source takes no memory while the program runs.
+def receive_code(channel, mode, length):
+    source, name = source_and_name(mode, receive(channel, length))
+    return compile(source, name, "single" if mode == "S" else "exec")
+
+
+def confined(channel):
+    header = channel.read(HEADER_SIZE)
+    return confine(int(header[1:9]), channel.read(int(header[10:18])))
+
+
+def serve(channel, text):
     namespace = {"__name__": "__main__"}
-    # The sequence number of the request that has not been answered. The first answer, which has no
-    # request, reports that the interpreter has started.
+    # The sequence number of the request that has not been answered, at first P.
     sequence = 0
-    status, text, is_stopped = "N", "", False
+    status = "N"
     while True:
         try:
-            if is_stopped:
-                board.power_on()
-                is_stopped = False
             if sequence is not None:
                 # Sent again if an interrupt occurs here; the serial side ignores the second one.
                 channel.write(message(status, sequence, text.encode()))
@@ -248,16 +261,11 @@ def serve(channel):
                 return
             if header[:1] == b"B":
                 continue  # The confirmation of an interrupted message.
-            status, text, is_stopped = "E", INTERRUPTED, True
+            status, text = "E", INTERRUPTED
             sequence = int(header[1:9])
-            request = receive(channel, int(header[10:18]))
-            if request is None:
-                text = "MemoryError: the program is larger than the board's memory\n"
-                is_stopped = False
-            else:
-                status, text, is_stopped = execute(
-                    channel, sequence, chr(header[0]), request, namespace
-                )
+            status, text = execute(
+                channel, sequence, chr(header[0]), int(header[10:18]), namespace
+            )
         except KeyboardInterrupt:
             pass
 
@@ -272,8 +280,11 @@ def use_folder_as_file_system(folder, modules):
 
 
 control = open(3, "r+b")
+hardware.block = hardware.map_block(int(sys.argv[2]))
+hide_computer()
 use_folder_as_file_system(sys.argv[1], OWN_FOLDER + "/modules")
-del sys.modules["flash"], sys.modules["hardware"]
+for name in ("confinement", "flash", "hardware", "stand_ins"):
+    del sys.modules[name]
 board = hardware.Hardware(lambda cause: control.write(RESET_MESSAGES[cause]), report)
 hardware.board = board
 sys.modules["_board"] = hardware
@@ -281,9 +292,9 @@ serial = SerialSide(control)
 System.stdin = TextInput(real_sys.stdin.buffer)
 System.stdout = TextOutput(BinaryOutput(serial))
 builtins.input = input_function(serial)
-sys.modules["sys"] = System()
+sys.modules["sys"] = sys.modules["usys"] = System()
 sys.modules["micropython"] = Micropython(control)
 try:
-    serve(control)
+    serve(control, confined(control))
 except MemoryError:
     pass  # An interrupt has cut off a garbage collection, which leaves the heap locked.

@@ -1,28 +1,29 @@
 #include "path_text.h"
 
+#include "qt_version.h"
+
 #include <QByteArray>
+
+#include <glib.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
+#include <string_view>
 
 namespace {
 
 constexpr char16_t kEscape = 0xDC00;  // Added to a byte that is not part of UTF-8.
 constexpr char16_t kFirstEscaped = kEscape + 0x80;
 constexpr char16_t kLastEscaped = kEscape + 0xFF;
-constexpr qsizetype kMaxSequence = 4;  // bytes
 constexpr const char* kFileUrl = "file://";
 
-// The length of the UTF-8 sequence at the beginning; 0 if there is none.
-qsizetype SequenceLength(QByteArrayView bytes)
+// The part at the beginning that is UTF-8.
+std::string_view ValidStart(std::string_view bytes)
 {
-    for (qsizetype length = 1; length <= std::min(kMaxSequence, bytes.size()); ++length) {
-        if (bytes.first(length).isValidUtf8()) {
-            return length;
-        }
-    }
-    return 0;
+    const char* end = nullptr;
+    g_utf8_validate_len(bytes.data(), bytes.size(), &end);
+    return {bytes.data(), end};
 }
 
 bool IsEscaped(QChar character)
@@ -42,19 +43,16 @@ QStringList ConvertAll(const QStringList& texts, Convert convert)
 
 QString PathToText(const std::string& path)
 {
-    const QByteArrayView bytes(path.data(), static_cast<qsizetype>(path.size()));
-    if (bytes.isValidUtf8()) {
-        return QString::fromUtf8(bytes);
-    }
     QString text;
-    for (qsizetype at = 0; at < bytes.size();) {
-        const auto length = SequenceLength(bytes.sliced(at));
-        if (length > 0) {
-            text += QString::fromUtf8(bytes.sliced(at, length));
-        } else {
-            text += QChar(static_cast<char16_t>(kEscape + static_cast<unsigned char>(bytes[at])));
+    for (std::string_view rest = path; !rest.empty();) {
+        const auto valid = ValidStart(rest);
+        text += QString::fromStdString(std::string(valid));
+        rest.remove_prefix(valid.size());
+        if (!rest.empty()) {
+            text +=
+                QChar(static_cast<char16_t>(kEscape + static_cast<unsigned char>(rest.front())));
+            rest.remove_prefix(1);
         }
-        at += std::max<qsizetype>(length, 1);
     }
     return text;
 }
@@ -65,12 +63,12 @@ std::string TextToPath(const QString& text)
         return text.toStdString();
     }
     std::string path;
-    for (qsizetype at = 0; at < text.size();) {
+    for (QtSize at = 0; at < text.size();) {
         if (IsEscaped(text[at])) {
             path += static_cast<char>(text[at].unicode() - kEscape);
             ++at;
         } else {
-            const qsizetype length = text[at].isHighSurrogate() ? 2 : 1;
+            const QtSize length = text[at].isHighSurrogate() ? 2 : 1;
             path += text.mid(at, length).toStdString();
             at += length;
         }
@@ -91,7 +89,7 @@ QString PathFromStored(const QString& stored)
 {
     return stored.startsWith(kFileUrl)
                ? PathFromPercentEncoding(
-                     stored.mid(static_cast<qsizetype>(qstrlen(kFileUrl))).toUtf8())
+                     stored.mid(static_cast<QtSize>(qstrlen(kFileUrl))).toUtf8())
                : stored;
 }
 

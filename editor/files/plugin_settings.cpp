@@ -32,23 +32,6 @@ std::vector<std::string> SplitLines(const std::string& text)
     return lines;
 }
 
-std::vector<std::string> SplitWords(const std::string& line)
-{
-    std::vector<std::string> words;
-    std::istringstream stream(line);
-    for (std::string word; stream >> word;) {
-        words.push_back(word);
-    }
-    return words;
-}
-
-std::string KeyOf(const std::string& line)
-{
-    std::string key;
-    std::istringstream(line) >> key;
-    return key;
-}
-
 bool IsText(const std::string& text)
 {
     return text.find('\0') == std::string::npos;
@@ -57,7 +40,9 @@ bool IsText(const std::string& text)
 // Replaces the key's first line and removes its other lines, or appends the line.
 void SetLine(std::vector<std::string>& lines, const std::string& key, const std::string& line)
 {
-    const auto hasKey = [&](const std::string& other) { return KeyOf(other) == key; };
+    const auto hasKey = [&](const std::string& other) {
+        return SettingsLines::KeyOf(other) == key;
+    };
     const auto first = std::find_if(lines.begin(), lines.end(), hasKey);
     if (first == lines.end()) {
         lines.push_back(line);
@@ -110,43 +95,22 @@ Saved SaveLines(const std::string& path, const std::map<std::string, std::string
 
 std::optional<std::string> PluginSettings::Load()
 {
-    words_.clear();
     const auto lines = ReadLines(path_);
-    if (!lines) {
-        return SetAsideWithReport(lines.error(), path_);
+    SettingsLines::Load(lines ? *lines : Lines());
+    if (lines) {
+        return std::nullopt;
     }
-    for (const auto& line : *lines) {
-        words_[KeyOf(line)] = SplitWords(line);
-    }
-    words_.erase("");
-    return std::nullopt;
-}
-
-const std::vector<std::string>* PluginSettings::Words(const std::string& key) const
-{
-    const auto words = words_.find(key);
-    return words != words_.end() ? &words->second : nullptr;
-}
-
-void PluginSettings::Replace(const std::string& text)
-{
-    for (const auto& line : SplitLines(text)) {
-        const std::string key = KeyOf(line);
-        if (keys_.contains(key) && IsText(line)) {
-            words_[key] = SplitWords(line);
-            unsaved_[key] = line;
-        }
-    }
+    return SetAsideWithReport(lines.error(), path_);
 }
 
 std::expected<void, std::string> PluginSettings::Save()
 {
-    if (unsaved_.empty()) {
+    if (unsaved().empty()) {
         return {};
     }
     const auto saved = std::make_shared<Saved>();
     FileWorker worker(1, std::chrono::seconds(0));
-    worker.Do({}, [saved, path = path_, changed = unsaved_]() -> FileWorker::Result {
+    worker.Do({}, [saved, path = path_, changed = unsaved()]() -> FileWorker::Result {
         *saved = SaveLines(path, changed);
         return {};
     });
@@ -154,7 +118,7 @@ std::expected<void, std::string> PluginSettings::Save()
         return std::unexpected(path_ + " cannot be saved: the disk does not answer");
     }
     if (*saved) {
-        unsaved_.clear();
+        MarkSaved();
     }
     return *saved;
 }

@@ -5,8 +5,6 @@
 #include <QColor>
 #include <QFont>
 
-#include <array>
-
 class QKeyEvent;
 
 // The common style of all text views. [ui]
@@ -20,8 +18,6 @@ struct EditorColors {
     QColor caretLine, margin, guide, link;
     QColor keyword, builtin, string, comment, number, className, function, decorator;
     QColor matchedBrace, match, error;  // `error` is also used for unmatched brackets.
-    // The colours that programs can choose for their output, legible on this background.
-    std::array<QColor, 16> output;
 };
 
 const EditorColors& ColorsFor(const QPalette& palette);

@@ -297,7 +297,11 @@ void MainWindow::ShowFront()
     auto* const page = tabs_->FrontPage();
     const auto* const front = tabs_->Front();
     const std::string path = front != nullptr ? RunPathOf(*front) : std::string();
-    host_.SetDocument(path, front != nullptr && path.empty() && !front->IsPristine());
+    if (front != nullptr && path.empty() && !front->IsPristine()) {
+        host_.SetDocument({}, true);
+    } else {
+        host_.SetDocument(path);
+    }
     if (findBar_->editor() != worksheet_) {
         findBar_->SetEditor(page != nullptr ? &page->editor() : nullptr);
     }

@@ -3,9 +3,11 @@
 #include "editor_style.h"
 #include "link_marks.h"
 #include "on_demand_accessibility.h"
+#include "output_colors.h"
 #include "scintilla_text.h"
 #include "source_link.h"
 
+#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QRegularExpression>
 
@@ -14,8 +16,6 @@
 
 namespace {
 
-constexpr std::size_t kChunkSize = 65'536;      // bytes a turn
-constexpr std::size_t kMaxPending = 8'388'608;  // bytes
 // Removing lines moves the whole text, so many are removed at once.
 constexpr int kLinesAfterDrop = Worksheet::kMaxLines - Worksheet::kMaxLines / 20;
 constexpr long kBytesAfterDrop = Worksheet::kMaxBytes - Worksheet::kMaxBytes / 16;
@@ -167,14 +167,17 @@ bool IsRunChord(const QKeyEvent& event)
 
 }  // namespace
 
-Worksheet::Worksheet(QWidget* parent) : QsciScintilla(parent)
+Worksheet::Worksheet(QWidget* parent)
+    : QsciScintilla(parent),
+      feed_({.lastColumn = [this] { return LastColumn(); },
+             .apply = [this](const auto& change) { follower_.Change([&] { Apply(change); }); },
+             .removeAll = [this] { follower_.Change([this] { RemoveAll(); }); }},
+            {.lines = kMaxLines, .bytes = kMaxBytes})
 {
     SetUpEditor(*this);
     SetUpMargin(*this);
     SetUpLinks();
     ApplyColors();
-    appendTimer_.setSingleShot(true);
-    connect(&appendTimer_, &QTimer::timeout, this, &Worksheet::AppendChunk);
     markTimer_.setSingleShot(true);
     connect(&markTimer_, &QTimer::timeout, this, &Worksheet::MarkChanged);
 }
@@ -198,6 +201,7 @@ void Worksheet::SetUpLinks()
 void Worksheet::ApplyColors()
 {
     const auto& colors = ColorsFor(palette());
+    const auto& output = OutputColors(palette().color(QPalette::Base));
     setMarkerBackgroundColor(colors.link, kBeginningMarker);
     setIndicatorForegroundColor(colors.link, kLinkIndicator);
     setIndicatorHoverForegroundColor(colors.link, kLinkIndicator);
@@ -210,7 +214,7 @@ void Worksheet::ApplyColors()
         for (const bool isBold : {false, true}) {
             const QColor plain = palette().color(QPalette::Text);
             apply(NumberOf({color, isBold}),
-                  color < 0 ? plain : colors.output.at(static_cast<std::size_t>(color)), isBold);
+                  color < 0 ? plain : output.at(static_cast<std::size_t>(color)), isBold);
         }
     }
     apply(kTracebackStyle, colors.error, false);
@@ -227,20 +231,20 @@ void Worksheet::SetWraps(bool wraps)
 
 void Worksheet::FollowEnd()
 {
-    AppendPending();
+    feed_.Flush();
     follower_.FollowEnd();
 }
 
 void Worksheet::BeginCommand()
 {
-    AppendPending();
+    feed_.Flush();
     begins_ = true;
     caretBefore_ = Send(*this, SCI_GETCURRENTPOS);
 }
 
 void Worksheet::EndCommand()
 {
-    AppendPending();
+    feed_.Flush();
     const bool isSilent = std::exchange(begins_, false);
     const bool isCaretMoved =
         std::exchange(caretBefore_, -1) != Send(*this, SCI_GETCURRENTPOS) || hasSelectedText();
@@ -248,52 +252,21 @@ void Worksheet::EndCommand()
         return;
     }
     AppendLines({});
-    AppendPending();
+    feed_.Flush();
     follower_.Change([this] { Send(*this, SCI_SETEMPTYSELECTION, Length(*this)); });
 }
 
-void Worksheet::AppendLines(std::string_view utf8)
+qsizetype Worksheet::LastColumn() const
 {
-    AppendPending();
-    if (lineLength(lines() - 1) > 0) {
-        Append("\n");
-    }
-    Append(utf8);
+    return Send(*this, SCI_COUNTCODEUNITS, LineStart(*this, lines() - 1), Length(*this));
 }
 
-void Worksheet::Append(std::string_view utf8)
+// Output follows that fills the whole text.
+void Worksheet::RemoveAll()
 {
-    pending_ += utf8;
-    while (pending_.size() - consumed_ > kMaxPending) {
-        AppendChunk();
-    }
-    if (consumed_ < pending_.size() && !appendTimer_.isActive()) {
-        appendTimer_.start();
-    }
-}
-
-void Worksheet::AppendChunk()
-{
-    const auto part = std::string_view(pending_).substr(consumed_, kChunkSize);
-    const long lastLine = LineStart(*this, lines() - 1);
-    const long column = Send(*this, SCI_COUNTCODEUNITS, lastLine, Length(*this));
-    const auto change = parser_.Feed(part, column);
-    consumed_ += part.size();
-    if (consumed_ >= pending_.size() / 2) {
-        pending_.erase(0, std::exchange(consumed_, 0));
-    }
-    follower_.Change([&] { Apply(change); });
-    if (!pending_.empty()) {
-        appendTimer_.start();
-    }
-}
-
-void Worksheet::AppendPending()
-{
-    while (!pending_.empty()) {
-        AppendChunk();
-    }
-    appendTimer_.stop();
+    const NotificationBlocker blocker(*this);
+    RemoveText(Length(*this));
+    begins_ = false;
 }
 
 void Worksheet::Apply(const OutputChange& change)
@@ -322,11 +295,6 @@ void Worksheet::Apply(const OutputChange& change)
     DropOldLines();
 }
 
-void Worksheet::EndOutput()
-{
-    Append("\x1b[m");
-}
-
 void Worksheet::DropOldLines()
 {
     long dropped = 0;
@@ -339,20 +307,26 @@ void Worksheet::DropOldLines()
     if (dropped == 0) {
         return;
     }
+    RemoveText(LineStart(*this, dropped));
+}
+
+// Removes the text before the position. Notifications must be disabled.
+void Worksheet::RemoveText(long end)
+{
     // The marks of deleted lines would be moved to the first one that remains.
+    const long lastLine = LineAt(*this, end);
     for (int line = 0;
-         (line = markerFindNext(line, 1U << kBeginningMarker)) >= 0 && line < dropped;) {
+         (line = markerFindNext(line, 1U << kBeginningMarker)) >= 0 && line < lastLine;) {
         markerDelete(line, kBeginningMarker);
     }
-    const long length = LineStart(*this, dropped);
-    Send(*this, SCI_DELETERANGE, 0, length);
-    caretBefore_ = caretBefore_ < 0 ? -1 : std::max(0L, caretBefore_ - length);
+    Send(*this, SCI_DELETERANGE, 0, end);
+    caretBefore_ = caretBefore_ < 0 ? -1 : std::max(0L, caretBefore_ - end);
     Send(*this, SCI_EMPTYUNDOBUFFER);
 }
 
 QString Worksheet::Content()
 {
-    AppendPending();
+    feed_.Flush();
     return TextOf(*this);
 }
 
@@ -369,11 +343,8 @@ void Worksheet::SetContent(const QString& text)
 
 void Worksheet::ClearAll()
 {
-    pending_.clear();
-    consumed_ = 0;
-    appendTimer_.stop();
+    feed_.Clear();
     unchanged_.reset();
-    parser_ = {};
     chosen_ = -1;
     caretBefore_ = std::min(caretBefore_, 0L);
     const NotificationBlocker blocker(*this);
@@ -410,7 +381,7 @@ void Worksheet::MarkChanged()
 
 bool Worksheet::GoToNextLink()
 {
-    AppendPending();
+    feed_.Flush();
     const long line = Send(*this, SCI_MARKERLINEFROMHANDLE, chosen_);
     auto link = FirstLinkFrom(*this, line < 0 ? NewestTraceback(*this) : LineEnd(*this, line));
     if (!link) {
@@ -421,7 +392,7 @@ bool Worksheet::GoToNextLink()
 
 bool Worksheet::GoToPreviousLink()
 {
-    AppendPending();
+    feed_.Flush();
     const long line = Send(*this, SCI_MARKERLINEFROMHANDLE, chosen_);
     auto link = line < 0 ? std::nullopt : LastLinkBefore(*this, LineStart(*this, line));
     link = link ? link : LastLinkBefore(*this, Length(*this));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "output_text.h"
+#include "output_feed.h"
 #include "output_view.h"
 #include "scintilla.h"
 #include "view_follower.h"
@@ -23,16 +23,12 @@ class Worksheet final : public QsciScintilla, public OutputView {
 
     explicit Worksheet(QWidget* parent = nullptr);
 
-    // Appends output (see OutputText) in chunks, one in each iteration of the event loop. If too
-    // much output is pending, this call itself appends chunks, to slow the producer down. The
-    // oldest lines are removed when there are too many. The view follows the output until the user
-    // scrolls away from the end; the caret and the selection do not move. Undo does not revert
-    // output, nor changes made before output erased a line.
-    void Append(std::string_view utf8) override;
-    void AppendLines(std::string_view utf8) override;
-
-    // A program has ended: its colours, or its unfinished control sequence, end as well.
-    void EndOutput();
+    // Appends output (see OutputFeed). The oldest lines are removed when there are too many. The
+    // view follows the output until the user scrolls away from the end; the caret and the selection
+    // do not move. Undo does not revert output, nor changes made before output erased a line.
+    void Append(std::string_view utf8) override { feed_.Append(utf8); }
+    void AppendLines(std::string_view utf8) override { feed_.AppendLines(utf8); }
+    void EndOutput() { feed_.EndOutput(); }
 
     // Marks the line where the output will begin in the margin.
     void BeginCommand() override;
@@ -81,18 +77,16 @@ class Worksheet final : public QsciScintilla, public OutputView {
 
     void SetUpLinks();
     void ApplyColors();
-    void AppendChunk();
-    void AppendPending();
+    qsizetype LastColumn() const;
     void Apply(const OutputChange& change);
+    void RemoveAll();
     void DropOldLines();
+    void RemoveText(long end);
     void RecordChange(int position, int type, int length);
     void MarkChanged();
     bool ChooseLinkAt(long position);
 
-    OutputText parser_;
-    std::string pending_;
-    std::size_t consumed_ = 0;  // Bytes at the front of `pending_` that have been appended.
-    QTimer appendTimer_;
+    OutputFeed feed_;
     QTimer markTimer_;
     std::optional<Unchanged> unchanged_;  // Until the links in the user's changes are marked.
     std::optional<long> clicked_;         // The position of a link, until the button is released.

@@ -19,7 +19,7 @@ QString Leaf(std::string_view path)
     while (path.size() > 1 && path.ends_with('/')) {
         path.remove_suffix(1);
     }
-    return QString::fromUtf8(path.substr(path.find_last_of("/:") + 1));
+    return QString::fromStdString(std::string(path.substr(path.find_last_of("/:") + 1)));
 }
 
 // The tool marks paths on the board with ":".

@@ -1,5 +1,7 @@
 #include "board_scripts.h"
 
+#include "qt_version.h"
+
 #include <QByteArray>
 
 #include <algorithm>
@@ -46,7 +48,7 @@ BoardEntry ParseEntry(std::string_view text)
     const auto name = text.substr(std::min(space, text.size() - 1) + 1);
     const auto size = QByteArray::fromStdString(std::string(text.substr(0, space)));
     const auto path = QByteArray::fromHex(
-        QByteArray(name.data(), static_cast<qsizetype>(name.size())));  // Skips the line's end.
+        QByteArray(name.data(), static_cast<QtSize>(name.size())));  // Skips the line's end.
     return {path.toStdString(), size == "-1", std::max(size.toLongLong(), 0LL)};
 }
 
@@ -92,7 +94,7 @@ QString ParseFirmware(const std::string& output)
     std::istringstream lines(output);
     for (std::string line; std::getline(lines, line);) {
         if (const auto text = After(kFirmwareMark, line); !text.empty()) {
-            return QString::fromUtf8(text).trimmed();
+            return QString::fromStdString(std::string(text)).trimmed();
         }
     }
     return {};

@@ -14,7 +14,7 @@ bool IsWhole(QStringView path)
 
 QStringView WithoutQuotes(QStringView path)
 {
-    return path.startsWith(u'"') ? path.sliced(1, path.size() - 2) : path;
+    return path.startsWith(u'"') ? path.mid(1, path.size() - 2) : path;
 }
 
 bool IsFile(QStringView path)
@@ -37,15 +37,14 @@ std::optional<SourceLink> FindSourceLink(const QString& line, qsizetype column)
     qsizetype start = -1;
     for (auto it = ends.globalMatch(line); it.hasNext();) {
         const auto match = it.next();
-        if (!match.hasCaptured(1)) {
+        if (match.capturedStart(1) < 0) {
             start = match.capturedStart();
             continue;
         }
         if (start < 0) {
             continue;
         }
-        const auto path =
-            QStringView(line).first(match.capturedStart()).sliced(start + kPrefixLength);
+        const auto path = QStringView(line).left(match.capturedStart()).mid(start + kPrefixLength);
         if (!IsWhole(path)) {
             continue;
         }

@@ -29,10 +29,16 @@ std::uint32_t LanguageOf(const EntryRef& ref)
 
 PluginHost::PluginHost(const PluginModule& plugin, Runtime& runtime, Worksheet worksheet,
                        QWidget* widget)
-    : plugin_(plugin), runtime_(runtime), worksheet_(std::move(worksheet)), hostWindow_(widget)
+    : plugin_(plugin), runtime_(runtime), worksheet_(std::move(worksheet))
 {
-    window = &hostWindow_;
+    SetWindow(widget);
     bundle = plugin.bundle();
+}
+
+void PluginHost::SetWindow(QWidget* widget)
+{
+    hostWindow_ = std::make_unique<HostWindow>(widget);
+    window = hostWindow_.get();
 }
 
 // Returns 0, as for an unknown message, if the plug-in throws an exception.
@@ -43,10 +49,16 @@ std::int32_t PluginHost::Send(int message)
     return reply;
 }
 
-void PluginHost::SetDocument(std::string path, bool isUnnamedPython)
+void PluginHost::SetDocument(std::string path)
+{
+    const bool isPython = LanguageOf(EntryRef(path)) == kPythonLanguage;
+    SetDocument(std::move(path), isPython);
+}
+
+void PluginHost::SetDocument(std::string path, bool isPython)
 {
     document_ = EntryRef(std::move(path));
-    isUnnamedPython_ = isUnnamedPython;
+    isPython_ = isPython;
 }
 
 std::expected<void, std::string> PluginHost::Start()
@@ -149,15 +161,10 @@ const EntryRef& PluginHost::RunningTarget() const
 const EntryRef& PluginHost::Runnable() const
 {
     static const EntryRef kNone;
-    if (isUnnamedPython_) {
-        return kNone;
+    if (isPython_) {
+        return document_;
     }
-    for (const auto* ref : {&document_, &RunningTarget()}) {
-        if (LanguageOf(*ref) == kPythonLanguage) {
-            return *ref;
-        }
-    }
-    return kNone;
+    return LanguageOf(RunningTarget()) == kPythonLanguage ? RunningTarget() : kNone;
 }
 
 void PluginHost::AddButton(const std::string& name, void* /*pluginBundle*/)
@@ -213,7 +220,7 @@ bool PluginHost::HasProjectTarget()
 
 std::uint32_t PluginHost::DocumentLanguage()
 {
-    return isUnnamedPython_ ? kPythonLanguage : LanguageOf(document_);
+    return isPython_ ? kPythonLanguage : kPlainText;
 }
 
 std::pair<std::uint32_t, std::uint32_t> PluginHost::CommandShortcut(const std::string& name)

@@ -9,6 +9,7 @@
 
 #include <expected>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -33,10 +34,14 @@ class PluginHost final : public PluginInterface {
     // Sets the source of the commands' shortcuts. Without it, commands have none.
     void SetShortcuts(FindShortcut find) { findShortcut_ = std::move(find); }
 
-    // Full paths; empty if there is none. The user's target takes precedence over the project's. A
-    // document without a path may still be shown as Python: then a command acts on nothing, rather
-    // than on the target.
-    void SetDocument(std::string path, bool isUnnamedPython = false);
+    // The host's window, in which the plug-in is called from now on. Not owned.
+    void SetWindow(QWidget* widget);
+
+    // Full paths; empty if there is none. The user's target takes precedence over the project's.
+    // Without a language, a document has the one that its name says. A Python document may have no
+    // path yet: then a command acts on nothing, rather than on the target.
+    void SetDocument(std::string path);
+    void SetDocument(std::string path, bool isPython);
     void SetTarget(std::string path) { target_ = EntryRef(std::move(path)); }
     void SetProjectTarget(std::string path) { projectTarget_ = EntryRef(std::move(path)); }
 
@@ -97,11 +102,11 @@ class PluginHost final : public PluginInterface {
     const PluginModule& plugin_;
     Runtime& runtime_;
     Worksheet worksheet_;
-    HostWindow hostWindow_;
+    std::unique_ptr<HostWindow> hostWindow_;
     SettingsStore* settings_ = nullptr;
     FindShortcut findShortcut_;
     EntryRef document_;
-    bool isUnnamedPython_ = false;
+    bool isPython_ = false;  // The document.
     EntryRef target_;
     EntryRef projectTarget_;
     std::vector<RegisteredCommand> commands_;

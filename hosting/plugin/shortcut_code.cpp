@@ -2,6 +2,7 @@
 
 #include "Menu.h"
 #include "key_events.h"
+#include "qt_version.h"
 
 namespace {
 
@@ -21,6 +22,8 @@ std::pair<std::uint32_t, std::uint32_t> ShortcutCode(const QKeySequence& keys)
     if (keys.count() != 1) {
         return {0, 0};
     }
-    const std::uint32_t key = KeyCode(keys[0].key());
-    return {key, key != 0 ? FromQtModifiers(keys[0].keyboardModifiers()) : 0};
+    constexpr int kMask = static_cast<int>(Qt::KeyboardModifierMask);
+    const int first = FirstKey(keys);
+    const std::uint32_t key = KeyCode(static_cast<Qt::Key>(first & ~kMask));
+    return {key, key != 0 ? FromQtModifiers(Qt::KeyboardModifiers(first & kMask)) : 0};
 }

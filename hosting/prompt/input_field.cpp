@@ -27,7 +27,7 @@ QString StemOf(const QString& text)
 
 QString Shorten(const QString& name)
 {
-    return name.size() <= kMaxNameLength ? name : name.first(kMaxNameLength - 1) + u'…';
+    return name.size() <= kMaxNameLength ? name : name.left(kMaxNameLength - 1) + QChar(u'…');
 }
 
 }  // namespace

@@ -13,13 +13,13 @@ void InputHistory::Add(const QString& text)
     const bool isNew = entries_.isEmpty() || entries_.last() != text;
     if (isNew && !text.trimmed().isEmpty() && text.size() <= kMaxLength) {
         entries_.append(text);
-        entries_.remove(0, std::max<qsizetype>(0, entries_.size() - kMaxEntries));
+        entries_ = entries_.mid(std::max<QtSize>(0, entries_.size() - kMaxEntries));
     }
     index_ = entries_.size();
     draft_.clear();
 }
 
-QString InputHistory::Text(qsizetype index) const
+QString InputHistory::Text(QtSize index) const
 {
     return index < entries_.size() ? entries_[index] : draft_;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "qt_version.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -8,9 +10,9 @@
 // What the user has entered in a field, and the entry that is shown while walking through it. [any]
 class InputHistory {
   public:
-    static constexpr qsizetype kMaxEntries = 500;
+    static constexpr QtSize kMaxEntries = 500;
     // Longer entries are not kept, because the history is stored with the settings.
-    static constexpr qsizetype kMaxLength = 10'000;  // UTF-16 units
+    static constexpr QtSize kMaxLength = 10'000;  // UTF-16 units
 
     // From the oldest to the newest.
     const QStringList& entries() const { return entries_; }
@@ -25,9 +27,9 @@ class InputHistory {
     std::optional<QString> Newer(const QString& shown);
 
   private:
-    QString Text(qsizetype index) const;
+    QString Text(QtSize index) const;
 
     QStringList entries_;
-    qsizetype index_ = 0;  // The number of entries before the shown text.
-    QString draft_;        // The text of the start.
+    QtSize index_ = 0;  // The number of entries before the shown text.
+    QString draft_;     // The text of the start.
 };

@@ -1,6 +1,7 @@
 #include "input_text.h"
 
 #include "input_history.h"
+#include "qt_version.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QKeyEvent>
@@ -53,7 +54,7 @@ void InputText::SetTextFont(const QFont& font)
 
 QString InputText::TextBeforeCaret() const
 {
-    return toPlainText().first(textCursor().position());
+    return toPlainText().left(textCursor().position());
 }
 
 // The size of a plain text's layout is counted in lines.
@@ -92,10 +93,10 @@ bool InputText::Walk(int key)
 void InputText::AddLine()
 {
     auto cursor = textCursor();
-    const QString line = cursor.block().text().first(cursor.positionInBlock());
+    const QString line = cursor.block().text().left(cursor.positionInBlock());
     const auto text = std::ranges::find_if_not(line, [](QChar c) { return c.isSpace(); });
     const QString deeper(line.trimmed().endsWith(u':') ? kIndent : 0, u' ');
-    cursor.insertText('\n' + line.first(text - line.begin()) + deeper);
+    cursor.insertText('\n' + line.left(static_cast<QtSize>(text - line.begin())) + deeper);
     setTextCursor(cursor);
     ensureCursorVisible();
 }

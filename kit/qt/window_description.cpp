@@ -95,7 +95,7 @@ class DescriptionLoader final : public QUiLoader {
 Views MakeViews(const QWidget& parent)
 {
     Views views;
-    for (auto* child : parent.findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
+    for (auto* child : parent.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
         if (const auto* known = FindClass(child->property(kClassProperty).toString())) {
             auto view = known->makeView(child);
             view->native().children = MakeViews(*child);

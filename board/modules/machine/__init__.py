@@ -2,7 +2,7 @@
 
 import _board
 import time
-from umachine import soft_reset, time_pulse_us
+from _board import soft_reset, time_pulse_us
 
 PWRON_RESET, HARD_RESET, WDT_RESET, DEEPSLEEP_RESET, SOFT_RESET = 1, 2, 3, 4, 5
 

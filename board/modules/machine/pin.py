@@ -2,8 +2,7 @@
 
 import _board
 import struct
-from umachine import PinBase
-from _board import DRIVE, MODE, OUT, PINS, PIN_COUNT, PIN_SIZE, PULL, RISING, FALLING, block
+from _board import PinBase, DRIVE, MODE, OUT, PINS, PIN_COUNT, PIN_SIZE, PULL, RISING, FALLING, block
 
 _LED = PIN_COUNT - 1
 _LED_NAMES = ("LED", "WL_GPIO0")

@@ -22,7 +22,7 @@ QKeySequence ShortcutOf(const BMenuItem& item)
     } else if (!QChar(key).isPrint()) {
         return {};
     }
-    return QKeyCombination(ToQtModifiers(item.Modifiers()), static_cast<Qt::Key>(key));
+    return {static_cast<int>(ToQtModifiers(item.Modifiers())) | key};
 }
 
 // Elides a label that would make the menu too wide; then a tool tip shows all of it. Escapes it so

@@ -1,5 +1,7 @@
 #include "display_text.h"
 
+#include "qt_version.h"
+
 namespace {
 
 constexpr char16_t kControlPictures = 0x2400;  // The first of the symbols for codes below 32.
@@ -22,7 +24,7 @@ QChar Visible(QChar c)
 
 QString DisplayText(std::string_view text)
 {
-    QString shown = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    QString shown = QString::fromUtf8(text.data(), static_cast<QtSize>(text.size()));
     for (auto& c : shown) {
         c = Visible(c);
     }

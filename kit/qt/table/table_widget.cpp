@@ -1,6 +1,7 @@
 #include "table_widget.h"
 
 #include "key_events.h"
+#include "qt_version.h"
 #include "row_painter.h"
 #include "window_widget.h"
 
@@ -127,7 +128,7 @@ void TableWidget::mouseDoubleClickEvent(QMouseEvent* event)
 {
     QTreeView::mouseDoubleClickEvent(event);
     if (event->button() == Qt::LeftButton) {
-        Invoke(indexAt(event->position().toPoint()));
+        Invoke(indexAt(PositionOf(*event)));
     }
 }
 
@@ -175,7 +176,7 @@ TableWidget::DropTarget TableWidget::ProposeTarget(const QPoint& at) const
 // The drag operation at the current position of the drag. The validator may change target_.
 int TableWidget::Validate(const QDropEvent& event)
 {
-    target_ = ProposeTarget(event.position().toPoint());
+    target_ = ProposeTarget(PositionOf(event));
     int operation = NSDragOperationNone;
     if (handlers.validateDrop && event.possibleActions().testFlag(Qt::CopyAction)) {
         DraggingInfo info(event.mimeData());

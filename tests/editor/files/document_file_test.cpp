@@ -2,7 +2,6 @@
 
 #include "file_save.h"
 #include "forked_child.h"
-#include "path_text.h"
 #include "wait.h"
 
 #include <gtest/gtest.h>
@@ -67,17 +66,6 @@ TEST(DocumentFile, EveryFileIsSavedByteForByte)
     ExpectError(Encode("é\r\nb\rπ", Latin1),
                 "The character π (U+03C0) on line 3 cannot be encoded in Latin-1");
     ExpectError(Encode(QChar(0xD83D), Utf8), "(U+D83D)");
-}
-
-TEST(DocumentFile, APathOfAnyBytesSurvivesAsTextAndInSettings)
-{
-    for (const std::string& path : {"/é" + EveryByte().substr(1), std::string("/\xED\xB2\x80π😀")}) {
-        const QString text = PathToText(path);
-        EXPECT_TRUE(text.startsWith("/é") || text.endsWith("π😀"));
-        EXPECT_EQ(TextToPath(text), path);
-        EXPECT_TRUE(PathToStored(text).isValidUtf16());
-        EXPECT_EQ(PathFromStored(PathToStored(text)), text);
-    }
 }
 
 TEST(DocumentFile, AFileThatCannotBeReadIsReported)

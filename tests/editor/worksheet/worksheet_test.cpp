@@ -2,6 +2,7 @@
 
 #include "appearance.h"
 #include "editor_style.h"
+#include "output_colors.h"
 #include "scintilla_text.h"
 #include "wait.h"
 
@@ -95,16 +96,17 @@ TEST_F(WorksheetTest, OutputHasTheColoursOfItsSequencesHoweverItIsSplit)
     using Style = std::pair<QColor, bool>;
     const QColor plain = sheet.palette().color(QPalette::Text);
     const auto& colors = ColorsFor(sheet.palette());
+    const auto& output = OutputColors(sheet.palette().color(QPalette::Base));
     const struct {
         std::string bytes;
         std::string text;  // Of the part in this style.
         Style style;
     } rows[] = {
-        {"a\x1b[31mred\x1b[mb", "red", {colors.output[1], false}},
-        {"\x1b[1;94mé\x1b[22m-\x1b[0m", "é", {colors.output[12], true}},
+        {"a\x1b[31mred\x1b[mb", "red", {output[1], false}},
+        {"\x1b[1;94mé\x1b[22m-\x1b[0m", "é", {output[12], true}},
         {"\x1b[1mbold\x1b[22m-", "bold", {plain, true}},
-        {"\x1b[38;5;2mg\x1b[48;5;1;32mg\x1b[38;2;1;2;3;36mc", "gg", {colors.output[2], false}},
-        {"10%\r\x1b[33m20%\x1b[39m!", "20%", {colors.output[3], false}},
+        {"\x1b[38;5;2mg\x1b[48;5;1;32mg\x1b[38;2;1;2;3;36mc", "gg", {output[2], false}},
+        {"10%\r\x1b[33m20%\x1b[39m!", "20%", {output[3], false}},
         {"\x1b[31m\x1b[38;5;200mplain\x1b[-1;3;99999999999m!", "plain!", {plain, false}},
         {"x\nTraceback (most recent call last):\n  File \"a.py\", line 1, in f\nOSError: 2\nend",
          "Traceback (most recent call last):  File \"a.py\", line 1, in fOSError: 2",
@@ -156,7 +158,8 @@ TEST_F(WorksheetTest, EveryColourOfOutputIsLegible)
         SetAppearance(appearance);
         const auto palette = QApplication::palette();
         const auto& colors = ColorsFor(palette);
-        std::vector<QColor> all(colors.output.begin(), colors.output.end());
+        const auto& output = OutputColors(palette.color(QPalette::Base));
+        std::vector<QColor> all(output.begin(), output.end());
         all.push_back(colors.error);
         for (const auto& color : all) {
             for (const auto& paper : {palette.color(QPalette::Base), colors.caretLine}) {
@@ -186,14 +189,32 @@ TEST_F(WorksheetTest, LargeOutputIsAppendedInPartsOfLimitedSize)
     EXPECT_LT(sheet.lines(), 200'000) << "one turn appended everything";
     ASSERT_TRUE(WaitUntil([&] { return Length(sheet) > 90'000; }));
     EXPECT_LE(sheet.lines(), Worksheet::kMaxLines);
-    sheet.ClearAll();
-    const std::string megabyte = Lines(80'000);
-    for (int i = 0; i < 12; ++i) {
-        sheet.Append(megabyte);
+}
+
+TEST_F(WorksheetTest, AFloodLeavesItsLastLinesInTheColourThatItSet)
+{
+    sheet.BeginCommand();
+    // Blocks of output end anywhere, also in the sequences and in the characters.
+    std::string flood = "\x1b[31m";
+    for (int line = 0; line < 4 * Worksheet::kMaxLines; ++line) {
+        flood += "\x1b[1mö\x1b[22m " + std::to_string(line) + "\n";
     }
-    EXPECT_GT(Length(sheet), 0) << "the pending output is not limited";
-    sheet.Append("the end");
-    EXPECT_TRUE(sheet.Content().endsWith("line 79999\nthe end"));
+    sheet.Append(flood + "the end");
+    EXPECT_LT(sheet.lines(), Worksheet::kMaxLines / 2)
+        << "lines that will be removed were appended";
+    const auto lines = sheet.Content().split('\n');
+    ASSERT_LE(lines.size(), Worksheet::kMaxLines);
+    ASSERT_GT(lines.size(), Worksheet::kMaxLines / 2);
+    EXPECT_EQ(lines.back(), "the end");
+    for (qsizetype i = 0; i + 1 < lines.size(); ++i) {
+        const auto number = 4 * Worksheet::kMaxLines + 1 - lines.size() + i;
+        ASSERT_EQ(lines[i], "ö " + QString::number(number));
+    }
+    Append("\x1b[m.");
+    const auto styleAt = [&](long at) { return Send(sheet, QsciScintilla::SCI_GETSTYLEAT, at); };
+    EXPECT_NE(styleAt(Length(sheet) - 2), styleAt(Length(sheet) - 1))
+        << "the first colour was lost";
+    EXPECT_EQ(sheet.markerFindNext(0, ~0U), -1) << "a line is marked as the beginning";
 }
 
 TEST_F(WorksheetTest, TheOldestLinesAreRemoved)
