@@ -74,7 +74,7 @@ void Card::DrawTitle(QPainter& painter, const QString& title, const QString& not
         painter.drawText(place, Qt::AlignVCenter, title);
         return;
     }
-    place.adjust(0, 5, 0, -5);
+    place.adjust(0, 6, 0, -6);
     painter.drawText(place, Qt::AlignTop, title);
     painter.setPen(palette().color(QPalette::Disabled, QPalette::WindowText));
     painter.setFont(Scaled(font(), 0.85, false));

@@ -126,7 +126,7 @@ void PixelStrip::paintEvent(QPaintEvent* event)
     const QRect all(CellRect(grid, 0).topLeft(),
                     QSize(grid.columns * grid.cell, grid.rows * grid.cell));
     painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(0x24, 0x28, 0x2e));
+    painter.setBrush(QColor(0x15, 0x18, 0x1c));
     painter.drawRoundedRect(all.adjusted(-kPadding, -kPadding, kPadding, kPadding), 6, 6);
     for (int i = 0; isUsed() && i < static_cast<int>(std::ssize(pixels_)); ++i) {
         const QRect cell = CellRect(grid, i);
