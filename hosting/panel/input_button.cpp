@@ -78,6 +78,9 @@ void InputButton::SetPin(const QString& pin)
 
 void InputButton::SetOther(InputButton* other)
 {
+    if (other != nullptr && other == other_) {
+        return;
+    }
     if (other_ != nullptr) {
         disconnect(other_, nullptr, this, nullptr);
     }
@@ -93,6 +96,7 @@ void InputButton::Drive(bool isPressed)
     if (std::exchange(isPressed_, isPressed) == isPressed) {
         return;
     }
+    setAccessibleDescription(isPressed ? tr("Pressed") : QString());
     Q_EMIT Driven(pin_, isPressed ? std::optional(level_ == 0) : std::nullopt);
     update();
 }

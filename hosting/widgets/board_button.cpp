@@ -81,8 +81,10 @@ BoardButton::BoardButton(const BoardMonitor& board, QMenu* menu, QWidget* parent
 void BoardButton::ShowLedOf(const PinsClient& pins)
 {
     connect(&pins, &PinsClient::Changed, this, [this, &pins] { ShowLed(pins); });
-    connect(&restTimer_, &QTimer::timeout, this, [this] {
-        setAccessibleDescription(*brightness_ > 0 ? tr("The LED is on") : tr("The LED is off"));
+    connect(&pins, &PinsClient::BoardChanged, this, [this] { setAccessibleDescription({}); });
+    connect(&restTimer_, &QTimer::timeout, this, [this, &pins] {
+        const QString text = *brightness_ > 0 ? tr("The LED is on") : tr("The LED is off");
+        setAccessibleDescription(pins.hasBoard() ? text : QString());
     });
 }
 
