@@ -15,8 +15,10 @@ constexpr int kLinesAfterDrop = OutputDocument::kMaxLines - OutputDocument::kMax
 
 OutputDocument::OutputDocument(QObject* parent)
     : QTextDocument(parent),
-      feed_([this] { return lastBlock().length() - 1; },
-            [this](const OutputChange& change) { Apply(change); })
+      feed_({.lastColumn = [this] { return lastBlock().length() - 1; },
+             .apply = [this](const OutputChange& change) { Apply(change); },
+             .removeAll = [this] { RemoveAll(); }},
+            {.lines = kMaxLines, .bytes = kMaxBytes})
 {
     setDocumentLayout(new QPlainTextDocumentLayout(this));
     setUndoRedoEnabled(false);
@@ -38,6 +40,13 @@ void OutputDocument::ClearAll()
 {
     feed_.Clear();
     clear();
+}
+
+void OutputDocument::RemoveAll()
+{
+    const int dropped = blockCount();
+    clear();
+    Q_EMIT LinesDropped(dropped);
 }
 
 void OutputDocument::Apply(const OutputChange& change)
