@@ -142,7 +142,6 @@ def terminate(process):
 def measure(screen, program, home):
     """The seconds until first painted, the seconds until complete, and the memory in MiB."""
     inherited = {name: value for name, value in os.environ.items() if not name.startswith("XDG_")}
-    inherited.pop("PYTHONDONTWRITEBYTECODE", None)  # It would prevent Thonny from caching bytecode.
     environment = dict(inherited, HOME=home, XDG_RUNTIME_DIR=home, DISPLAY=screen.display)
     environment["QT_QPA_PLATFORM"] = "xcb"
     begin = time.perf_counter()

@@ -153,6 +153,16 @@ def terminate_when_output_is_closed():
     threading.Thread(target=watch, daemon=True).start()
 
 
+def read_output(port, serial_port):
+    """Reads what serial_port has returned. `port` may be the object that performs requests: it reads
+    single bytes, so it is only given what follows the beginning of a request."""
+    if port is not serial_port and getattr(port, "buf", None) == b"":
+        output = serial_port.returned.partition(MOUNT_REQUEST)[0]
+        if output:
+            return serial_port.read(len(output))
+    return port.read(port.inWaiting())
+
+
 class ProgramStreams:
     """Connects the program that runs on the board with standard input and output."""
 
@@ -184,14 +194,13 @@ class ProgramStreams:
 
     def receive(self, port):
         """Reads what has arrived. Returns whether that includes the end."""
-        # If a folder is mounted, the port is an object that performs the board's requests. It reads
-        # single bytes, so those that are available are read before.
+        # If a folder is mounted, the port is an object that performs the board's requests.
         serial_port = getattr(port, "orig_serial", port)
         serial_port.returned = serial_port.read(serial_port.in_waiting)
         if MOUNT_REQUEST in serial_port.returned:
             self.quiet_since = time.monotonic()
         while serial_port.returned and len(self.output) < OUTPUT_SIZE:
-            data, end, rest = port.read(port.inWaiting()).partition(END_OF_OUTPUT)
+            data, end, rest = read_output(port, serial_port).partition(END_OF_OUTPUT)
             self.output += data
             if end:
                 serial_port.returned = rest + serial_port.returned
