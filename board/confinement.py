@@ -29,6 +29,7 @@ def confine(rules, filter):
     reachable = []
     if rules < 0 or syscall(LANDLOCK_RESTRICT_SELF, rules, 0) != 0:
         reachable.append("the files of this computer: the system has no Landlock")
+    library.func("i", "close", "i")(rules)
     # A sock_fprog: the number of items and their address.
     program = struct.pack("HP", len(filter) // FILTER_ITEM_SIZE, uctypes.addressof(filter))
     address = uctypes.addressof(program)

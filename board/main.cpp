@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <expected>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -23,12 +24,13 @@
 namespace {
 
 constexpr const char* kUsage =
-    "usage: virtual-board [--link PATH] [--heap SIZE] [--parent PID] DIR\n"
+    "usage: virtual-board [--link PATH] [--pins PATH] [--heap SIZE] [--parent PID] DIR\n"
     "Runs a virtual MicroPython board with the folder DIR as its file system, and prints the path\n"
     "of its serial device when the board is ready. SIGUSR1 unplugs the board, SIGUSR2 plugs it in\n"
     "again, and SIGINT and SIGTERM terminate the program.\n"
     "  --link PATH    make PATH a symbolic link to the serial device while the board is plugged "
     "in\n"
+    "  --pins PATH    serve the state of the pins on the local socket PATH\n"
     "  --heap SIZE    the memory for programs, from 64K to 1024M; 256K by default\n"
     "  --parent PID   exit when the parent process PID exits, and remove the folder of the link\n"
     "  --version      show the version and exit\n"
@@ -103,7 +105,8 @@ std::size_t ParseHeap(const char* text)
 Arguments ParseArguments(int argc, char** argv)
 {
     Arguments arguments;
-    const std::array<option, 6> longOptions{{{"link", required_argument, nullptr, 'l'},
+    const std::array<option, 7> longOptions{{{"link", required_argument, nullptr, 'l'},
+                                             {"pins", required_argument, nullptr, 'i'},
                                              {"heap", required_argument, nullptr, 'm'},
                                              {"parent", required_argument, nullptr, 'p'},
                                              {"version", no_argument, nullptr, 'V'},
@@ -112,6 +115,8 @@ Arguments ParseArguments(int argc, char** argv)
     for (int c = 0; (c = getopt_long(argc, argv, "", longOptions.data(), nullptr)) != -1;) {
         if (c == 'l') {
             arguments.board.link = optarg;
+        } else if (c == 'i') {
+            arguments.board.pins = optarg;
         } else if (c == 'm') {
             arguments.board.heap = ParseHeap(optarg);
         } else if (c == 'p') {
@@ -145,6 +150,24 @@ std::string FromEnvironment(const char* name, const std::string& defaultValue)
     return value != nullptr && *value != '\0' ? value : defaultValue;
 }
 
+std::expected<void, std::string> RunBoard(BoardOptions options, int commands)
+{
+    Board board(std::move(options));
+    for (const auto step : {&Board::Open, &Board::Plug}) {
+        if (const auto done = (board.*step)(); !done) {
+            return done;
+        }
+    }
+    if (!board.reachable().empty()) {
+        std::fprintf(stderr, "virtual-board: warning: programs can reach %s\n",
+                     board.reachable().c_str());
+    }
+    if (!Print(board.devicePath() + "\n")) {
+        return std::unexpected("cannot print the path of the serial device");
+    }
+    return board.Run(commands);
+}
+
 int Fail(const std::string& message)
 {
     std::fprintf(stderr, "virtual-board: %s\n", message.c_str());
@@ -173,18 +196,7 @@ int main(int argc, char** argv)
     options.interpreter.program = FromEnvironment("QUILP_MICROPYTHON", micropython.string());
     options.interpreter.script = (ProgramFolder() / QUILP_INTERPRETER_SCRIPT).string();
 
-    Board board(std::move(options));
-    if (const auto plugged = board.Plug(); !plugged) {
-        return Fail(plugged.error());
-    }
-    if (!board.reachable().empty()) {
-        std::fprintf(stderr, "virtual-board: warning: programs can reach %s\n",
-                     board.reachable().c_str());
-    }
-    std::printf("%s\n", board.devicePath().c_str());
-    std::fflush(stdout);
-    const auto served = board.Run(commands);
-    board.Unplug();
+    const auto served = RunBoard(std::move(options), commands);
     if (arguments.removesLinkFolder) {
         std::filesystem::remove(std::filesystem::path(arguments.board.link).parent_path(), error);
     }

@@ -35,8 +35,18 @@ def hide_names(module, name):
             setattr(visible, attribute, getattr(module, attribute))
 
 
+def forward(name, target):
+    """Makes a module the other name of one that is not loaded yet."""
+
+    def attribute(attribute_name):
+        return getattr(__import__(target), attribute_name)
+
+    empty_module(name).__getattr__ = attribute
+
+
 def hide_computer():
     for name in HIDDEN_MODULES:
         hide(name)
     hide_names(os, "uos")  # The board's module os consists of this one.
     hide_names(vfs, "vfs")
+    forward("umachine", "machine")  # The interpreter's own has access to all addresses.

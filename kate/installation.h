@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+// Where the files lie that belong to this plug-in, in the build tree and when installed. [any]
+struct Installation {
+    std::string module;        // The module that is the plug-in on every host.
+    std::string boardProgram;  // The virtual board.
+
+    // Searches the folders above this library for the folder "quilp". The paths are empty if there
+    // is none.
+    static Installation Find();
+};

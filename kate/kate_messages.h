@@ -1,0 +1,32 @@
+#pragma once
+
+#include "host_messages.h"
+
+#include <QPointer>
+
+#include <functional>
+#include <map>
+
+namespace KTextEditor {
+class MainWindow;
+class Message;
+}  // namespace KTextEditor
+
+// Shows messages above the front document, or in Kate's output if there is none. [ui]
+class KateMessages final : public HostMessages {
+  public:
+    // `window` returns the front window, or null.
+    explicit KateMessages(std::function<KTextEditor::MainWindow*()> window);
+    ~KateMessages() override;
+
+    void Report(const QString& message) override;
+    void Ask(Topic topic, const QString& question,
+             const std::vector<MessageChoice>& choices) override;
+    void Withdraw(Topic topic) override;
+
+  private:
+    void Show(KTextEditor::Message* message) const;
+
+    std::function<KTextEditor::MainWindow*()> window_;
+    std::map<Topic, QPointer<KTextEditor::Message>> questions_;
+};
