@@ -1,7 +1,8 @@
 // A plug-in for tests, which Kate loads beside the one that is tested. It does what a user does, in
-// the scenario that the environment names, and quits Kate. At the first condition that does not hold
-// it prints it and ends the process.
+// the scenario that the environment names, and quits Kate. At the first condition that does not
+// hold it prints it and ends the process.
 
+#include <KAcceleratorManager>
 #include <KActionCollection>
 #include <KPluginFactory>
 #include <KTextEditor/Application>
@@ -12,9 +13,9 @@
 #include <KTextEditor/View>
 #include <KXMLGUIFactory>
 
-#include <QApplication>
 #include <QAbstractButton>
 #include <QAbstractItemView>
+#include <QApplication>
 #include <QDialogButtonBox>
 #include <QFile>
 #include <QMenu>
@@ -47,8 +48,8 @@ void WaitFor(const QString& what, const std::function<bool()>& condition)
     Require(QTest::qWaitFor(condition, kPatience), what);
 }
 
-// Does the work in a later iteration of the event loop, in which the condition holds. For what opens
-// while a call waits for the user.
+// Does the work in a later iteration of the event loop, in which the condition holds. For what
+// opens while a call waits for the user.
 void When(const std::function<bool()>& condition, const std::function<void()>& work)
 {
     auto* const timer = new QTimer(qApp);
@@ -74,7 +75,8 @@ KTextEditor::MainWindow& Front()
 
 QAction* FindAction(const KTextEditor::MainWindow& window, const QString& name)
 {
-    for (auto* const client : const_cast<KTextEditor::MainWindow&>(window).guiFactory()->clients()) {
+    for (auto* const client :
+         const_cast<KTextEditor::MainWindow&>(window).guiFactory()->clients()) {
         if (auto* const action = client->actionCollection()->action(name)) {
             return action;
         }
@@ -117,7 +119,8 @@ void Press(Qt::Key key)
 bool IsProcessRunning(const QString& name)
 {
     QProcess list;
-    list.start("ps", {"-o", "args=", "--ppid", QString::number(QCoreApplication::applicationPid())});
+    list.start("ps",
+               {"-o", "args=", "--ppid", QString::number(QCoreApplication::applicationPid())});
     list.waitForFinished();
     return list.readAllStandardOutput().contains(name.toUtf8());
 }
@@ -173,6 +176,7 @@ void OpenDeviceWindow()
         const auto* const list = DeviceWindow()->findChild<QAbstractItemView*>("listing");
         return list->model()->rowCount() > 0;
     });
+    KAcceleratorManager::manage(DeviceWindow());  // As Kate does, at some time.
     for (const auto* const button : DeviceWindow()->findChildren<QAbstractButton*>()) {
         Require(!HasMnemonic(button->text()), "no mnemonic: " + button->text());
     }
@@ -242,7 +246,10 @@ void CloseWindows()
     WaitFor("two windows", [] { return Kate().mainWindows().size() == 2; });
     auto& second = *Kate().mainWindows()[Kate().mainWindows()[0] == &first ? 1 : 0];
     WaitFor("the output in both", [&] {
-        return second.window()->findChild<QPlainTextEdit*>("micropython_output")->toPlainText().contains("flood 1\n");
+        return second.window()
+            ->findChild<QPlainTextEdit*>("micropython_output")
+            ->toPlainText()
+            .contains("flood 1\n");
     });
     first.window()->close();
     WaitFor("one window", [] { return Kate().mainWindows().size() == 1; });
