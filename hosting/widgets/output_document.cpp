@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr std::size_t kMaxBytes = 16'777'216;
 // Removing lines is slow, so many are removed at once.
 constexpr int kLinesAfterDrop = OutputDocument::kMaxLines - OutputDocument::kMaxLines / 10;
 
@@ -18,7 +17,7 @@ OutputDocument::OutputDocument(QObject* parent)
     : QTextDocument(parent),
       feed_({.lastColumn = [this] { return lastBlock().length() - 1; },
              .apply = [this](const OutputChange& change) { Apply(change); },
-             .removeAll = [this] { clear(); }},
+             .removeAll = [this] { RemoveAll(); }},
             {.lines = kMaxLines, .bytes = kMaxBytes})
 {
     setDocumentLayout(new QPlainTextDocumentLayout(this));
@@ -41,6 +40,13 @@ void OutputDocument::ClearAll()
 {
     feed_.Clear();
     clear();
+}
+
+void OutputDocument::RemoveAll()
+{
+    const int dropped = blockCount();
+    clear();
+    Q_EMIT LinesDropped(dropped);
 }
 
 void OutputDocument::Apply(const OutputChange& change)
