@@ -7,10 +7,11 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
+#include <span>
 #include <tuple>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -22,9 +23,27 @@ constexpr std::string_view kInterruptedTraceback =
 constexpr std::chrono::seconds kInterruptTimeout{5};
 
 // How often to check for a client if the system does not report one.
-constexpr int kPollIntervalMilliseconds = 20;
+constexpr std::chrono::milliseconds kPollInterval{20};
 
 }  // namespace
+
+std::expected<void, std::string> Board::Open()
+{
+    auto pins = PinBlock::Create();
+    if (!pins) {
+        return std::unexpected(pins.error());
+    }
+    pins_.emplace(std::move(*pins));
+    if (options_.pins.empty()) {
+        return {};
+    }
+    auto server = PinServer::Listen(options_.pins);
+    if (!server) {
+        return std::unexpected(server.error());
+    }
+    pinServer_.emplace(std::move(*server));
+    return {};
+}
 
 std::expected<void, std::string> Board::Plug()
 {
@@ -37,6 +56,7 @@ std::expected<void, std::string> Board::Plug()
     }
     port_.reset();
     port_.emplace(std::move(*port));
+    folderGuard_.emplace(options_.folder);
     RestartInterpreter();
     if (!failure_.empty()) {
         return std::unexpected(failure_);
@@ -49,7 +69,10 @@ void Board::Unplug()
 {
     interpreter_.reset();
     port_.reset();
+    folderGuard_.reset();
     interruptDeadline_.reset();
+    resetCause_ = ResetCause::PowerOn;
+    pins_->Reset(resetCause_);
 }
 
 std::expected<void, std::string> Board::Run(int commands)
@@ -65,9 +88,12 @@ std::expected<void, std::string> Board::Run(int commands)
 
 void Board::Poll(int commands)
 {
-    std::array<pollfd, 6> fds{};
-    fds.fill({-1, POLLIN, 0});
-    auto& [command, line, client, message, output, input] = fds;
+    std::vector<pollfd> fds(6, {-1, POLLIN, 0});
+    if (pinServer_) {
+        pinServer_->AddTo(fds);
+    }
+    pollfd &command = fds[0], &line = fds[1], &client = fds[2], &message = fds[3], &output = fds[4],
+           &input = fds[5];
     command.fd = commands;
     if (port_) {
         const int reading = interpreter_->isInputFull() ? POLLPRI : POLLIN | POLLPRI;
@@ -82,6 +108,7 @@ void Board::Poll(int commands)
         input = {interpreter_->inputFd(), POLLOUT, 0};
     }
     poll(fds.data(), fds.size(), TimeoutMilliseconds());
+    ServePins(std::span(fds).subspan(6));
     if (port_) {
         ForwardOutput();
         if ((message.revents & (POLLIN | POLLHUP)) != 0) {
@@ -89,6 +116,7 @@ void Board::Poll(int commands)
         }
         ReceiveFromClient((line.revents & POLLPRI) != 0);
         ResetIfStuck();
+        ResetIfOverfull();
         port_->Flush();
         if (interpreter_) {
             interpreter_->FlushInput();
@@ -105,22 +133,45 @@ void Board::Serve(int commands)
         } else if (command == 'u') {
             Unplug();
         } else if (command == 'p' && !port_) {
-            PlugAgain();
+            PlugAgain(ResetCause::PowerOn);
         }
     }
 }
 
 int Board::TimeoutMilliseconds() const
 {
-    const bool pollsForClient = port_ && !port_->hasClient() && port_->clientEventsFd() < 0;
-    const int pollTimeout = pollsForClient ? kPollIntervalMilliseconds : -1;
-    if (!interruptDeadline_) {
-        return pollTimeout;
+    std::optional<Clock::time_point> next = interruptDeadline_;
+    const auto consider = [&](Clock::time_point time) {
+        next = std::min(next.value_or(time), time);
+    };
+    if (port_) {
+        consider(folderGuard_->nextCheck());
+        if (!port_->hasClient() && port_->clientEventsFd() < 0) {
+            consider(Clock::now() + kPollInterval);
+        }
     }
-    const auto left =
-        std::chrono::ceil<std::chrono::milliseconds>(*interruptDeadline_ - Clock::now());
-    const int interruptTimeout = std::max(0, static_cast<int>(left.count()));
-    return pollTimeout < 0 ? interruptTimeout : std::min(interruptTimeout, pollTimeout);
+    if (const auto update = pinServer_ ? pinServer_->nextUpdate(mayChangePins()) : std::nullopt) {
+        consider(*update);
+    }
+    if (!next) {
+        return -1;
+    }
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*next - Clock::now());
+    return std::max(0, static_cast<int>(left.count()));
+}
+
+// While no program runs, only its timers and interrupts could change a pin.
+bool Board::mayChangePins() const
+{
+    return interpreter_ && (interpreter_->busy() || pins_->hasEvents());
+}
+
+void Board::ServePins(std::span<const pollfd> fds)
+{
+    const bool isChanged = pinServer_ && pinServer_->Serve(fds, *pins_, mayChangePins());
+    if (isChanged && interpreter_) {
+        interpreter_->OnPinsChanged();
+    }
 }
 
 void Board::Send(std::string_view text)
@@ -142,7 +193,8 @@ void Board::RestartInterpreter()
 {
     interruptDeadline_.reset();
     interpreter_.reset();
-    auto started = Interpreter::Start(options_.interpreter, options_.folder, options_.heap);
+    pins_->Reset(std::exchange(resetCause_, ResetCause::Soft));
+    auto started = Interpreter::Start(options_.interpreter, options_.folder, options_.heap, *pins_);
     if (started) {
         interpreter_.emplace(std::move(*started));
     } else {
@@ -232,7 +284,7 @@ void Board::ReceiveMessage()
     } else if (kind == Message::Kind::InterruptCharacter) {
         interruptCharacter_ = std::atoi(text.c_str());
     } else if (kind == Message::Kind::Reset) {
-        PlugAgain();
+        PlugAgain(static_cast<ResetCause>(std::atoi(text.c_str())));
     } else {
         FinishProgram(static_cast<Outcome>(kind), text, false);
     }
@@ -261,6 +313,7 @@ void Board::ForwardAllOutput()
 void Board::FinishProgram(Outcome outcome, std::string_view traceback, bool restarts)
 {
     interruptDeadline_.reset();
+    pins_->CancelInterrupt();
     const std::string unread = interpreter_->TakeUnreadInput();
     if (restarts) {
         RestartInterpreter();
@@ -273,8 +326,9 @@ void Board::FinishProgram(Outcome outcome, std::string_view traceback, bool rest
     }
 }
 
-void Board::PlugAgain()
+void Board::PlugAgain(ResetCause cause)
 {
+    resetCause_ = cause;
     if (const auto plugged = Plug(); !plugged) {
         failure_ = plugged.error();
     }
@@ -284,5 +338,18 @@ void Board::ResetIfStuck()
 {
     if (interruptDeadline_ && Clock::now() >= *interruptDeadline_) {
         FinishProgram(Outcome::Error, kInterruptedTraceback, true);
+    }
+}
+
+void Board::ResetIfOverfull()
+{
+    if (!folderGuard_->IsOverfull()) {
+        return;
+    }
+    constexpr std::string_view reason = "the board's files are larger than its flash";
+    if (interpreter_ && interpreter_->busy()) {
+        FinishProgram(Outcome::Error, std::string(reason) + "\n", true);
+    } else {
+        RestartInterpreter();
     }
 }

@@ -1,18 +1,22 @@
 #pragma once
 
+#include "folder_guard.h"
 #include "interpreter.h"
+#include "pin_server.h"
 #include "repl.h"
 #include "serial_port.h"
 
 #include <chrono>
 #include <expected>
 #include <optional>
+#include <span>
 #include <string>
 
 struct BoardOptions {
     InterpreterFiles interpreter;
     std::string folder;              // The folder that is the board's file system; must exist.
     std::string link;                // A stable path that links to the serial device; may be empty.
+    std::string pins;                // The path of the socket that serves the pins; may be empty.
     std::size_t heap = 256UL << 10;  // bytes of memory that programs have
 };
 
@@ -22,6 +26,9 @@ class Board final : private ReplTarget {
   public:
     explicit Board(BoardOptions options) : options_(std::move(options)), repl_(*this) {}
 
+    // Prepares what exists also while the board is unplugged. Must be called first. The error is a
+    // sentence.
+    std::expected<void, std::string> Open();
     // Plugs the board in: opens the serial line and starts the interpreter, in place of those that
     // it may have. The error is a sentence.
     std::expected<void, std::string> Plug();
@@ -58,14 +65,21 @@ class Board final : private ReplTarget {
     void OnInterpreterExited(const std::string& reason);
     void ForwardAllOutput();
     void FinishProgram(Outcome outcome, std::string_view traceback, bool restarts);
-    void PlugAgain();
+    void PlugAgain(ResetCause cause);
+    bool mayChangePins() const;
+    void ServePins(std::span<const pollfd> fds);
     void ResetIfStuck();
+    void ResetIfOverfull();
     int TimeoutMilliseconds() const;
 
     BoardOptions options_;
     Repl repl_;
+    std::optional<PinBlock> pins_;
+    std::optional<PinServer> pinServer_;
+    ResetCause resetCause_ = ResetCause::PowerOn;  // For the next interpreter.
     std::optional<SerialPort> port_;
     std::optional<Interpreter> interpreter_;
+    std::optional<FolderGuard> folderGuard_;  // While the board is plugged in.
     // The program must have finished by then, since it was interrupted.
     std::optional<Clock::time_point> interruptDeadline_;
     std::string failure_;

@@ -77,7 +77,7 @@ constexpr std::array kAllowedCalls{
     SCMP_SYS(gettid), SCMP_SYS(getpid), SCMP_SYS(exit), SCMP_SYS(exit_group),
     // Signals of its own.
     SCMP_SYS(rt_sigaction), SCMP_SYS(rt_sigprocmask), SCMP_SYS(rt_sigreturn), SCMP_SYS(sigreturn),
-    SCMP_SYS(sigaltstack), SCMP_SYS(restart_syscall),
+    SCMP_SYS(sigaltstack), SCMP_SYS(restart_syscall), SCMP_SYS(setitimer),
     // Time and random numbers.
     SCMP_SYS(clock_gettime), SCMP_SYS(clock_gettime64), SCMP_SYS(clock_getres),
     SCMP_SYS(clock_nanosleep), SCMP_SYS(nanosleep), SCMP_SYS(gettimeofday), SCMP_SYS(time),
@@ -166,7 +166,7 @@ void LimitResources(std::size_t memory, std::size_t file)
     };
     limit(RLIMIT_AS, memory);
     limit(RLIMIT_FSIZE, file);
-    limit(RLIMIT_NOFILE, 64);
+    limit(RLIMIT_NOFILE, 32);
     limit(RLIMIT_CORE, 0);
     signal(SIGXFSZ, SIG_IGN);  // Writing fails instead.
 }

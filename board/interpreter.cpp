@@ -29,6 +29,7 @@ constexpr std::size_t kMaxInput = 16384;        // bytes, in addition to those i
 constexpr int kStartTimeoutMilliseconds = 5000;
 constexpr std::chrono::seconds kMessageTimeout{2};
 constexpr char kConfine = 'P';
+constexpr std::size_t kHeapOfBoard = 64UL << 10;  // bytes that the board's own script takes
 // What the interpreter needs besides the heap, for its code, its stack and the stacks of threads.
 constexpr std::size_t kMemoryBesidesHeap = 64UL << 20;
 
@@ -40,8 +41,9 @@ struct Pipes {
 
 // How a child process becomes an interpreter.
 struct Command {
-    std::array<const char*, 6> arguments;
-    int fileRules;       // A descriptor to leave open; -1 if there is none.
+    std::array<const char*, 7> arguments;
+    int pins;            // A descriptor to leave open.
+    int fileRules;       // Likewise; -1 if there is none.
     std::size_t memory;  // bytes of address space
 };
 
@@ -82,6 +84,7 @@ std::optional<Pipes> MakePipes()
     sigprocmask(SIG_SETMASK, &none, nullptr);
     signal(SIGPIPE, SIG_DFL);
     LimitResources(command.memory, kFlashSize);
+    fcntl(command.pins, F_SETFD, 0);
     fcntl(command.fileRules, F_SETFD, 0);
     // The environment is no business of a board. Threads share one pool of memory, since each pool
     // would reserve more than the limit.
@@ -152,19 +155,22 @@ std::string Header(char mode, int sequence, std::size_t length)
 
 std::expected<Interpreter, std::string> Interpreter::Start(const InterpreterFiles& files,
                                                            const std::string& folder,
-                                                           std::size_t heap)
+                                                           std::size_t heap, PinBlock& pins)
 {
     const auto pipes = MakePipes();
     if (!pipes) {
         return std::unexpected(std::string("cannot create pipes: ") + std::strerror(errno));
     }
-    const std::string heapSize = "heapsize=" + std::to_string(heap);
+    const std::string heapSize = "heapsize=" + std::to_string(heap + kHeapOfBoard);
     const std::string modules = files.script.substr(0, files.script.rfind('/')) + "/modules";
+    const std::string pinsDescriptor = std::to_string(pins.fd());
     const Command command{{files.program.c_str(), "-X", heapSize.c_str(), files.script.c_str(),
-                           folder.c_str(), nullptr},
+                           folder.c_str(), pinsDescriptor.c_str(), nullptr},
+                          pins.fd(),
                           MakeFileRules(folder, modules),
                           heap + kMemoryBesidesHeap};
     Interpreter self;
+    self.pins_ = &pins;
     const pid_t parent = getpid();
     sigset_t all;
     sigset_t before;
@@ -227,6 +233,7 @@ Interpreter& Interpreter::operator=(Interpreter&& other) noexcept
 {
     if (this != &other) {
         Kill();
+        pins_ = other.pins_;
         pid_ = std::exchange(other.pid_, -1);
         control_ = std::exchange(other.control_, -1);
         output_ = std::exchange(other.output_, -1);
@@ -349,9 +356,19 @@ std::string Interpreter::TakeUnreadInput()
 
 void Interpreter::Interrupt()
 {
-    if (isInterruptible_) {
+    if (isInterruptible_ && pins_->hasEvents()) {
+        pins_->RequestInterrupt();
+        kill(pid_, SIGALRM);
+    } else if (isInterruptible_) {
         kill(pid_, SIGINT);
     } else {
         interruptWhenCompiled_ = true;
+    }
+}
+
+void Interpreter::OnPinsChanged() const
+{
+    if (pins_->hasEvents()) {
+        kill(pid_, SIGALRM);
     }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "pin_block.h"
 #include "repl.h"
 
 #include <sys/types.h>
@@ -26,11 +27,12 @@ struct Message {
         // Whether the output that follows has the line endings of a serial line; confirm it.
         LineEndings = 'L',
         InterruptCharacter = 'K',  // The byte that interrupts the program from now on.
-        Reset = 'R',               // The program wants the board to be reset.
+        Reset = 'R',               // The board is to be reset.
     };
     Kind kind;
     // The binary output; "1" or "0" for a change of the line endings; the number of the interrupt
-    // character, negative for none; or a traceback, whose lines end with LF.
+    // character, negative for none; the number of the ResetCause; or a traceback, whose lines end
+    // with LF.
     std::string text;
 };
 
@@ -40,10 +42,11 @@ class Interpreter {
   public:
     // Starts the process with `folder` as the board's file system and `heap` bytes of memory for
     // programs, and waits until it is confined and can execute programs, which takes a few
-    // milliseconds. The error is a sentence.
+    // milliseconds. The process uses `pins`, which must outlive this object. The error is a
+    // sentence.
     static std::expected<Interpreter, std::string> Start(const InterpreterFiles& files,
                                                          const std::string& folder,
-                                                         std::size_t heap);
+                                                         std::size_t heap, PinBlock& pins);
     Interpreter(Interpreter&& other) noexcept;
     Interpreter& operator=(Interpreter&& other) noexcept;
     ~Interpreter();
@@ -80,6 +83,8 @@ class Interpreter {
     std::string TakeUnreadInput();
     // Raises KeyboardInterrupt in the running program, or as soon as it is compiled.
     void Interrupt();
+    // To be called when a client has changed a pin.
+    void OnPinsChanged() const;
 
   private:
     struct RawMessage {
@@ -94,6 +99,7 @@ class Interpreter {
     std::expected<void, std::string> WaitUntilStarted();
     void OnCompiled();
 
+    PinBlock* pins_ = nullptr;
     pid_t pid_ = -1;
     int control_ = -1;
     int output_ = -1;

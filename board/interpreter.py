@@ -10,7 +10,7 @@ interrupted, and at its end by N (finished normally), E (failed with this
 traceback) or X (called sys.exit). Meanwhile, B sends binary output, and L says
 whether the text output that follows has the line ends of a serial line; the
 serial side confirms both by B. K is the number of the character that interrupts
-the program, and R resets the board. Standard input and output are used only by
+the program, and R resets the board for a cause. Standard input and output are used only by
 the program.
 """
 import builtins
@@ -21,8 +21,10 @@ import sys
 import time
 import vfs
 
+import hardware
 from confinement import confine
 from flash import MODULES, Flash
+from stand_ins import hide_computer
 
 HEADER_SIZE = 18
 # A message must fit into the socket's buffer, so that an interrupt cannot split it.
@@ -40,6 +42,10 @@ real_sys = sys
 
 def message(kind, sequence, text=b""):
     return b"%s%08d %08d" % (kind, sequence, len(text)) + text
+
+
+# Made in advance, since the watchdog sends one in a signal handler.
+RESET_MESSAGES = [message("R", 0, b"%d" % cause) for cause in range(5)]
 
 
 class SerialSide:
@@ -167,23 +173,15 @@ class Micropython:
     def __init__(self, channel):
         self.channel = channel
 
+    # The interpreter's own emergency buffer always exists.
+    def alloc_emergency_exception_buf(self, _size):
+        pass
+
     def kbd_intr(self, character):
         self.channel.write(message("K", 0, b"%d" % character))
 
     def __getattr__(self, name):
         return getattr(real_micropython, name)
-
-
-class Hardware:
-    """What the board's own modules know of the board."""
-
-    def __init__(self, channel):
-        self.channel = channel
-
-    def reset(self):
-        self.channel.write(message("R", 0))
-        while True:
-            time.sleep(1)  # This process is being ended.
 
 
 def traceback_text(error):
@@ -192,6 +190,10 @@ def traceback_text(error):
     lines = text.getvalue().split("\n")
     lines = [line for line in lines if not any(line.startswith(frame) for frame in OWN_FRAMES)]
     return "\n".join(lines)[-TRACEBACK_LIMIT:]
+
+
+def report(error):
+    real_sys.stdout.write(traceback_text(error))
 
 
 def source_and_name(mode, text):
@@ -206,15 +208,19 @@ def source_and_name(mode, text):
         return file.read(), name
 
 
-def execute(channel, sequence, mode, text, namespace):
+def execute(channel, sequence, mode, length, namespace):
     try:
-        source, name = source_and_name(mode, text)
-        code = compile(source, name, "single" if mode == "S" else "exec")
+        code = receive_code(channel, mode, length)
         channel.write(message("C", sequence))
         exec(code, namespace)
         return "N", ""
     except SystemExit:
         return "X", ""
+    except KeyboardInterrupt as error:
+        # Whoever stops a program expects an idle board, except at the prompt.
+        if mode != "S":
+            board.power_on()
+        return "E", traceback_text(error)
     except BaseException as error:
         return "E", traceback_text(error)
 
@@ -225,7 +231,13 @@ def receive(channel, length):
     except MemoryError:
         while length > 0:  # Skip the source, so that the next request can be read.
             length -= len(channel.read(min(length, 4096)))
-        return None
+        raise MemoryError("the program is larger than the board's memory")
+
+
+# Returns the code alone, so that the source takes no memory while the program runs.
+def receive_code(channel, mode, length):
+    source, name = source_and_name(mode, receive(channel, length))
+    return compile(source, name, "single" if mode == "S" else "exec")
 
 
 def confined(channel):
@@ -251,13 +263,9 @@ def serve(channel, text):
                 continue  # The confirmation of an interrupted message.
             status, text = "E", INTERRUPTED
             sequence = int(header[1:9])
-            request = receive(channel, int(header[10:18]))
-            if request is None:
-                text = "MemoryError: the program is larger than the board's memory\n"
-            else:
-                status, text = execute(
-                    channel, sequence, chr(header[0]), request, namespace
-                )
+            status, text = execute(
+                channel, sequence, chr(header[0]), int(header[10:18]), namespace
+            )
         except KeyboardInterrupt:
             pass
 
@@ -272,15 +280,19 @@ def use_folder_as_file_system(folder, modules):
 
 
 control = open(3, "r+b")
+hardware.block = hardware.map_block(int(sys.argv[2]))
+hide_computer()
 use_folder_as_file_system(sys.argv[1], OWN_FOLDER + "/modules")
-for name in ("confinement", "flash"):
+for name in ("confinement", "flash", "hardware", "stand_ins"):
     del sys.modules[name]
-sys.modules["_board"] = Hardware(control)
+board = hardware.Hardware(lambda cause: control.write(RESET_MESSAGES[cause]), report)
+hardware.board = board
+sys.modules["_board"] = hardware
 serial = SerialSide(control)
 System.stdin = TextInput(real_sys.stdin.buffer)
 System.stdout = TextOutput(BinaryOutput(serial))
 builtins.input = input_function(serial)
-sys.modules["sys"] = System()
+sys.modules["sys"] = sys.modules["usys"] = System()
 sys.modules["micropython"] = Micropython(control)
 try:
     serve(control, confined(control))

@@ -10,21 +10,28 @@
 
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <expected>
 #include <filesystem>
 #include <string>
+#include <string_view>
+#include <system_error>
 #include <tuple>
 
 namespace {
 
 constexpr const char* kUsage =
-    "usage: virtual-board [--link PATH] [--parent PID] DIR\n"
+    "usage: virtual-board [--link PATH] [--pins PATH] [--heap SIZE] [--parent PID] DIR\n"
     "Runs a virtual MicroPython board with the folder DIR as its file system, and prints the path\n"
     "of its serial device when the board is ready. SIGUSR1 unplugs the board, SIGUSR2 plugs it in\n"
     "again, and SIGINT and SIGTERM terminate the program.\n"
     "  --link PATH    make PATH a symbolic link to the serial device while the board is plugged "
     "in\n"
+    "  --pins PATH    serve the state of the pins on the local socket PATH\n"
+    "  --heap SIZE    the memory for programs, from 64K to 1024M; 256K by default\n"
     "  --parent PID   exit when the parent process PID exits, and remove the folder of the link\n"
     "  --version      show the version and exit\n"
     "  --help         show this help and exit\n";
@@ -54,16 +61,53 @@ int CommandsFromSignals()
     return ends[0];
 }
 
+// False if the text could not be printed.
+bool Print(const std::string& text)
+{
+    return std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
+}
+
+[[noreturn]] void PrintAndExit(const std::string& text)
+{
+    std::exit(Print(text) ? 0 : 1);
+}
+
 struct Arguments {
     BoardOptions board;
     bool removesLinkFolder = false;
 };
 
+constexpr std::size_t kLeastHeap = 64UL << 10;
+constexpr std::size_t kLargestHeap = 1024UL << 20;
+
+[[noreturn]] void RefuseUsage()
+{
+    std::fputs(kUsage, stderr);
+    std::exit(2);
+}
+
+// A number of bytes; K and M stand for units of 1024 and 1024 * 1024 bytes. Exits on an error.
+std::size_t ParseHeap(const char* text)
+{
+    std::size_t size = 0;
+    const auto [end, error] = std::from_chars(text, text + std::strlen(text), size);
+    const std::string_view unit(end);
+    const int shift = unit == "M" ? 20 : unit == "K" ? 10 : 0;
+    const bool isNumber = error == std::errc() && (unit.empty() || shift != 0);
+    if (!isNumber || size > (kLargestHeap >> shift) || size << shift < kLeastHeap) {
+        std::fprintf(stderr, "virtual-board: invalid size of the heap: %s\n", text);
+        RefuseUsage();
+    }
+    return size << shift;
+}
+
 // Exits on a usage error.
 Arguments ParseArguments(int argc, char** argv)
 {
     Arguments arguments;
-    const std::array<option, 5> longOptions{{{"link", required_argument, nullptr, 'l'},
+    const std::array<option, 7> longOptions{{{"link", required_argument, nullptr, 'l'},
+                                             {"pins", required_argument, nullptr, 'i'},
+                                             {"heap", required_argument, nullptr, 'm'},
                                              {"parent", required_argument, nullptr, 'p'},
                                              {"version", no_argument, nullptr, 'V'},
                                              {"help", no_argument, nullptr, 'h'},
@@ -71,20 +115,23 @@ Arguments ParseArguments(int argc, char** argv)
     for (int c = 0; (c = getopt_long(argc, argv, "", longOptions.data(), nullptr)) != -1;) {
         if (c == 'l') {
             arguments.board.link = optarg;
+        } else if (c == 'i') {
+            arguments.board.pins = optarg;
+        } else if (c == 'm') {
+            arguments.board.heap = ParseHeap(optarg);
         } else if (c == 'p') {
             SignalOnParentExit(static_cast<pid_t>(std::atol(optarg)), SIGTERM);
             arguments.removesLinkFolder = true;
         } else if (c == 'V') {
-            std::puts("virtual-board " QUILP_VERSION);
-            std::exit(0);
+            PrintAndExit("virtual-board " QUILP_VERSION "\n");
+        } else if (c == 'h') {
+            PrintAndExit(kUsage);
         } else {
-            std::fputs(kUsage, c == 'h' ? stdout : stderr);
-            std::exit(c == 'h' ? 0 : 2);
+            RefuseUsage();
         }
     }
     if (optind + 1 != argc) {
-        std::fputs(kUsage, stderr);
-        std::exit(2);
+        RefuseUsage();
     }
     arguments.board.folder = argv[optind];
     return arguments;
@@ -101,6 +148,24 @@ std::string FromEnvironment(const char* name, const std::string& defaultValue)
 {
     const char* value = std::getenv(name);
     return value != nullptr && *value != '\0' ? value : defaultValue;
+}
+
+std::expected<void, std::string> RunBoard(BoardOptions options, int commands)
+{
+    Board board(std::move(options));
+    for (const auto step : {&Board::Open, &Board::Plug}) {
+        if (const auto done = (board.*step)(); !done) {
+            return done;
+        }
+    }
+    if (!board.reachable().empty()) {
+        std::fprintf(stderr, "virtual-board: warning: programs can reach %s\n",
+                     board.reachable().c_str());
+    }
+    if (!Print(board.devicePath() + "\n")) {
+        return std::unexpected("cannot print the path of the serial device");
+    }
+    return board.Run(commands);
 }
 
 int Fail(const std::string& message)
@@ -131,18 +196,7 @@ int main(int argc, char** argv)
     options.interpreter.program = FromEnvironment("QUILP_MICROPYTHON", micropython.string());
     options.interpreter.script = (ProgramFolder() / QUILP_INTERPRETER_SCRIPT).string();
 
-    Board board(std::move(options));
-    if (const auto plugged = board.Plug(); !plugged) {
-        return Fail(plugged.error());
-    }
-    if (!board.reachable().empty()) {
-        std::fprintf(stderr, "virtual-board: warning: programs can reach %s\n",
-                     board.reachable().c_str());
-    }
-    std::printf("%s\n", board.devicePath().c_str());
-    std::fflush(stdout);
-    const auto served = board.Run(commands);
-    board.Unplug();
+    const auto served = RunBoard(std::move(options), commands);
     if (arguments.removesLinkFolder) {
         std::filesystem::remove(std::filesystem::path(arguments.board.link).parent_path(), error);
     }

@@ -1,18 +1,11 @@
-# Blinks until it is stopped. Uses the board's LED if there is one, and prints the state.
+# Blinks the board's LED until it is stopped.
 
 import time
+from machine import Pin
 
-try:
-    from machine import Pin
+led = Pin("LED", Pin.OUT)
+print("The LED blinks. Stop ends the program.")
 
-    led = Pin("LED", Pin.OUT)
-except (ImportError, TypeError, ValueError):
-    led = None
-
-state = False
 while True:
-    state = not state
-    if led:
-        led.value(state)
-    print("on" if state else "off")
+    led.toggle()
     time.sleep(0.5)

@@ -15,6 +15,7 @@ function(add_hosting name qt kit)
     board/main_program.cpp
     board/virtual_board.cpp
     output/link_target.cpp
+    output/output_backlog.cpp
     output/output_feed.cpp
     output/output_text.cpp
     output/source_link.cpp

@@ -6,8 +6,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 
 #ifdef __linux__
+#include <sys/mman.h>
 #include <sys/prctl.h>
 #endif
 
@@ -43,6 +45,25 @@ void SetPipeCapacity([[maybe_unused]] int fd, [[maybe_unused]] int bytes)
 #ifdef F_SETPIPE_SZ
     fcntl(fd, F_SETPIPE_SZ, bytes);
 #endif
+}
+
+int MakeSharedMemory(std::size_t size)
+{
+#ifdef __linux__
+    const int fd = memfd_create("shared", MFD_CLOEXEC);
+#else
+    std::string name = "/tmp/shared.XXXXXX";
+    const int fd = mkstemp(name.data());
+    if (fd >= 0) {
+        unlink(name.c_str());
+        fcntl(fd, F_SETFD, FD_CLOEXEC);
+    }
+#endif
+    if (fd >= 0 && ftruncate(fd, static_cast<off_t>(size)) != 0) {
+        close(fd);
+        return -1;
+    }
+    return fd;
 }
 
 void SignalOnParentExit(pid_t parent, int signal)

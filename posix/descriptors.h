@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <array>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -16,6 +17,10 @@ void CloseDescriptor(int fd);  // -1 is ignored.
 
 // Sets the capacity of a pipe, if the system supports that.
 void SetPipeCapacity(int fd, int bytes);
+
+// Creates memory that processes can share by mapping the descriptor, which is closed on exec. On
+// failure returns -1 and sets errno.
+int MakeSharedMemory(std::size_t size);
 
 // Makes the system send `signal` to this process when its parent exits, if it supports that. If the
 // parent has already exited, the signal is raised immediately. `parent` is the parent's process ID.

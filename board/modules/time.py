@@ -1,9 +1,17 @@
-"""The interpreter's time module with whole seconds, and eight items of a local time, as on boards."""
+"""The interpreter's time module with whole seconds and other properties that it has on boards."""
 
 import utime
 from utime import *
 
 _offset = 0  # Seconds by which the clock of this board is ahead of the computer's.
+
+
+# The interpreter's own function returns early when a timer or a pin calls a function.
+def sleep_us(microseconds):
+    end = utime.ticks_add(utime.ticks_us(), microseconds)
+    while microseconds > 0:
+        utime.sleep_us(microseconds)
+        microseconds = utime.ticks_diff(end, utime.ticks_us())
 
 
 def time():

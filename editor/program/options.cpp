@@ -22,6 +22,7 @@ constexpr const char* kUsage =
     "  --virtual-board[=DIR]  attach a virtual board, and keep its files in DIR\n"
     "  --board PORT           use the board at the serial port PORT, and no other\n"
     "  --plugin FILE          load the plug-in FILE instead of the bundled one\n"
+    "  --show-board           show the panel with the virtual board's LED and pins\n"
     "  --open-device-window   open only the Device window\n"
     "  --batch                perform the commands without opening windows\n"
     "  --input                forward standard input to programs that run on the board (--batch)\n"
@@ -72,12 +73,13 @@ std::optional<BatchCommand> ParseCommand(const std::string& argument)
 // With "-" in its short options, getopt returns this value for arguments that are not options.
 constexpr int kPositional = 1;
 
-const std::array<option, 13> kLongOptions{{
+const std::array<option, 14> kLongOptions{{
     {"document", required_argument, nullptr, 'd'},
     {"target", required_argument, nullptr, 't'},
     {"virtual-board", optional_argument, nullptr, 'v'},
     {"board", required_argument, nullptr, 's'},
     {"plugin", required_argument, nullptr, 'p'},
+    {"show-board", no_argument, nullptr, 'l'},
     {"open-device-window", no_argument, nullptr, 'w'},
     {"appearance", required_argument, nullptr, 'a'},
     {"batch", no_argument, nullptr, 'b'},
@@ -99,6 +101,7 @@ bool ApplyOption(Options& options, int option, const char* argument)
         case 'i': options.input = true; return true;
         case 'p': options.plugin = argument; return true;
         case 'b': options.batch = true; return true;
+        case 'l': options.showBoard = true; return true;
         case 'w': options.openDeviceWindow = true; return true;
         case 'V': options.version = true; return true;
         case 'h': options.help = true; return true;
@@ -135,6 +138,9 @@ std::expected<void, std::string> Validate(const Options& options)
 {
     if (options.openDeviceWindow && (options.batch || !options.files.empty())) {
         return std::unexpected("--open-device-window cannot be combined with files or commands");
+    }
+    if (options.showBoard && (options.batch || options.openDeviceWindow)) {
+        return std::unexpected("--show-board requires the editor's window");
     }
     if (!options.batch && (options.input || !options.mount.empty())) {
         return std::unexpected("--input and --mount require --batch");

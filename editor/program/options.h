@@ -43,6 +43,7 @@ struct Options {
     bool batch = false;
     std::vector<BatchCommand> commands;
     std::vector<std::string> files;  // To be opened in the editor.
+    bool showBoard = false;          // Show the board panel.
     bool openDeviceWindow = false;   // Open only the Device window.
     std::optional<Appearance> appearance;
     bool version = false;

@@ -43,6 +43,9 @@ int RunEditor(const Options& options, const Files& files, const PluginModule& pl
     if (!files.target.empty()) {
         window.project().SetTarget(PathToText(files.target));
     }
+    if (options.showBoard) {
+        window.ShowBoardPanel();
+    }
     QStringList documents;
     for (const auto& path : options.files) {
         documents.append(PathToText(path));

@@ -59,6 +59,7 @@ QTabBar::tab { background: {window}; color: {muted}; border: none; border-top: 2
 QTabBar::tab:selected { background: {base}; color: {text}; border-top-color: {highlight}; }
 QTabBar::tab:hover { color: {text}; }
 QSplitter::handle { background: {window}; border-top: 1px solid {line}; }
+QSplitter::handle:horizontal { border-top: none; border-left: 1px solid {line}; }
 QStatusBar { background: {window}; border-top: 1px solid {line}; }
 QStatusBar::item { border: none; }
 QStatusBar QLabel { color: {muted}; padding: 2px 8px; }

@@ -4,6 +4,7 @@
 #include "document_file.h"
 #include "dropped_files.h"
 #include "editor_style.h"
+#include "gradual_styling.h"
 #include "line_ending_table.h"
 #include "on_demand_accessibility.h"
 #include "python_lexer.h"
@@ -23,7 +24,8 @@ namespace {
 constexpr int kIndent = 4;  // spaces
 constexpr int kNumberMargin = 0;
 constexpr int kPaddingMargin = 1;
-constexpr int kPadding = 8;  // pixels
+constexpr int kPadding = 8;                // pixels
+constexpr qsizetype kRoomToType = 65'536;  // bytes
 
 QsciScintilla::EolMode ModeFor(const QString& text)
 {
@@ -82,13 +84,13 @@ class UndoStep {
 
 }  // namespace
 
-TextEditor::TextEditor(QWidget* parent) : QsciScintilla(parent), lexer_(new PythonLexer(this))
+TextEditor::TextEditor(QWidget* parent)
+    : QsciScintilla(parent), lexer_(new PythonLexer(this)), styling_(new GradualStyling(*this))
 {
     SetUpEditor(*this);
     SetUpKeys();
     SetUpMargins();
     setIndentationGuides(true);
-    Send(*this, SCI_SETIDLESTYLING, SC_IDLESTYLING_TOVISIBLE);
     connect(this, &QsciScintillaBase::SCN_CHARADDED, this, &TextEditor::IndentNewLine);
     connect(this, &QsciScintillaBase::SCN_MODIFIED, this, [this](int, int type) {
         if ((type & kBeforeChange) != 0) {
@@ -143,8 +145,11 @@ void TextEditor::SetLanguage(Language language)
 
 void TextEditor::SetContent(const QString& text)
 {
+    const auto bytes = text.toUtf8();
+    // Otherwise the first character that is typed would move the whole text to larger memory.
+    Send(*this, SCI_ALLOCATE, bytes.size() + kRoomToType);
     Send(*this, SCI_SETUNDOCOLLECTION, 0);
-    ReplaceBetween(*this, 0, Length(*this), text.toUtf8());
+    ReplaceBetween(*this, 0, Length(*this), bytes);
     Send(*this, SCI_SETUNDOCOLLECTION, 1);
     Send(*this, SCI_EMPTYUNDOBUFFER);
     UpdateNumberMargin();
@@ -402,6 +407,12 @@ void TextEditor::dropEvent(QDropEvent* event)
     }
     AcceptAsCopy(event);
     Q_EMIT FilesDropped(paths);
+}
+
+void TextEditor::paintEvent(QPaintEvent* event)
+{
+    styling_->Prepare();
+    QsciScintilla::paintEvent(event);
 }
 
 void TextEditor::keyPressEvent(QKeyEvent* event)

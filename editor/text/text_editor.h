@@ -6,6 +6,7 @@
 
 #include <vector>
 
+class GradualStyling;
 class PythonLexer;
 
 // The text view of a document. [ui]
@@ -60,6 +61,7 @@ class TextEditor final : public QsciScintilla {
     void dragMoveEvent(QDragMoveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
 
   private:
     void SetUpKeys();
@@ -75,7 +77,9 @@ class TextEditor final : public QsciScintilla {
     std::vector<long> SelectedLines() const;
     void Comment(long position);
 
-    PythonLexer* lexer_;  // Owned by its Qt parent.
+    // Owned by their Qt parent.
+    PythonLexer* lexer_;
+    GradualStyling* styling_;
     bool isPython_ = false;
     qsizetype digits_ = 0;  // The number of digits that fit into the line-number margin.
 };

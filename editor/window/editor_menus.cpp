@@ -3,6 +3,7 @@
 #include "appearance.h"
 #include "board_documents.h"
 #include "board_menu.h"
+#include "board_panel.h"
 #include "board_prompt.h"
 #include "commands_menu.h"
 #include "document_tabs.h"
@@ -22,6 +23,7 @@
 #include "worksheet_actions.h"
 
 #include <QActionGroup>
+#include <QApplication>
 #include <QMainWindow>
 #include <QMenuBar>
 
@@ -298,6 +300,18 @@ void EditorMenus::MakeBoardMenu()
     parts_.window.menuBar()->addMenu(boardMenu_);
     boardMenu_->AddOpenFile([this](const std::string& path) { parts_.boardDocuments.Open(path); })
         ->setShortcut(QKeySequence("Ctrl+Shift+O"));
+    boardMenu_->addSeparator();
+    auto* const shows = Add(boardMenu_, tr("&Show Board"), QKeySequence("F9"), [] {});
+    shows->setCheckable(true);
+    auto& panel = parts_.boardPanel;
+    connect(shows, &QAction::triggered, &panel, [this, &panel] {
+        if (panel.isAncestorOf(QApplication::focusWidget())) {
+            parts_.texts.GoToDocument();
+        }
+        panel.setVisible(panel.isHidden());
+    });
+    connect(boardMenu_, &BoardMenu::aboutToShow, shows,
+            [&panel, shows] { shows->setChecked(!panel.isHidden()); });
     connect(boardMenu_, &BoardMenu::DeviceWindowRequested, &parts_.commands,
             &PluginActions::OpenDeviceWindow);
 }

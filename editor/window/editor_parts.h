@@ -3,6 +3,7 @@
 class BoardActions;
 class BoardDocuments;
 class BoardMonitor;
+class BoardPanel;
 class BoardPrompt;
 class DocumentTabs;
 class FileActions;
@@ -21,7 +22,9 @@ class WorksheetActions;
 // The parts of the editor's window, which owns them.
 struct EditorParts {
     QMainWindow& window;
-    QSplitter& splitter;
+    QSplitter& splitter;  // The documents and the worksheet.
+    QSplitter& columns;   // The splitter above, and the board panel.
+    BoardPanel& boardPanel;
     MessageArea& messages;
     DocumentTabs& tabs;
     FindBar& findBar;

@@ -4,6 +4,7 @@
 #include "board_button.h"
 #include "board_documents.h"
 #include "board_menu.h"
+#include "board_panel.h"
 #include "board_prompt.h"
 #include "board_questions.h"
 #include "command_activity.h"
@@ -21,6 +22,7 @@
 #include "input_field.h"
 #include "message_area.h"
 #include "path_text.h"
+#include "pins_client.h"
 #include "plugin_actions.h"
 #include "session_keeper.h"
 #include "shortcut_code.h"
@@ -55,15 +57,14 @@ QString EscapeForTitle(QString name)
     return name.replace("[*]", "[*][*]");
 }
 
-// Places the widgets below each other, with a line between them.
-void Stack(const std::vector<QWidget*>& widgets, QWidget& parent)
+// Places the second widget below the first, which takes the space, with a line between them.
+void Stack(QWidget& first, QWidget& second, QWidget& parent)
 {
     auto* const column = new QVBoxLayout(&parent);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(1);
-    for (auto* const widget : widgets) {
-        column->addWidget(widget);
-    }
+    column->addWidget(&first, 1);
+    column->addWidget(&second);
     parent.setBackgroundRole(QPalette::Mid);
     parent.setAutoFillBackground(true);
 }
@@ -93,8 +94,10 @@ MainWindow::MainWindow(const PluginModule& plugin, Runtime& runtime, const Edito
       monitor_(runtime, nullptr),
       shortcuts_({}, {}),
       project_(new Project(this)),
-      board_(new BoardMonitor(paths.boardProgram, paths.boardFolder, paths.findPorts, this))
+      board_(new BoardMonitor(paths.boardProgram, paths.boardFolder, paths.findPorts, this)),
+      pins_(new PinsClient(this))
 {
+    pins_->Follow(*board_);
     setAcceptDrops(true);
     setObjectName("editor");
     MakeCentralWidget(paths.folders.state + "/recovery");
@@ -129,14 +132,22 @@ void MainWindow::MakeCentralWidget(const std::string& recoveryRoot)
     worksheet_ = new Worksheet(console);
     worksheet_->setAccessibleName(tr("Worksheet"));
     input_ = new InputField(console);
-    Stack({worksheet_, input_}, *console);
+    Stack(*worksheet_, *input_, *console);
     splitter_ = new QSplitter(Qt::Vertical, this);
     splitter_->setHandleWidth(5);  // Only one pixel of it is drawn.
     splitter_->setChildrenCollapsible(false);
     splitter_->addWidget(documents);
     splitter_->addWidget(console);
     splitter_->setSizes({460, 230});  // They keep this ratio in a window of any size.
-    setCentralWidget(splitter_);
+    columns_ = new QSplitter(Qt::Horizontal, this);
+    columns_->setHandleWidth(5);
+    columns_->setChildrenCollapsible(false);
+    boardPanel_ = new BoardPanel(*pins_, columns_);
+    boardPanel_->hide();
+    columns_->addWidget(splitter_);
+    columns_->addWidget(boardPanel_);
+    columns_->setStretchFactor(0, 1);
+    setCentralWidget(columns_);
 }
 
 void MainWindow::MakeActions()
@@ -163,6 +174,8 @@ void MainWindow::MakeActions()
     boardDocuments_ = new BoardDocuments(*tabs_, tool_, *board_, this);
     const EditorParts parts{.window = *this,
                             .splitter = *splitter_,
+                            .columns = *columns_,
+                            .boardPanel = *boardPanel_,
                             .messages = *messages_,
                             .tabs = *tabs_,
                             .findBar = *findBar_,
@@ -188,8 +201,9 @@ void MainWindow::MakeStatusBar()
     auto* const activity = new CommandActivity(monitor_, this);
     connect(boardActions_, &BoardActions::UploadNoteChanged, activity,
             &CommandActivity::SetUploadNote);
-    status_ =
-        new EditorStatusBar(activity, new BoardButton(*board_, &menus_->boardMenu(), this), this);
+    auto* const board = new BoardButton(*board_, &menus_->boardMenu(), this);
+    board->ShowLedOf(*pins_);
+    status_ = new EditorStatusBar(activity, board, this);
     setStatusBar(status_);
 }
 
@@ -210,6 +224,8 @@ void MainWindow::ConnectParts()
     connect(tabs_, &DocumentTabs::FrontChanged, this, &MainWindow::ShowFront);
     connect(tabs_, &DocumentTabs::Failed, messages_, &MessageArea::Report);
     connect(tabs_, &DocumentTabs::FilesDropped, this, &MainWindow::OpenFiles);
+    connect(boardPanel_, &BoardPanel::AttachRequested, boardActions_,
+            &BoardActions::UseVirtualBoard);
     connect(project_, &Project::Changed, this, &MainWindow::ShowProject);
     connect(&menus_->commandsMenu(), &CommandsMenu::Chosen, commands_, &PluginActions::Perform);
     connect(menus_, &EditorMenus::CommandMenuRequested, this,
@@ -264,6 +280,11 @@ void MainWindow::OpenFiles(const QStringList& files)
         tabs_->New();
     }
     ShowControls();  // At once, so that the tool bar is complete when the window is shown.
+}
+
+void MainWindow::ShowBoardPanel()
+{
+    boardPanel_->show();
 }
 
 void MainWindow::ReportPluginError(const std::string& error)

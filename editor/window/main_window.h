@@ -17,6 +17,7 @@
 #include <string>
 
 class BoardActions;
+class BoardPanel;
 class BoardDocuments;
 class BoardPrompt;
 class CommandActivity;
@@ -30,6 +31,7 @@ class FrontSaver;
 class HelpWindow;
 class InputField;
 class MessageArea;
+class PinsClient;
 class PluginActions;
 class QSplitter;
 class SessionKeeper;
@@ -60,6 +62,8 @@ class MainWindow final : public QMainWindow {
     // Opens files; a folder becomes the project. Without files, reopens the documents of the last
     // session. Errors are reported in the window.
     void OpenFiles(const QStringList& files);
+
+    void ShowBoardPanel();
 
     // Reports an exception that the plug-in threw.
     void ReportPluginError(const std::string& error);
@@ -118,7 +122,10 @@ class MainWindow final : public QMainWindow {
     // Owned by their Qt parents.
     Project* project_;
     BoardMonitor* board_;
+    PinsClient* pins_;
     QSplitter* splitter_ = nullptr;
+    QSplitter* columns_ = nullptr;
+    BoardPanel* boardPanel_ = nullptr;
     MessageArea* messages_ = nullptr;
     DocumentTabs* tabs_ = nullptr;
     FindBar* findBar_ = nullptr;

@@ -7,13 +7,43 @@
 #include <QPointer>
 
 #include <chrono>
-#include <semaphore>
+#include <condition_variable>
+#include <mutex>
 #include <string_view>
 #include <utility>
 
 namespace {
 
 constexpr std::chrono::milliseconds kClosedCheckInterval{20};
+constexpr std::size_t kMaxBuffered = UserShell::kMaxOutput - 65'536;
+
+// Output between the job's thread and the user-interface thread. [any]
+class OutputBuffer {
+  public:
+    // Waits while it is full, unless the queue is closed. Returns whether it was empty.
+    bool Add(std::string_view bytes, const UiQueue& queue)
+    {
+        std::unique_lock lock(mutex_);
+        const auto hasRoom = [&] { return bytes_.size() < kMaxBuffered; };
+        while (!room_.wait_for(lock, kClosedCheckInterval, hasRoom) && !queue.IsClosed()) {
+        }
+        const bool wasEmpty = bytes_.empty();
+        bytes_ += bytes;
+        return wasEmpty;
+    }
+
+    std::string Take()
+    {
+        const std::lock_guard lock(mutex_);
+        room_.notify_one();
+        return std::exchange(bytes_, {});
+    }
+
+  private:
+    std::mutex mutex_;
+    std::condition_variable room_;
+    std::string bytes_;
+};
 
 std::string ShellProgram()
 {
@@ -65,18 +95,17 @@ void UserShell::Run(const QString& command, const QString& folder)
     Stop();
     auto& runtime = Runtime::Current();
     const QPointer self(this);
-    // One piece at a time: the queue's limit counts tasks, and these are large. A flood must
-    // neither delay the board's commands nor be shown long after it was stopped.
-    auto isProcessed = std::make_shared<std::binary_semaphore>(1);
-    auto forward = [self, isProcessed, &queue = runtime.queue()](std::string&& bytes) {
-        while (!isProcessed->try_acquire_for(kClosedCheckInterval) && !queue.IsClosed()) {
+    // One task at a time: a flood must not delay the board's commands.
+    auto buffer = std::make_shared<OutputBuffer>();
+    auto forward = [self, buffer, &queue = runtime.queue()](std::string&& bytes) {
+        if (buffer->Add(bytes, queue)) {
+            queue.Post([self, buffer] {
+                const std::string output = buffer->Take();
+                if (self) {
+                    Q_EMIT self->Output(output);
+                }
+            });
         }
-        queue.Post([self, isProcessed, bytes = std::move(bytes)] {
-            if (self) {
-                Q_EMIT self->Output(bytes);
-            }
-            isProcessed->release();
-        });
     };
     job_ = std::make_shared<ShellJob>(
         ProgramFor(command, folder, programFolder_),

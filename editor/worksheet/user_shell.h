@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QString>
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <utility>
@@ -15,6 +16,8 @@ class UserShell final : public QObject {
     Q_OBJECT
 
   public:
+    static constexpr std::size_t kMaxOutput = 4'194'304;  // bytes
+
     explicit UserShell(QObject* parent = nullptr);
     // Stops the running command without waiting for it.
     ~UserShell() override;
@@ -29,7 +32,7 @@ class UserShell final : public QObject {
     void Stop();
 
   Q_SIGNALS:
-    // Output of the command, at most 64 KiB at a time, or the reason why it cannot be run.
+    // Output of the command, at most kMaxOutput at a time, or the reason why it cannot be run.
     void Output(const std::string& bytes);
     // The status is the exit status, 128 plus the signal's number, or 127 if the command could not
     // be run. Background processes of the command keep running, but their output is not read.

@@ -7,6 +7,7 @@
 #include "scintilla_text.h"
 #include "source_link.h"
 
+#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QRegularExpression>
 
@@ -168,8 +169,10 @@ bool IsRunChord(const QKeyEvent& event)
 
 Worksheet::Worksheet(QWidget* parent)
     : QsciScintilla(parent),
-      feed_([this] { return LastColumn(); },
-            [this](const OutputChange& change) { follower_.Change([&] { Apply(change); }); })
+      feed_({.lastColumn = [this] { return LastColumn(); },
+             .apply = [this](const auto& change) { follower_.Change([&] { Apply(change); }); },
+             .removeAll = [this] { follower_.Change([this] { RemoveAll(); }); }},
+            {.lines = kMaxLines, .bytes = kMaxBytes})
 {
     SetUpEditor(*this);
     SetUpMargin(*this);
@@ -258,6 +261,14 @@ qsizetype Worksheet::LastColumn() const
     return Send(*this, SCI_COUNTCODEUNITS, LineStart(*this, lines() - 1), Length(*this));
 }
 
+// Output follows that fills the whole text.
+void Worksheet::RemoveAll()
+{
+    const NotificationBlocker blocker(*this);
+    RemoveText(Length(*this));
+    begins_ = false;
+}
+
 void Worksheet::Apply(const OutputChange& change)
 {
     MarkChanged();  // The positions that it uses become invalid below.
@@ -296,14 +307,20 @@ void Worksheet::DropOldLines()
     if (dropped == 0) {
         return;
     }
+    RemoveText(LineStart(*this, dropped));
+}
+
+// Removes the text before the position. Notifications must be disabled.
+void Worksheet::RemoveText(long end)
+{
     // The marks of deleted lines would be moved to the first one that remains.
+    const long lastLine = LineAt(*this, end);
     for (int line = 0;
-         (line = markerFindNext(line, 1U << kBeginningMarker)) >= 0 && line < dropped;) {
+         (line = markerFindNext(line, 1U << kBeginningMarker)) >= 0 && line < lastLine;) {
         markerDelete(line, kBeginningMarker);
     }
-    const long length = LineStart(*this, dropped);
-    Send(*this, SCI_DELETERANGE, 0, length);
-    caretBefore_ = caretBefore_ < 0 ? -1 : std::max(0L, caretBefore_ - length);
+    Send(*this, SCI_DELETERANGE, 0, end);
+    caretBefore_ = caretBefore_ < 0 ? -1 : std::max(0L, caretBefore_ - end);
     Send(*this, SCI_EMPTYUNDOBUFFER);
 }
 

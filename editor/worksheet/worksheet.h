@@ -79,7 +79,9 @@ class Worksheet final : public QsciScintilla, public OutputView {
     void ApplyColors();
     qsizetype LastColumn() const;
     void Apply(const OutputChange& change);
+    void RemoveAll();
     void DropOldLines();
+    void RemoveText(long end);
     void RecordChange(int position, int type, int length);
     void MarkChanged();
     bool ChooseLinkAt(long position);

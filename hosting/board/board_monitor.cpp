@@ -151,6 +151,12 @@ void BoardMonitor::DetachVirtualBoard()
     Poll();
 }
 
+std::string BoardMonitor::pinsPath() const
+{
+    return board_.kind == Kind::Virtual && virtualBoard_ ? virtualBoard_->pinsPath()
+                                                         : std::string();
+}
+
 void BoardMonitor::Fail(const std::string& error)
 {
     Q_EMIT Failed(QString::fromStdString(error));

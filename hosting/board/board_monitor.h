@@ -60,6 +60,9 @@ class BoardMonitor final : public QObject {
     // Simulates unplugging the board.
     void DetachVirtualBoard();
 
+    // The socket of the virtual board's pins; empty while it is not the board.
+    std::string pinsPath() const;
+
     // The firmware of the board, once it is known; empty until then.
     const QString& firmware() const { return firmware_; }
     void SetFirmware(const QString& firmware);

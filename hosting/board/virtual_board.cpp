@@ -1,6 +1,7 @@
 #include "virtual_board.h"
 
 #include "descriptors.h"
+#include "local_socket.h"
 
 #include <poll.h>
 #include <unistd.h>
@@ -36,6 +37,11 @@ std::string LinkIn(const std::string& folder)
     return folder + "/port";
 }
 
+std::string PinsIn(const std::string& folder)
+{
+    return folder + "/pins";
+}
+
 }  // namespace
 
 VirtualBoard::VirtualBoard(ChildProcess process, std::string linkFolder)
@@ -53,9 +59,14 @@ std::expected<VirtualBoard, std::string> VirtualBoard::Start(const std::string& 
         return std::unexpected(
             "The virtual board cannot be started: cannot create a temporary folder");
     }
-    auto process = ChildProcess::Start(
-        {program, "--parent", std::to_string(getpid()), "--link", LinkIn(linkFolder), "--", folder},
-        CurrentEnvironment());
+    std::vector<std::string> words{program, "--parent", std::to_string(getpid()), "--link",
+                                   LinkIn(linkFolder)};
+    // In a temporary folder with a very long path the board works without its panel.
+    if (const auto pins = PinsIn(linkFolder); CanBeSocketPath(pins)) {
+        words.insert(words.end(), {"--pins", pins});
+    }
+    words.insert(words.end(), {"--", folder});
+    auto process = ChildProcess::Start(words, CurrentEnvironment());
     if (!process) {
         std::error_code ignored;
         std::filesystem::remove(linkFolder, ignored);
@@ -102,6 +113,11 @@ std::string VirtualBoard::ExitReport()
     const std::string printed = output_.substr(std::min(output_.find('\n') + 1, output_.size()));
     const std::string reason = printed.substr(0, printed.find('\n'));
     return "The virtual board has stopped: " + (reason.empty() ? "it gave no reason" : reason);
+}
+
+std::string VirtualBoard::pinsPath() const
+{
+    return PinsIn(linkFolder_);
 }
 
 VirtualBoard::~VirtualBoard()

@@ -26,6 +26,9 @@ class VirtualBoard {
     // Waits until the board is ready.
     std::expected<void, std::string> WaitUntilReady();
 
+    // The path of the socket of its pins.
+    std::string pinsPath() const;
+
     // False if the process has exited by itself.
     bool IsRunning() const { return !process_.HasExited(); }
     // A message for the user: that the process has exited by itself, and its reason if it gave one.

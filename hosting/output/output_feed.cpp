@@ -1,28 +1,29 @@
 #include "output_feed.h"
 
+#include <QElapsedTimer>
+
 #include <utility>
 
 namespace {
 
-constexpr std::size_t kChunkSize = 65'536;      // bytes a turn
-constexpr std::size_t kMaxPending = 8'388'608;  // bytes
+constexpr qint64 kPassTime = 5;  // milliseconds in one iteration of the event loop
 
 }  // namespace
 
-OutputFeed::OutputFeed(Column column, Apply apply)
-    : column_(std::move(column)), apply_(std::move(apply))
+OutputFeed::OutputFeed(Text text, OutputBacklog::Size capacity)
+    : text_(std::move(text)), pending_(capacity)
 {
     timer_.setSingleShot(true);
-    QObject::connect(&timer_, &QTimer::timeout, [this] { PassChunk(); });
+    QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { PassForAWhile(); });
 }
 
 void OutputFeed::Append(std::string_view utf8)
 {
-    pending_ += utf8;
-    while (pending_.size() - consumed_ > kMaxPending) {
-        PassChunk();
+    pending_.Append(utf8);
+    if (pending_.IsExcessive()) {
+        SkipSuperfluous();
     }
-    if (consumed_ < pending_.size() && !timer_.isActive()) {
+    if (!pending_.IsEmpty() && !timer_.isActive()) {
         timer_.start();
     }
 }
@@ -30,30 +31,36 @@ void OutputFeed::Append(std::string_view utf8)
 void OutputFeed::AppendLines(std::string_view utf8)
 {
     Flush();
-    if (column_() > 0) {
+    if (text_.lastColumn() > 0) {
         Append("\n");
     }
     Append(utf8);
 }
 
-void OutputFeed::PassChunk()
+void OutputFeed::PassForAWhile()
 {
-    const auto part = std::string_view(pending_).substr(consumed_, kChunkSize);
-    const auto change = parser_.Feed(part, column_());
-    consumed_ += part.size();
-    if (consumed_ >= pending_.size() / 2) {
-        pending_.erase(0, std::exchange(consumed_, 0));
+    QElapsedTimer elapsed;
+    elapsed.start();
+    while (!pending_.IsEmpty() && elapsed.elapsed() < kPassTime) {
+        PassBlock();
     }
-    if (!pending_.empty()) {
+    if (!pending_.IsEmpty()) {
         timer_.start();
     }
-    apply_(change);
+}
+
+void OutputFeed::SkipSuperfluous()
+{
+    while (const auto block = pending_.TakeSuperfluous()) {
+        parser_.Skip(*block);
+    }
+    text_.removeAll();
 }
 
 void OutputFeed::Flush()
 {
-    while (!pending_.empty()) {
-        PassChunk();
+    while (!pending_.IsEmpty()) {
+        PassBlock();
     }
     timer_.stop();
 }
@@ -61,7 +68,6 @@ void OutputFeed::Flush()
 void OutputFeed::Clear()
 {
     timer_.stop();
-    pending_.clear();
-    consumed_ = 0;
+    pending_.Clear();
     parser_ = {};
 }

@@ -1,24 +1,29 @@
 #pragma once
 
+#include "output_backlog.h"
 #include "output_text.h"
 
 #include <QTimer>
 
-#include <cstddef>
 #include <functional>
-#include <string>
 #include <string_view>
 
-// Passes output to a text in chunks, one in each iteration of the event loop, so that a flood of
-// output does not freeze the windows. If too much output is pending, Append itself passes chunks,
-// to slow the producer down. [ui]
+// Passes output to a text, for a few milliseconds in each iteration of the event loop, so that a
+// flood of output does not freeze the windows. Of a flood, what the text would soon remove is never
+// passed. [ui]
 class OutputFeed {
   public:
-    // Returns the length of the text's last line in UTF-16 units.
-    using Column = std::function<qsizetype()>;
-    using Apply = std::function<void(const OutputChange& change)>;
+    // What the feed does to the text.
+    struct Text {
+        // Returns the length of the last line in UTF-16 units.
+        std::function<qsizetype()> lastColumn;
+        std::function<void(const OutputChange& change)> apply;
+        // Removes everything: the output that follows fills the whole text.
+        std::function<void()> removeAll;
+    };
 
-    OutputFeed(Column column, Apply apply);
+    // `capacity` is what the text keeps of a long output.
+    OutputFeed(Text text, OutputBacklog::Size capacity);
 
     void Append(std::string_view utf8);
     // Appends lines, beginning with a new one.
@@ -31,12 +36,12 @@ class OutputFeed {
     void Clear();
 
   private:
-    void PassChunk();
+    void PassForAWhile();
+    void PassBlock() { text_.apply(parser_.Feed(pending_.Take(), text_.lastColumn())); }
+    void SkipSuperfluous();
 
-    Column column_;
-    Apply apply_;
+    Text text_;
     OutputText parser_;
-    std::string pending_;
-    std::size_t consumed_ = 0;  // Bytes at the front of `pending_` that have been passed.
+    OutputBacklog pending_;
     QTimer timer_;
 };

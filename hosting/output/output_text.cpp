@@ -3,6 +3,7 @@
 #include "qt_version.h"
 #include "whole_characters.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -43,10 +44,43 @@ OutputChange OutputText::Feed(std::string_view bytes, qsizetype column)
     column_ = column;
     change_ = {};
     change_.text.reserve(text.size());
-    for (const QChar c : text) {
-        Process(c);
+    for (qsizetype at = 0; (at = AppendRun(text, at)) < text.size(); ++at) {
+        Process(text[static_cast<QtSize>(at)]);
     }
     return std::move(change_);
+}
+
+void OutputText::Skip(std::string_view bytes)
+{
+    const auto complete = WholeCharacters(bytes);
+    incomplete_ = bytes.substr(complete);
+    bytes = bytes.substr(0, complete);
+    for (std::size_t at = 0; at < bytes.size(); ++at) {
+        if (state_ == State::Text) {
+            at = std::min(bytes.find(kEscape.toLatin1(), at), bytes.size() - 1);
+        }
+        Process(QLatin1Char(bytes[at]));
+    }
+    change_ = {};
+}
+
+// Appends the characters up to the next one that needs more than that, and returns its index.
+qsizetype OutputText::AppendRun(QStringView text, qsizetype at)
+{
+    if (state_ != State::Text || hasReturned_) {
+        return at;
+    }
+    const auto rest = text.mid(at);
+    const auto fitting = rest.left(std::clamp<qsizetype>(kMaxLineLength - column_, 0, rest.size()));
+    const auto end = std::ranges::find_if(
+        fitting, [](QChar c) { return c == u'\n' || c == u'\r' || c == kEscape; });
+    const auto run = fitting.left(end - fitting.begin());
+    if (!run.isEmpty()) {
+        BeginStyle();
+        change_.text.append(run.data(), static_cast<QtSize>(run.size()));
+        column_ += run.size();
+    }
+    return at + run.size();
 }
 
 void OutputText::Process(QChar c)
@@ -130,12 +164,17 @@ void OutputText::AppendStyled(QChar c)
         change_.text += u'\n';
         column_ = 0;
     }
+    BeginStyle();
+    change_.text += c;
+    column_ = c == u'\n' ? 0 : column_ + 1;
+}
+
+void OutputText::BeginStyle()
+{
     auto& parts = change_.parts;
     if (style_ != (parts.empty() ? TextStyle() : parts.back().style)) {
         parts.push_back({change_.text.size(), style_});
     }
-    change_.text += c;
-    column_ = c == u'\n' ? 0 : column_ + 1;
 }
 
 void OutputText::RestartLine()

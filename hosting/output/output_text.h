@@ -33,16 +33,21 @@ class OutputText {
     // `column` is the length of the text's last line in UTF-16 units.
     OutputChange Feed(std::string_view bytes, qsizetype column);
 
+    // Passes over output that is not shown. Only its control sequences count for what follows.
+    void Skip(std::string_view bytes);
+
   private:
     // A string is the text of a sequence such as a window's title.
     enum class State { Text, Escape, Designation, ControlSequence, String, StringEscape };
 
+    qsizetype AppendRun(QStringView text, qsizetype at);
     void Process(QChar c);
     void ProcessEscape(QChar c);
     void ProcessControlSequence(QChar c);
     void ProcessString(QChar c);
     void AppendCharacter(QChar c);
     void AppendStyled(QChar c);
+    void BeginStyle();
     void RestartLine();
 
     std::string incomplete_;  // The first bytes of a character.

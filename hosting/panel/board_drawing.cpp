@@ -4,6 +4,7 @@
 #include <QLinearGradient>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPixmapCache>
 #include <QRadialGradient>
 
 #include <algorithm>
@@ -100,8 +101,8 @@ void DrawContacts(QPainter& painter)
         painter.setBrush(QColor(0x16, 0x2b, 0x47));
         painter.drawEllipse(pad.center, 2, 2);
         QColor color = kSilk;
-        color.setAlpha(120);
-        DrawText(painter, NumberCenter(pad), pad.pin, 7, color);
+        color.setAlpha(135);
+        DrawText(painter, NumberCenter(pad), pad.pin, 7.5, color);
     }
 }
 
@@ -192,6 +193,39 @@ void DrawBoard(QPainter& painter)
     DrawLed(painter, 0);
 }
 
+void DrawCached(QPainter& painter, const QRectF& rect, const QString& key,
+                const std::function<void(QPainter& painter)>& draw)
+{
+    const QTransform transform = painter.worldTransform();
+    const QRect place = transform.mapRect(rect).toAlignedRect();
+    const double ratio = painter.device()->devicePixelRatioF();
+    // The place counts, too, because it need not be a whole number of pixels.
+    const QString fullKey = QString("quilp-%1-%2-%3-%4-%5-%6")
+                                .arg(key)
+                                .arg(place.x())
+                                .arg(place.y())
+                                .arg(place.width())
+                                .arg(place.height())
+                                .arg(ratio);
+    QPixmap pixmap;
+    if (!QPixmapCache::find(fullKey, &pixmap)) {
+        pixmap = QPixmap(place.size() * ratio);
+        pixmap.setDevicePixelRatio(ratio);
+        pixmap.fill(Qt::transparent);
+        QPainter inner(&pixmap);
+        inner.setRenderHint(QPainter::Antialiasing);
+        inner.setFont(painter.font());
+        inner.translate(-place.topLeft());
+        inner.setWorldTransform(transform, true);
+        draw(inner);
+        QPixmapCache::insert(fullKey, pixmap);
+    }
+    painter.save();
+    painter.resetTransform();
+    painter.drawPixmap(place.topLeft(), pixmap);
+    painter.restore();
+}
+
 void DrawGlow(QPainter& painter, QPointF center, double radius, const QColor& color, double level)
 {
     QColor inner = color;
@@ -223,9 +257,14 @@ void DrawLed(QPainter& painter, double brightness)
     painter.drawRoundedRect(lens, 3, 3);
 }
 
+QRectF ButtonLabelRect()
+{
+    return {kButtonRect.bottomLeft() + QPointF(0, 1), QSizeF(kButtonRect.width(), 12)};
+}
+
 void DrawButtonLabel(QPainter& painter, const QString& pin)
 {
-    DrawText(painter, {kButtonRect.center().x(), kButtonRect.bottom() + 7}, pin, 8, kSilk);
+    DrawText(painter, ButtonLabelRect().center(), pin, 8, kSilk);
 }
 
 QRectF PadRect(const Pad& pad)
@@ -243,5 +282,5 @@ void DrawPad(QPainter& painter, const Pad& pad, double level, const QColor& colo
     painter.setPen(QPen(Qt::white, 1.2));
     painter.setBrush(core);
     painter.drawEllipse(pad.center, 2.8, 2.8);
-    DrawText(painter, NumberCenter(pad), pad.pin, 8.5, Qt::white, true);
+    DrawText(painter, NumberCenter(pad), pad.pin, 9, Qt::white, true);
 }

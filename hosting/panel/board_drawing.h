@@ -5,6 +5,7 @@
 #include <QRectF>
 #include <QString>
 
+#include <functional>
 #include <vector>
 
 class QPainter;
@@ -35,8 +36,14 @@ QRectF LightRect();
 void DrawPad(QPainter& painter, const Pad& pad, double level, const QColor& color);
 QRectF PadRect(const Pad& pad);
 
-// The pin of the button, below it.
+// The pin of the button, below it. It covers ButtonLabelRect.
+QRectF ButtonLabelRect();
 void DrawButtonLabel(QPainter& painter, const QString& pin);
+
+// Draws a part that covers `rect` from a cache, because lights may change sixty times a second. The
+// key must name everything that the part depends on but its size.
+void DrawCached(QPainter& painter, const QRectF& rect, const QString& key,
+                const std::function<void(QPainter& painter)>& draw);
 
 // A round light with its glow, whose lens has this radius.
 void DrawGlow(QPainter& painter, QPointF center, double radius, const QColor& color, double level);

@@ -6,11 +6,19 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
 constexpr int kMaxWidth = 440;
 constexpr double kDisabledOpacity = 0.4;
+
+// Few different levels are drawn.
+double Step(double level)
+{
+    constexpr int kSteps = 48;
+    return std::ceil(level * kSteps) / kSteps;
+}
 
 }  // namespace
 
@@ -106,13 +114,21 @@ void BoardPicture::paintEvent(QPaintEvent* event)
     for (const auto& pad : BoardPads()) {
         const auto level = levels_.find(pad.pin);
         if (level != levels_.end() && isChanged(PadRect(pad))) {
-            DrawPad(painter, pad, level->second, palette().color(QPalette::Highlight).lighter(150));
+            const double shown = Step(level->second);
+            const QColor color = palette().color(QPalette::Highlight).lighter(150);
+            DrawCached(painter, PadRect(pad),
+                       QString("pad %1 %2 %3").arg(pad.pin, color.name()).arg(shown),
+                       [&](QPainter& inner) { DrawPad(inner, pad, shown, color); });
         }
     }
-    DrawButtonLabel(painter, button_->pin());
+    if (isChanged(ButtonLabelRect())) {
+        DrawButtonLabel(painter, button_->pin());
+    }
     const auto led = levels_.find(kLedPin);
     if (led != levels_.end() && isChanged(LightRect())) {
-        DrawLed(painter, led->second);
+        const double shown = Step(led->second);
+        DrawCached(painter, LightRect(), QString("led %1").arg(shown),
+                   [&](QPainter& inner) { DrawLed(inner, shown); });
     }
 }
 

@@ -49,7 +49,11 @@ std::vector<QColor> ParsePixels(const QJsonArray& values)
     pixels.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {
         const auto rgb = values.at(i).toArray();
-        pixels.emplace_back(IntIn(rgb.at(0), 255), IntIn(rgb.at(1), 255), IntIn(rgb.at(2), 255));
+        const int white = IntIn(rgb.at(3), 255);  // Some have a white light, too.
+        const auto light = [&](int color) {
+            return std::min(IntIn(rgb.at(color), 255) + white, 255);
+        };
+        pixels.emplace_back(light(0), light(1), light(2));
     }
     return pixels;
 }

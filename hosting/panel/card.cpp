@@ -9,6 +9,7 @@ namespace {
 constexpr QSize kBadge(36, 24);
 constexpr int kTitleWidth = 74;
 constexpr int kSpace = 8;
+constexpr int kBorder = 2;  // At least the width of what surrounds the card.
 const QColor kGold(0xe3, 0xb5, 0x4a);
 const QColor kBadgeText(0x2b, 0x22, 0x0c);
 
@@ -35,7 +36,7 @@ QRect Card::TitleRect() const
 QRect Card::ContentRect() const
 {
     const int left = TitleRect().right() + 1 + kSpace;
-    return {left, 0, std::max(0, width() - kMargin - left), kLine};
+    return {left, kBorder, std::max(0, width() - kMargin - left), kLine - 2 * kBorder};
 }
 
 void Card::DrawBackground(QPainter& painter) const

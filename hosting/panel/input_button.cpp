@@ -56,12 +56,18 @@ InputButton::InputButton(QWidget* parent) : QAbstractButton(parent)
     SetPin({});
 }
 
+InputButton::~InputButton()
+{
+    Drive(false);
+}
+
 void InputButton::SetPin(const QString& pin)
 {
+    Drive(false);
     pin_ = pin;
     setEnabled(!pin.isEmpty());
     setCursor(pin.isEmpty() ? Qt::ArrowCursor : Qt::PointingHandCursor);
-    isPressed_ = isLocked_ = false;
+    isLocked_ = false;
     releaseTimer_.stop();
     setToolTip(pin.isEmpty() ? tr("A button for the first input that the program uses")
                              : tr("Press the button at pin %1. With Shift, or by Return, it stays "
@@ -75,8 +81,7 @@ void InputButton::Drive(bool isPressed)
     if (std::exchange(isPressed_, isPressed) == isPressed) {
         return;
     }
-    restLevel_ = isPressed ? level_ : restLevel_;
-    Q_EMIT Driven(pin_, (restLevel_ != 0) != isPressed);
+    Q_EMIT Driven(pin_, isPressed ? std::optional(level_ == 0) : std::nullopt);
     update();
 }
 

@@ -5,14 +5,17 @@
 #include <QAbstractButton>
 #include <QTimer>
 
+#include <optional>
+
 // A push-button at an input pin of the board. While it is held it drives the pin to the level
 // opposite to the one at rest; with Shift, or by Return, it remains so until it is pressed again.
-// [ui]
+// It releases the pin when it is destroyed. [ui]
 class InputButton final : public QAbstractButton {
     Q_OBJECT
 
   public:
     explicit InputButton(QWidget* parent);
+    ~InputButton() override;
 
     // Without a pin the button is disabled.
     void SetPin(const QString& pin);
@@ -22,7 +25,8 @@ class InputButton final : public QAbstractButton {
     QSize sizeHint() const override { return {30, 30}; }
 
   Q_SIGNALS:
-    void Driven(const QString& pin, bool isHigh);
+    // Without a level, the pin is no longer driven.
+    void Driven(const QString& pin, std::optional<bool> isHigh);
 
   protected:
     void paintEvent(QPaintEvent* event) override;
@@ -34,8 +38,7 @@ class InputButton final : public QAbstractButton {
     void Drive(bool isPressed);
 
     QString pin_;
-    int level_ = 0;      // As the board reports it.
-    int restLevel_ = 0;  // While the button is pressed: the level before.
+    int level_ = 0;  // As the board reports it.
     bool isPressed_ = false;
     bool isLocked_ = false;
     QTimer releaseTimer_;  // A short click lasts until a program has certainly seen it.

@@ -3,6 +3,7 @@
 #include "board_drawing.h"
 #include "input_button.h"
 
+#include <QPaintEvent>
 #include <QPainter>
 #include <QSignalBlocker>
 #include <QSlider>
@@ -65,6 +66,11 @@ PinRow::PinRow(const QString& pin, QWidget* parent) : Card(pin, parent)
     connect(&restTimer_, &QTimer::timeout, this, &PinRow::Describe);
     MakeControl();
     Describe();
+}
+
+PinRow::~PinRow()
+{
+    delete button_;  // Releases the pin, by a signal of this row.
 }
 
 void PinRow::Show(const PinState& state)
@@ -148,12 +154,18 @@ QRect PinRow::MeterRect() const
     return ContentRect().adjusted(0, 0, -kValueWidth, 0);
 }
 
-void PinRow::paintEvent(QPaintEvent* /*event*/)
+void PinRow::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
-    DrawBackground(painter);
-    DrawTitle(painter, TitleOf(state_.mode),
-              state_.mode == Mode::Pwm ? FrequencyText(state_.frequency) : QString());
+    if (ContentRect().contains(event->rect())) {
+        // The most frequent case, which should cost little.
+        painter.fillRect(event->rect(), palette().color(QPalette::Base));
+        painter.setRenderHint(QPainter::Antialiasing);
+    } else {
+        DrawBackground(painter);
+        DrawTitle(painter, TitleOf(state_.mode),
+                  state_.mode == Mode::Pwm ? FrequencyText(state_.frequency) : QString());
+    }
     if (state_.mode == Mode::Pwm) {
         DrawDuty(painter);
     } else if (state_.mode != Mode::Adc) {
@@ -166,14 +178,20 @@ void PinRow::paintEvent(QPaintEvent* /*event*/)
 
 void PinRow::DrawLevel(QPainter& painter) const
 {
+    const bool isHigh = state_.value != 0;
     const QColor color = palette().color(QPalette::Highlight);
+    const QColor rim = isHigh ? color : palette().color(QPalette::Mid);
+    const QColor core = isHigh ? color.lighter(130) : palette().color(QPalette::Window);
     const QPointF center(ValueRect().right() - 22.5, kLine / 2.0);
-    if (state_.value != 0) {
-        DrawGlow(painter, center, 13, color, 1);
-    }
-    painter.setPen(QPen(state_.value != 0 ? color : palette().color(QPalette::Mid), 1.5));
-    painter.setBrush(state_.value != 0 ? color.lighter(130) : palette().color(QPalette::Window));
-    painter.drawEllipse(center, 5.5, 5.5);
+    const QRectF place(center - QPointF(13, 13), QSizeF(26, 26));
+    DrawCached(painter, place, "level " + rim.name() + core.name(), [&](QPainter& inner) {
+        if (isHigh) {
+            DrawGlow(inner, center, 13, color, 1);
+        }
+        inner.setPen(QPen(rim, 1.5));
+        inner.setBrush(core);
+        inner.drawEllipse(center, 5.5, 5.5);
+    });
 }
 
 void PinRow::DrawDuty(QPainter& painter) const

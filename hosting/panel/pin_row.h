@@ -5,6 +5,8 @@
 
 #include <QTimer>
 
+#include <optional>
+
 class InputButton;
 class QSlider;
 
@@ -15,6 +17,7 @@ class PinRow final : public Card {
 
   public:
     PinRow(const QString& pin, QWidget* parent);
+    ~PinRow() override;
 
     void Show(const PinState& state);
     const PinState& state() const { return state_; }
@@ -22,7 +25,8 @@ class PinRow final : public Card {
     QSize sizeHint() const override { return {250, kLine}; }
 
   Q_SIGNALS:
-    void LevelDriven(const QString& pin, bool isHigh);
+    // Without a level, the pin is no longer driven.
+    void LevelDriven(const QString& pin, std::optional<bool> isHigh);
     void AnalogDriven(const QString& pin, int value);
 
   protected:

@@ -1,5 +1,6 @@
 #include "pins_client.h"
 
+#include "board_monitor.h"
 #include "descriptors.h"
 #include "local_socket.h"
 
@@ -26,6 +27,12 @@ PinsClient::PinsClient(QObject* parent) : QObject(parent)
 PinsClient::~PinsClient()
 {
     Disconnect();
+}
+
+void PinsClient::Follow(const BoardMonitor& board)
+{
+    connect(&board, &BoardMonitor::Changed, this, [this, &board] { SetPath(board.pinsPath()); });
+    SetPath(board.pinsPath());
 }
 
 void PinsClient::SetPath(const std::string& path)
@@ -97,9 +104,9 @@ void PinsClient::Read()
     }
 }
 
-void PinsClient::SetLevel(const QString& pin, bool isHigh)
+void PinsClient::SetLevel(const QString& pin, std::optional<bool> isHigh)
 {
-    Send(pin, "value", isHigh ? 1 : 0);
+    Send(pin, "value", isHigh ? QJsonValue(*isHigh ? 1 : 0) : QJsonValue());
 }
 
 void PinsClient::SetAnalog(const QString& pin, int value)
@@ -107,7 +114,7 @@ void PinsClient::SetAnalog(const QString& pin, int value)
     Send(pin, "u16", value);
 }
 
-void PinsClient::Send(const QString& pin, const char* key, int value)
+void PinsClient::Send(const QString& pin, const char* key, const QJsonValue& value)
 {
     const QJsonObject object{{"pin", pin}, {QLatin1String(key), value}};
     const auto line = QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';

@@ -7,7 +7,11 @@
 #include <QTimer>
 
 #include <memory>
+#include <optional>
 #include <string>
+
+class BoardMonitor;
+class QJsonValue;
 
 // A connection to the pins of a virtual board: it reports what the program does with them, and
 // drives the inputs. It connects again when the connection breaks. [ui]
@@ -18,13 +22,16 @@ class PinsClient final : public QObject {
     explicit PinsClient(QObject* parent = nullptr);
     ~PinsClient() override;
 
+    // Connects whenever the virtual board is attached. `board` must outlive this object.
+    void Follow(const BoardMonitor& board);
     // The path of the board's socket; empty for no board.
     void SetPath(const std::string& path);
     bool hasBoard() const { return !path_.empty(); }
     const BoardState& state() const { return state_; }
 
-    // Drives an input from outside. Without a connection these do nothing.
-    void SetLevel(const QString& pin, bool isHigh);
+    // Drives an input from outside: with a level, or with none, so that its pull resistor
+    // determines the level. Without a connection these do nothing.
+    void SetLevel(const QString& pin, std::optional<bool> isHigh);
     void SetAnalog(const QString& pin, int value);  // 0 to PinState::kMax
 
   Q_SIGNALS:
@@ -37,7 +44,7 @@ class PinsClient final : public QObject {
     void Disconnect();
     void Break();
     void Read();
-    void Send(const QString& pin, const char* key, int value);
+    void Send(const QString& pin, const char* key, const QJsonValue& value);
     void Reset();
 
     std::string path_;

@@ -8,6 +8,7 @@
 
 namespace {
 
+constexpr std::size_t kMaxBytes = 16'777'216;
 // Removing lines is slow, so many are removed at once.
 constexpr int kLinesAfterDrop = OutputDocument::kMaxLines - OutputDocument::kMaxLines / 10;
 
@@ -15,8 +16,10 @@ constexpr int kLinesAfterDrop = OutputDocument::kMaxLines - OutputDocument::kMax
 
 OutputDocument::OutputDocument(QObject* parent)
     : QTextDocument(parent),
-      feed_([this] { return lastBlock().length() - 1; },
-            [this](const OutputChange& change) { Apply(change); })
+      feed_({.lastColumn = [this] { return lastBlock().length() - 1; },
+             .apply = [this](const OutputChange& change) { Apply(change); },
+             .removeAll = [this] { clear(); }},
+            {.lines = kMaxLines, .bytes = kMaxBytes})
 {
     setDocumentLayout(new QPlainTextDocumentLayout(this));
     setUndoRedoEnabled(false);

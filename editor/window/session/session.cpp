@@ -17,6 +17,8 @@ Session Read(QSettings& settings)
     Session session;
     session.geometry = settings.value("window/geometry").toByteArray();
     session.splitter = settings.value("window/splitter").toByteArray();
+    session.columns = settings.value("window/columns").toByteArray();
+    session.showsBoard = settings.value("window/showsBoard", false).toBool();
     session.files = PathsFromStored(settings.value("session/files").toStringList());
     for (const auto& line : settings.value("session/lines").toStringList()) {
         session.lines.append(line.toInt());
@@ -71,6 +73,8 @@ std::expected<void, std::string> SaveSession(const std::string& path, const Sess
     QSettings settings(QString::fromStdString(path), QSettings::IniFormat);
     settings.setValue("window/geometry", session.geometry);
     settings.setValue("window/splitter", session.splitter);
+    settings.setValue("window/columns", session.columns);
+    settings.setValue("window/showsBoard", session.showsBoard);
     settings.setValue("session/files", PathsToStored(session.files));
     QStringList lines;
     for (const int line : session.lines) {

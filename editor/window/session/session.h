@@ -20,6 +20,8 @@ inline constexpr int kMaxZoom = 20;
 struct Session {
     QByteArray geometry;  // The window's, in Qt's own format, like the splitter's state.
     QByteArray splitter;
+    QByteArray columns;  // Like the splitter, with the board panel.
+    bool showsBoard = false;
     QStringList files;
     QList<int> lines;  // Of the carets in these files, counted from 1.
     QString front;

@@ -3,6 +3,7 @@
 #include "appearance.h"
 #include "board_actions.h"
 #include "board_monitor.h"
+#include "board_panel.h"
 #include "document_tabs.h"
 #include "file_actions.h"
 #include "file_save.h"
@@ -53,6 +54,8 @@ void SessionKeeper::Restore()
     last_ = std::move(loaded.session);
     parts_.window.restoreGeometry(last_.geometry);
     parts_.splitter.restoreState(last_.splitter);
+    parts_.columns.restoreState(last_.columns);
+    parts_.boardPanel.setVisible(last_.showsBoard);
     SetAppearance(last_.appearance);
     parts_.project.SetFolder(last_.folder);
     parts_.project.SetTarget(last_.target);
@@ -124,6 +127,8 @@ Session SessionKeeper::Current() const
     return {
         .geometry = parts_.window.saveGeometry(),
         .splitter = parts_.splitter.saveState(),
+        .columns = parts_.columns.saveState(),
+        .showsBoard = !parts_.boardPanel.isHidden(),
         .files = parts_.tabs.Paths(),
         .lines = lines,
         .front = front != nullptr ? PathToText(front->path()) : QString(),

@@ -171,6 +171,30 @@ TEST_F(TextEditorTest, BracketsOfCodeAreMatched)
     EXPECT_FALSE(match("(|" + QString("line\n").repeated(21'000) + ")")) << "slow at each key";
 }
 
+TEST_F(TextEditorTest, ADistantPartIsColouredInStepsAndAsItsBeginningRequires)
+{
+    const QString code = "x = 1\n";
+    const QString quotes = "'''";
+    editor.SetContent(code + quotes + "\n" + code.repeated(60'000) + quotes + "\n" + code);
+    const auto styleInside = [&] {  // Of the last "1" between the quotes.
+        return Send(editor, QsciScintilla::SCI_GETSTYLEAT, Length(editor) - 12);
+    };
+    editor.GoToLine(editor.lines());
+    editor.viewport()->repaint();
+    EXPECT_NE(styleInside(), QsciLexerPython::TripleSingleQuotedString) << "this takes too long";
+    QCoreApplication::processEvents();
+    editor.GoToLine(2);  // What the user changes meanwhile counts.
+    QTest::keyClick(&editor, Qt::Key_End);
+    QTest::keyClicks(&editor, quotes);
+    QCoreApplication::processEvents();
+    editor.GoToLine(editor.lines());
+    EXPECT_TRUE(WaitUntil([&] { return styleInside() == QsciLexerPython::Number; }));
+    editor.undo();
+    editor.GoToLine(editor.lines());
+    EXPECT_TRUE(
+        WaitUntil([&] { return styleInside() == QsciLexerPython::TripleSingleQuotedString; }));
+}
+
 TEST_F(TextEditorTest, AnAssistiveProgramThatStartsLaterReadsTheText)
 {
     const auto text = [&] {

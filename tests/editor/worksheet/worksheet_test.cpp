@@ -189,14 +189,32 @@ TEST_F(WorksheetTest, LargeOutputIsAppendedInPartsOfLimitedSize)
     EXPECT_LT(sheet.lines(), 200'000) << "one turn appended everything";
     ASSERT_TRUE(WaitUntil([&] { return Length(sheet) > 90'000; }));
     EXPECT_LE(sheet.lines(), Worksheet::kMaxLines);
-    sheet.ClearAll();
-    const std::string megabyte = Lines(80'000);
-    for (int i = 0; i < 12; ++i) {
-        sheet.Append(megabyte);
+}
+
+TEST_F(WorksheetTest, AFloodLeavesItsLastLinesInTheColourThatItSet)
+{
+    sheet.BeginCommand();
+    // Blocks of output end anywhere, also in the sequences and in the characters.
+    std::string flood = "\x1b[31m";
+    for (int line = 0; line < 4 * Worksheet::kMaxLines; ++line) {
+        flood += "\x1b[1mö\x1b[22m " + std::to_string(line) + "\n";
     }
-    EXPECT_GT(Length(sheet), 0) << "the pending output is not limited";
-    sheet.Append("the end");
-    EXPECT_TRUE(sheet.Content().endsWith("line 79999\nthe end"));
+    sheet.Append(flood + "the end");
+    EXPECT_LT(sheet.lines(), Worksheet::kMaxLines / 2)
+        << "lines that will be removed were appended";
+    const auto lines = sheet.Content().split('\n');
+    ASSERT_LE(lines.size(), Worksheet::kMaxLines);
+    ASSERT_GT(lines.size(), Worksheet::kMaxLines / 2);
+    EXPECT_EQ(lines.back(), "the end");
+    for (qsizetype i = 0; i + 1 < lines.size(); ++i) {
+        const auto number = 4 * Worksheet::kMaxLines + 1 - lines.size() + i;
+        ASSERT_EQ(lines[i], "ö " + QString::number(number));
+    }
+    Append("\x1b[m.");
+    const auto styleAt = [&](long at) { return Send(sheet, QsciScintilla::SCI_GETSTYLEAT, at); };
+    EXPECT_NE(styleAt(Length(sheet) - 2), styleAt(Length(sheet) - 1))
+        << "the first colour was lost";
+    EXPECT_EQ(sheet.markerFindNext(0, ~0U), -1) << "a line is marked as the beginning";
 }
 
 TEST_F(WorksheetTest, TheOldestLinesAreRemoved)

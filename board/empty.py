@@ -1,0 +1,1 @@
+"""An empty module, which stand_ins.py fills."""

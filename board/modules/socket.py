@@ -1,0 +1,3 @@
+"""This board has no network."""
+
+raise ImportError("no module named 'socket'")
