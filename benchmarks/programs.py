@@ -41,9 +41,11 @@ class VirtualBoard:
     def __enter__(self):
         self.folder = tempfile.TemporaryDirectory()
         self.link = os.path.join(self.folder.name, "port")
+        self.pins = os.path.join(self.folder.name, "pins")
         self.files = os.path.join(self.folder.name, "files")
         self.process = subprocess.Popen(
-            [self.program, "--link", self.link, self.files], stdout=subprocess.PIPE
+            [self.program, "--link", self.link, "--pins", self.pins, self.files],
+            stdout=subprocess.PIPE,
         )
         if not self.process.stdout.readline().startswith(b"/dev/"):
             raise SystemExit("the virtual board did not start")

@@ -18,7 +18,7 @@ OutputDocument::OutputDocument(QObject* parent)
     : QTextDocument(parent),
       feed_({.lastColumn = [this] { return lastBlock().length() - 1; },
              .apply = [this](const OutputChange& change) { Apply(change); },
-             .removeAll = [this] { clear(); }},
+             .removeAll = [this] { RemoveAll(); }},
             {.lines = kMaxLines, .bytes = kMaxBytes})
 {
     setDocumentLayout(new QPlainTextDocumentLayout(this));
@@ -41,6 +41,13 @@ void OutputDocument::ClearAll()
 {
     feed_.Clear();
     clear();
+}
+
+void OutputDocument::RemoveAll()
+{
+    const int dropped = blockCount();
+    clear();
+    Q_EMIT LinesDropped(dropped);
 }
 
 void OutputDocument::Apply(const OutputChange& change)

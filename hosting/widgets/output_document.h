@@ -8,6 +8,7 @@
 #include <QTextBlock>
 #include <QTextDocument>
 
+#include <cstddef>
 #include <optional>
 
 class QTextCursor;
@@ -19,6 +20,8 @@ class OutputDocument final : public QTextDocument, public OutputView {
 
   public:
     static constexpr int kMaxLines = 50'000;
+    // Of a flood, no more than this is appended at once.
+    static constexpr std::size_t kMaxBytes = 16'777'216;
 
     explicit OutputDocument(QObject* parent = nullptr);
 
@@ -47,6 +50,7 @@ class OutputDocument final : public QTextDocument, public OutputView {
 
   private:
     void Apply(const OutputChange& change);
+    void RemoveAll();
     void Insert(QTextCursor& cursor, const OutputChange& change) const;
     QTextCharFormat FormatOf(const TextStyle& style) const;
     void MarkLinks(QTextCursor& cursor, int firstLine) const;

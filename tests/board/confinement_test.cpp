@@ -85,3 +85,18 @@ TEST(Confinement, AProgramThatGetsAroundTheFileSystemOrTheProtocolIsReset)
         EXPECT_EQ(board.Tool({"exec", "print('works')"}).output, "works\r\n");
     }
 }
+
+TEST(Confinement, ProgramsHaveAsMuchMemoryAsTheUserChose)
+{
+    const TemporaryFolder folder;
+    const std::string link = folder / "port";
+    for (const auto& [size, kibibytes] : {std::pair("256K", 256), {"1M", 1024}}) {
+        BackgroundProgram board(
+            {QUILP_BIN "/virtual-board", "--heap", size, "--link", link, folder / "files"});
+        ASSERT_TRUE(board.WaitForOutput("/dev/"));
+        const auto result = RunProgram(
+            {QUILP_MPREMOTE, "exec", "import gc; gc.collect(); print(gc.mem_free() // 1024)"},
+            {"QUILP_VIRTUAL_BOARD=" + link});
+        EXPECT_NEAR(std::stoi(result.output), kibibytes, 16) << size;
+    }
+}

@@ -38,6 +38,8 @@ class BoardProcess {
     std::string devicePath() const;
     // A permanent link to it.
     std::string link() const { return run_ / "port"; }
+    // The socket that serves its pins.
+    std::string pins() const { return run_ / "pins"; }
     void SetPlugged(bool plugged);
     // The environment of programs that use this board.
     std::vector<std::string> variables() const;
