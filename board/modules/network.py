@@ -38,7 +38,11 @@ class WLAN:
             raise ValueError("invalid interface")
         self._state = _interfaces.setdefault(
             interface,
-            {"active": False, "status": STAT_IDLE, "mac": b"\x02\x23\x45\x67\x89" + bytes([interface])},
+            {
+                "active": False,
+                "status": STAT_IDLE,
+                "mac": b"\x02\x23\x45\x67\x89" + bytes([interface]),
+            },
         )
 
     def active(self, is_active=None):

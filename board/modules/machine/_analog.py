@@ -1,6 +1,5 @@
 """The classes ADC and PWM."""
 
-import _board
 import struct
 from _board import ANALOG, DUTY, FREQUENCY, MODE, block
 from machine._pin import Pin

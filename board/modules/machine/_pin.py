@@ -1,7 +1,6 @@
 """The classes Pin and Signal."""
 
 import _board
-import struct
 from _board import PinBase, DRIVE, MODE, OUT, PINS, PIN_COUNT, PIN_SIZE, PULL, RISING, FALLING, block
 
 _LED = PIN_COUNT - 1

@@ -1,8 +1,7 @@
 """The classes Timer and WDT."""
 
-import _board
+from _board import board
 
-_board = _board.board
 _TIMER_IDS = range(-1, 15)  # The virtual timers, and hardware timers of usual boards.
 _hardware_timers = {}
 
@@ -39,10 +38,10 @@ class Timer:
                 _hardware_timers[self._id].deinit()
             _hardware_timers[self._id] = self
         if callback:
-            _board.start_timer(self)
+            board.start_timer(self)
 
     def deinit(self):
-        _board.stop_timer(self)
+        board.stop_timer(self)
 
     def __repr__(self):
         return "Timer(%d)" % self._id
@@ -60,4 +59,4 @@ class WDT:
         self.feed()
 
     def feed(self):
-        _board.feed_watchdog(self._microseconds)
+        board.feed_watchdog(self._microseconds)
