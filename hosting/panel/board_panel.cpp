@@ -1,7 +1,6 @@
 #include "board_panel.h"
 
 #include "board_picture.h"
-#include "input_button.h"
 #include "pin_row.h"
 #include "pins_client.h"
 #include "pixel_strip.h"
@@ -21,7 +20,7 @@ using Kind = BoardState::Change::Kind;
 
 // The board is reset before each run. Parts that the next program uses again remain, with the
 // focus.
-constexpr std::chrono::milliseconds kRemoveDelay{400};
+constexpr std::chrono::milliseconds kRemoveDelay{2000};
 
 constexpr int kSpacing = 8;
 
@@ -82,7 +81,6 @@ void BoardPanel::MakeContents()
     outer->addWidget(scroll);
     setMinimumWidth(260);
     connect(attach_, &QPushButton::clicked, this, &BoardPanel::AttachRequested);
-    connect(&picture_->button(), &InputButton::Driven, &pins_, &PinsClient::SetLevel);
 }
 
 void BoardPanel::ShowBoard()
@@ -111,9 +109,21 @@ void BoardPanel::Show(const BoardState::Change& change)
     switch (change.kind) {
         case Kind::Pin: return ShowPin(change.pin, pins_.state().pins().at(change.pin));
         case Kind::Pixels: return ShowPixels(change.pin);
-        case Kind::Reset: picture_->Clear(); return removeTimer_.start();
+        case Kind::Reset: return ShowReset();
         case Kind::None: return;
     }
+}
+
+void BoardPanel::ShowReset()
+{
+    picture_->Clear();
+    for (const auto& [pin, row] : rowOf_) {
+        row->SetUsed(false);
+    }
+    for (const auto& [pin, strip] : stripOf_) {
+        strip->SetUsed(false);
+    }
+    removeTimer_.start();
 }
 
 // New parts are inserted in the order of the pins.
@@ -145,8 +155,6 @@ void BoardPanel::ShowPin(const QString& pin, const PinState& state)
     row->Show(state);
     if (isOther) {
         ShowButton();
-    } else if (pin == picture_->button().pin()) {
-        picture_->button().ShowLevel(state.value);
     }
 }
 
@@ -159,20 +167,12 @@ void BoardPanel::ShowPixels(const QString& pin)
     }
 }
 
-// The button on the board belongs to the first input.
+// The button on the board is that of the first input.
 void BoardPanel::ShowButton()
 {
-    const auto& pins = pins_.state().pins();
     const auto input = std::ranges::find_if(
-        pins, [](const auto& pin) { return pin.second.mode == PinState::Mode::In; });
-    auto& button = picture_->button();
-    const QString pin = input != pins.end() ? input->first : QString();
-    if (pin != button.pin()) {
-        picture_->SetButtonPin(pin);
-    }
-    if (input != pins.end()) {
-        button.ShowLevel(input->second.value);
-    }
+        rowOf_, [](const auto& row) { return row.second->button() != nullptr; });
+    picture_->SetOtherButton(input != rowOf_.end() ? input->second->button() : nullptr);
 }
 
 template <typename Part, typename States>

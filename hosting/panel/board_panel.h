@@ -37,6 +37,7 @@ class BoardPanel final : public QWidget {
     void MakeContents();
     void ShowBoard();
     void Show(const BoardState::Change& change);
+    void ShowReset();
     void ShowPin(const QString& pin, const PinState& state);
     void ShowPixels(const QString& pin);
     void ShowButton();

@@ -73,9 +73,9 @@ void BoardPicture::ShowPin(const QString& pin, const PinState& state)
     }
 }
 
-void BoardPicture::SetButtonPin(const QString& pin)
+void BoardPicture::SetOtherButton(InputButton* other)
 {
-    button_->SetPin(pin);
+    button_->SetOther(other);
     update();
 }
 

@@ -22,8 +22,8 @@ class BoardPicture final : public QWidget {
     // Shows the board at power-on.
     void Clear();
     InputButton& button() { return *button_; }
-    // Connects the button with a pin; empty for none.
-    void SetButtonPin(const QString& pin);
+    // Connects the button with another one; null for none.
+    void SetOtherButton(InputButton* other);
 
     QSize sizeHint() const override;
     bool hasHeightForWidth() const override { return true; }

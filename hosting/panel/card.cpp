@@ -2,12 +2,14 @@
 
 #include <QPainter>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
 
 constexpr QSize kBadge(36, 24);
 constexpr int kTitleWidth = 74;
+constexpr double kUnusedOpacity = 0.4;
 constexpr int kSpace = 8;
 constexpr int kBorder = 2;  // At least the width of what surrounds the card.
 const QColor kGold(0xe3, 0xb5, 0x4a);
@@ -28,6 +30,13 @@ QFont Scaled(QFont font, double factor, bool isBold)
 
 Card::Card(QString pin, QWidget* parent) : QWidget(parent), pin_(std::move(pin)) {}
 
+void Card::SetUsed(bool isUsed)
+{
+    if (std::exchange(isUsed_, isUsed) != isUsed) {
+        update();
+    }
+}
+
 QRect Card::TitleRect() const
 {
     return {kMargin + kBadge.width() + kSpace, 0, kTitleWidth, kLine};
@@ -45,6 +54,7 @@ void Card::DrawBackground(QPainter& painter) const
     painter.setPen(palette().color(QPalette::Mid));
     painter.setBrush(palette().color(QPalette::Base));
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 7, 7);
+    painter.setOpacity(isUsed_ ? 1 : kUnusedOpacity);
     const QRect badge(QPoint(kMargin, (kLine - kBadge.height()) / 2), kBadge);
     painter.setPen(kGold.darker(118));
     painter.setBrush(kGold);
@@ -64,7 +74,7 @@ void Card::DrawTitle(QPainter& painter, const QString& title, const QString& not
         painter.drawText(place, Qt::AlignVCenter, title);
         return;
     }
-    place.adjust(0, 5, 0, -5);
+    place.adjust(0, 6, 0, -6);
     painter.drawText(place, Qt::AlignTop, title);
     painter.setPen(palette().color(QPalette::Disabled, QPalette::WindowText));
     painter.setFont(Scaled(font(), 0.85, false));

@@ -16,6 +16,10 @@ class Card : public QWidget {
 
     const QString& pin() const { return pin_; }
 
+    // Whether the program uses the pin. It is paler if not.
+    void SetUsed(bool isUsed);
+    bool isUsed() const { return isUsed_; }
+
   protected:
     static constexpr int kLine = 42;    // The height of a line, in pixels.
     static constexpr int kMargin = 10;  // At the left and right, in pixels.
@@ -31,4 +35,5 @@ class Card : public QWidget {
     QRect TitleRect() const;
 
     QString pin_;
+    bool isUsed_ = true;
 };

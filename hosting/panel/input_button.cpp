@@ -47,7 +47,7 @@ InputButton::InputButton(QWidget* parent) : QAbstractButton(parent)
     releaseTimer_.setSingleShot(true);
     releaseTimer_.setInterval(kMinPress);
     connect(&releaseTimer_, &QTimer::timeout, this, [this] {
-        if (!isDown() && !isLocked_) {
+        if (!isHeld_ && !isLocked_) {
             Drive(false);
         }
     });
@@ -67,7 +67,7 @@ void InputButton::SetPin(const QString& pin)
     pin_ = pin;
     setEnabled(!pin.isEmpty());
     setCursor(pin.isEmpty() ? Qt::ArrowCursor : Qt::PointingHandCursor);
-    isLocked_ = false;
+    isHeld_ = isLocked_ = false;
     releaseTimer_.stop();
     setToolTip(pin.isEmpty() ? tr("A button for the first input that the program uses")
                              : tr("Press the button at pin %1. With Shift, or by Return, it stays "
@@ -76,17 +76,37 @@ void InputButton::SetPin(const QString& pin)
     update();
 }
 
+void InputButton::SetOther(InputButton* other)
+{
+    if (other != nullptr && other == other_) {
+        return;
+    }
+    if (other_ != nullptr) {
+        disconnect(other_, nullptr, this, nullptr);
+    }
+    SetPin(other != nullptr ? other->pin() : QString());
+    other_ = other;
+    if (other != nullptr) {
+        connect(other, &InputButton::Driven, this, [this] { update(); });
+    }
+}
+
 void InputButton::Drive(bool isPressed)
 {
     if (std::exchange(isPressed_, isPressed) == isPressed) {
         return;
     }
+    setAccessibleDescription(isPressed ? tr("Pressed") : QString());
     Q_EMIT Driven(pin_, isPressed ? std::optional(level_ == 0) : std::nullopt);
     update();
 }
 
 void InputButton::Press()
 {
+    if (other_ != nullptr) {
+        return other_->Press();
+    }
+    isHeld_ = true;
     isLocked_ = QGuiApplication::keyboardModifiers().testFlag(Qt::ShiftModifier) && !isLocked_;
     releaseTimer_.start();
     Drive(true);
@@ -94,6 +114,10 @@ void InputButton::Press()
 
 void InputButton::Release()
 {
+    if (other_ != nullptr) {
+        return other_->Release();
+    }
+    isHeld_ = false;
     if (!releaseTimer_.isActive() && !isLocked_) {
         Drive(false);
     }
@@ -116,7 +140,8 @@ void InputButton::paintEvent(QPaintEvent* /*event*/)
     painter.translate((width() - size) / 2, (height() - size) / 2);
     painter.scale(size / 40, size / 40);
     const QColor mark = palette().color(QPalette::Highlight);
-    DrawSwitch(painter, isPressed_, isEnabled(), mark);
+    const bool isPressed = other_ != nullptr ? other_->isPressed_ : isPressed_;
+    DrawSwitch(painter, isPressed, isEnabled(), mark);
     if (hasFocus()) {
         painter.setPen(QPen(mark, 2));
         painter.setBrush(Qt::NoBrush);

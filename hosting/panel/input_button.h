@@ -3,6 +3,7 @@
 #include "board_state.h"
 
 #include <QAbstractButton>
+#include <QPointer>
 #include <QTimer>
 
 #include <optional>
@@ -17,8 +18,10 @@ class InputButton final : public QAbstractButton {
     explicit InputButton(QWidget* parent);
     ~InputButton() override;
 
-    // Without a pin the button is disabled.
+    // Without a pin or another button the button is disabled.
     void SetPin(const QString& pin);
+    // Makes this a second place for the mouse to press another button; null for none.
+    void SetOther(InputButton* other);
     const QString& pin() const { return pin_; }
     void ShowLevel(int level) { level_ = level; }
 
@@ -39,6 +42,8 @@ class InputButton final : public QAbstractButton {
 
     QString pin_;
     int level_ = 0;  // As the board reports it.
+    QPointer<InputButton> other_;
+    bool isHeld_ = false;
     bool isPressed_ = false;
     bool isLocked_ = false;
     QTimer releaseTimer_;  // A short click lasts until a program has certainly seen it.

@@ -75,6 +75,7 @@ PinRow::~PinRow()
 
 void PinRow::Show(const PinState& state)
 {
+    SetUsed(true);
     const PinState before = std::exchange(state_, state);
     if (state.mode != before.mode) {
         MakeControl();
@@ -157,7 +158,7 @@ QRect PinRow::MeterRect() const
 void PinRow::paintEvent(QPaintEvent* event)
 {
     QPainter painter(this);
-    if (ContentRect().contains(event->rect())) {
+    if (ContentRect().contains(event->rect()) && isUsed()) {
         // The most frequent case, which should cost little.
         painter.fillRect(event->rect(), palette().color(QPalette::Base));
         painter.setRenderHint(QPainter::Antialiasing);
@@ -165,6 +166,9 @@ void PinRow::paintEvent(QPaintEvent* event)
         DrawBackground(painter);
         DrawTitle(painter, TitleOf(state_.mode),
                   state_.mode == Mode::Pwm ? FrequencyText(state_.frequency) : QString());
+    }
+    if (!isUsed()) {
+        return;
     }
     if (state_.mode == Mode::Pwm) {
         DrawDuty(painter);

@@ -21,6 +21,8 @@ class PinRow final : public Card {
 
     void Show(const PinState& state);
     const PinState& state() const { return state_; }
+    // Of an input, otherwise null.
+    InputButton* button() const { return button_; }
 
     QSize sizeHint() const override { return {250, kLine}; }
 
@@ -44,7 +46,7 @@ class PinRow final : public Card {
     void DrawDuty(QPainter& painter) const;
 
     PinState state_;
-    InputButton* button_ = nullptr;  // Of an input, otherwise null.
-    QSlider* slider_ = nullptr;      // Of an ADC, otherwise null.
-    QTimer restTimer_;               // Until the state counts as at rest.
+    InputButton* button_ = nullptr;
+    QSlider* slider_ = nullptr;  // Of an ADC, otherwise null.
+    QTimer restTimer_;           // Until the state counts as at rest.
 };

@@ -74,6 +74,7 @@ PixelStrip::PixelStrip(const QString& pin, QWidget* parent) : Card(pin, parent)
 
 void PixelStrip::Show(const std::vector<QColor>& pixels)
 {
+    SetUsed(true);
     const auto before = std::exchange(pixels_, pixels);
     if (before.size() != pixels.size()) {
         setAccessibleName(tr("%1 NeoPixels at pin %2").arg(pixels.size()).arg(pin()));
@@ -125,9 +126,9 @@ void PixelStrip::paintEvent(QPaintEvent* event)
     const QRect all(CellRect(grid, 0).topLeft(),
                     QSize(grid.columns * grid.cell, grid.rows * grid.cell));
     painter.setPen(Qt::NoPen);
-    painter.setBrush(QColor(0x24, 0x28, 0x2e));
+    painter.setBrush(QColor(0x15, 0x18, 0x1c));
     painter.drawRoundedRect(all.adjusted(-kPadding, -kPadding, kPadding, kPadding), 6, 6);
-    for (int i = 0; i < static_cast<int>(std::ssize(pixels_)); ++i) {
+    for (int i = 0; isUsed() && i < static_cast<int>(std::ssize(pixels_)); ++i) {
         const QRect cell = CellRect(grid, i);
         if (event->rect().intersects(cell)) {
             DrawPixel(painter, cell, pixels_[static_cast<std::size_t>(i)]);

@@ -6,6 +6,7 @@
 
 #include <QIconEngine>
 #include <QPainter>
+#include <QStyle>
 
 #include <chrono>
 #include <utility>
@@ -16,6 +17,9 @@ namespace {
 constexpr std::chrono::seconds kRest{1};
 // The LED is small: showing each of many changes costs more than it tells.
 constexpr std::chrono::milliseconds kUpdateInterval{50};
+
+// More than the space around the icon.
+constexpr int kIconSpace = 16;  // pixels
 
 // The icon of the board with its LED.
 class BoardIconEngine final : public QIconEngine {
@@ -73,7 +77,10 @@ BoardButton::BoardButton(const BoardMonitor& board, QMenu* menu, QWidget* parent
     ShowBoard(board);
     updateTimer_.setSingleShot(true);
     updateTimer_.setInterval(kUpdateInterval);
-    connect(&updateTimer_, &QTimer::timeout, this, [this] { update(); });
+    connect(&updateTimer_, &QTimer::timeout, this, [this] {
+        const QRect icon(0, 0, iconSize().width() + kIconSpace, height());
+        update(QStyle::visualRect(layoutDirection(), rect(), icon));
+    });
     restTimer_.setSingleShot(true);
     restTimer_.setInterval(kRest);
 }
@@ -81,8 +88,10 @@ BoardButton::BoardButton(const BoardMonitor& board, QMenu* menu, QWidget* parent
 void BoardButton::ShowLedOf(const PinsClient& pins)
 {
     connect(&pins, &PinsClient::Changed, this, [this, &pins] { ShowLed(pins); });
-    connect(&restTimer_, &QTimer::timeout, this, [this] {
-        setAccessibleDescription(*brightness_ > 0 ? tr("The LED is on") : tr("The LED is off"));
+    connect(&pins, &PinsClient::BoardChanged, this, [this] { setAccessibleDescription({}); });
+    connect(&restTimer_, &QTimer::timeout, this, [this, &pins] {
+        const QString text = *brightness_ > 0 ? tr("The LED is on") : tr("The LED is off");
+        setAccessibleDescription(pins.hasBoard() ? text : QString());
     });
 }
 

@@ -36,6 +36,7 @@ TEST(Options, InvalidCommandLinesAreRefusedWithTheInvalidWord)
         {{"--batch", "wait=1e99"}, "wait=1e99"},
         {{"--batch", "run", "--", "--batch"}, "--batch"},
         {{"--open-device-window", "a.py"}, "--open-device-window"},
+        {{"--show-board", "--batch", "run"}, "--show-board"},
         {{"--nonsense", "--batch", "run"}, "--nonsense"},
         {{"--input"}, "--input"},
         {{"--board=/dev/x", "--virtual-board"}, "--board"},
