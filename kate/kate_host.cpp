@@ -218,6 +218,9 @@ bool KateHost::SaveFront()
         return false;
     }
     ShowDocument();  // It may have another name now.
+    if (!host_.HasRunnable()) {
+        return true;
+    }
     const auto file = QUrl::fromLocalFile(PathToText(host_.Runnable().path()));
     auto* const runnable = KTextEditor::Editor::instance()->application()->findUrl(file);
     return runnable == nullptr || Save(*runnable);

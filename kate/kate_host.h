@@ -37,7 +37,8 @@ class KateHost final : public QObject {
     void Use(KateWindow& window);
     void Remove(const KateWindow& window);
 
-    // Runs of the front document need it on the disk. Returns false if it could not be saved.
+    // Saves the front document, and the target if it is open, because the plug-in reads the file
+    // from the disk. Returns false if a command must not act on it.
     bool SaveFront();
     // Makes the front document the one that commands act on when no Python document is in front; if
     // it is that already, removes it.

@@ -86,7 +86,9 @@ KateWindow::KateWindow(KateHost& host, KTextEditor::Plugin& plugin,
 
 KateWindow::~KateWindow()
 {
-    host_.settings().writeEntry(kHistoryEntry, field_->promptHistory());
+    if (toolView_) {
+        host_.settings().writeEntry(kHistoryEntry, field_->promptHistory());
+    }
     host_.Remove(*this);
     mainWindow_.guiFactory()->removeClient(this);
     delete prompt_;
