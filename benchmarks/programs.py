@@ -5,6 +5,8 @@ import subprocess
 import tempfile
 import time
 
+os.environ.pop("PYTHONDONTWRITEBYTECODE", None)  # Users' Pythons cache compiled modules.
+
 
 class Build:
     """The programs of a build folder."""

@@ -132,7 +132,6 @@ def measure(screen, command, home, **variables):
     """Starts a program in a home folder of its own. Returns the seconds until first painted, the
     seconds until complete, and the memory in MiB."""
     inherited = {name: value for name, value in os.environ.items() if not name.startswith("XDG_")}
-    inherited.pop("PYTHONDONTWRITEBYTECODE", None)  # It would prevent caching bytecode.
     environment = dict(inherited, HOME=home, XDG_RUNTIME_DIR=home, DISPLAY=screen.display)
     environment.update(variables, QT_QPA_PLATFORM="xcb")
     begin = time.perf_counter()

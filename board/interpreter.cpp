@@ -29,7 +29,7 @@ constexpr std::size_t kMaxInput = 16384;        // bytes, in addition to those i
 constexpr int kStartTimeoutMilliseconds = 5000;
 constexpr std::chrono::seconds kMessageTimeout{2};
 constexpr char kConfine = 'P';
-constexpr std::size_t kHeapOfBoard = 64UL << 10;  // bytes that the board's own script takes
+constexpr std::size_t kHeapOfBoard = 36UL << 10;  // bytes that the board's own script takes
 // What the interpreter needs besides the heap, for its code, its stack and the stacks of threads.
 constexpr std::size_t kMemoryBesidesHeap = 64UL << 20;
 

@@ -14,6 +14,7 @@ the program, and R resets the board for a cause. Standard input and output are u
 the program.
 """
 import builtins
+import gc
 import io
 import micropython
 import os
@@ -294,7 +295,9 @@ System.stdout = TextOutput(BinaryOutput(serial))
 builtins.input = input_function(serial)
 sys.modules["sys"] = sys.modules["usys"] = System()
 sys.modules["micropython"] = Micropython(control)
+reachable = confined(control)
+gc.collect()  # Leaves the whole heap to programs but for what this script needs.
 try:
-    serve(control, confined(control))
+    serve(control, reachable)
 except MemoryError:
     pass  # An interrupt has cut off a garbage collection, which leaves the heap locked.

@@ -42,6 +42,9 @@ void RemoveStale(const sockaddr_un& address)
         return;
     }
     const int probe = Configured(socket(AF_UNIX, SOCK_STREAM, 0));
+    if (probe < 0) {
+        return;
+    }
     if (connect(probe, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 &&
         errno == ECONNREFUSED) {
         unlink(address.sun_path);
@@ -71,7 +74,7 @@ std::expected<PinServer, std::string> PinServer::Listen(const std::string& path)
     path.copy(address.sun_path, path.size());
     RemoveStale(address);
     server.listener_ = Configured(socket(AF_UNIX, SOCK_STREAM, 0));
-    if (!BindForUserOnly(server.listener_, address)) {
+    if (server.listener_ < 0 || !BindForUserOnly(server.listener_, address)) {
         return std::unexpected(ErrorText(path));
     }
     server.path_ = path;

@@ -60,5 +60,5 @@ class PinServer {
     std::list<Client> clients_;
     PinDescriptions descriptions_;
     bool isOutdated_ = false;  // A pin could have changed since the last update.
-    Clock::time_point lastUpdate_{};
+    Clock::time_point lastUpdate_;
 };

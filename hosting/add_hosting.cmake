@@ -30,6 +30,7 @@ function(add_hosting name qt kit)
     panel/pins_client.cpp
     panel/pixel_strip.cpp
     plugin/command_paths.cpp
+    plugin/installation.cpp
     plugin/plugin_actions.cpp
     plugin/plugin_commands.cpp
     plugin/plugin_host.cpp

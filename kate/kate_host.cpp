@@ -6,13 +6,17 @@
 #include "python_file.h"
 #include "shortcut_code.h"
 #include "user_folders.h"
+#include "window_widget.h"
 
+#include <KAcceleratorManager>
 #include <KTextEditor/Application>
 #include <KTextEditor/Document>
 #include <KTextEditor/Editor>
 #include <KTextEditor/MainWindow>
 #include <KTextEditor/View>
 
+#include <QApplication>
+#include <QEvent>
 #include <QFileInfo>
 
 #include <cstdlib>
@@ -54,6 +58,19 @@ KateHost::KateHost(PluginModule module, const Installation& installation)
     connect(boardMenu_.get(), &BoardMenu::DeviceWindowRequested, &commands_,
             &PluginActions::OpenDeviceWindow);
     ConnectRuntime();
+    qApp->installEventFilter(this);
+}
+
+// Kate adds mnemonics to the buttons of all windows, but names of ports and files have none. The
+// plug-in's windows are known before they are shown.
+bool KateHost::eventFilter(QObject* watched, QEvent* event)
+{
+    auto* const window =
+        event->type() == QEvent::Polish ? dynamic_cast<WindowWidget*>(watched) : nullptr;
+    if (window != nullptr) {
+        KAcceleratorManager::setNoAccel(window);
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 KateHost::~KateHost()

@@ -58,6 +58,9 @@ class KateHost final : public QObject {
     BoardActions& boardActions() { return boardActions_; }
     BoardMenu& boardMenu() { return *boardMenu_; }
 
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
   private:
     KTextEditor::MainWindow* FrontWindow() const;
     KTextEditor::Document* FrontDocument() const;

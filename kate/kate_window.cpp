@@ -8,6 +8,7 @@
 #include "kate_host.h"
 #include "output_pane.h"
 
+#include <KAcceleratorManager>
 #include <KActionCollection>
 #include <KSyntaxHighlighting/Theme>
 #include <KTextEditor/Document>
@@ -98,6 +99,7 @@ void KateWindow::MakeToolView(KTextEditor::Plugin& plugin)
                                            KTextEditor::MainWindow::Bottom,
                                            ActionIcon(Action::Board), tr("MicroPython"));
     auto* const content = new QWidget(toolView_);
+    KAcceleratorManager::setNoAccel(content);
     auto* const column = new QVBoxLayout(content);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);

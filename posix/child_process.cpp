@@ -35,8 +35,8 @@ std::vector<char*> AsArguments(const std::vector<std::string>& words)
 // whatever the calling thread has blocked or ignored.
 class SpawnSettings {
   public:
-    // An `input` of -1 stands for an empty one.
-    SpawnSettings(int input, int output, const std::string& folder)
+    // An `input` of -1 stands for an empty one, an `extra` of -1 for none.
+    SpawnSettings(int input, int output, int extra, const std::string& folder)
     {
         posix_spawn_file_actions_init(&actions);
         if (input < 0) {
@@ -46,6 +46,10 @@ class SpawnSettings {
         }
         posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
         posix_spawn_file_actions_adddup2(&actions, output, STDERR_FILENO);
+        if (extra >= 0) {
+            // Last, because another of these descriptors may have this number.
+            posix_spawn_file_actions_adddup2(&actions, extra, ChildProcess::kExtraDescriptor);
+        }
         if (!folder.empty()) {
             posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
         }
@@ -84,7 +88,7 @@ int OpenProcessDescriptor([[maybe_unused]] pid_t pid)
 
 std::expected<ChildProcess, std::string> ChildProcess::Start(
     const std::vector<std::string>& words, const std::vector<std::string>& environment,
-    const std::string& folder, Input input)
+    const std::string& folder, Input input, int extra)
 {
     ChildProcess child;
     std::array<int, 2> inputPipe{-1, -1};
@@ -97,7 +101,7 @@ std::expected<ChildProcess, std::string> ChildProcess::Start(
         return std::unexpected(words.front() + ": " + std::strerror(errno));
     }
     SetNonBlocking(child.input_);
-    const SpawnSettings settings(inputPipe[0], pipe[1], folder);
+    const SpawnSettings settings(inputPipe[0], pipe[1], extra, folder);
     const int error =
         posix_spawnp(&child.pid_, words.front().c_str(), &settings.actions, &settings.attributes,
                      AsArguments(words).data(), AsArguments(environment).data());

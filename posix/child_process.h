@@ -13,13 +13,16 @@
 class ChildProcess {
   public:
     enum class Input { Empty, Pipe };
+    // The number that an extra descriptor gets in the process.
+    static constexpr int kExtraDescriptor = 3;
 
     // Starts the program words[0]; if the name contains no "/", it is searched for in PATH.
     // `environment` consists of words of the form "NAME=value". `folder` is the working directory;
-    // empty for this process's own. The error is "program: reason".
+    // empty for this process's own. `extra` is a descriptor that the process inherits, too; -1 for
+    // none. The error is "program: reason".
     static std::expected<ChildProcess, std::string> Start(
         const std::vector<std::string>& words, const std::vector<std::string>& environment,
-        const std::string& folder = {}, Input input = Input::Empty);
+        const std::string& folder = {}, Input input = Input::Empty, int extra = -1);
     ChildProcess(ChildProcess&& other) noexcept;
     ChildProcess& operator=(ChildProcess&&) = delete;
     ~ChildProcess();

@@ -25,6 +25,7 @@ void BoardTool::Run(const std::vector<std::string>& words, OnOutput onOutput, On
                           .environment = ToolEnvironment(),
                           .folder = {},
                           .takesInput = true,
+                          .reportsProgress = true,
                           .yields = true},
         std::make_shared<const ShellJob::OnOutput>(std::move(forward)), queue);
     job->SetFinishedHandler([done = std::move(done), weak = std::weak_ptr(job)](int status) {

@@ -1,6 +1,8 @@
 #include "command_monitor.h"
 
+#include <algorithm>
 #include <chrono>
+#include <utility>
 
 namespace {
 
@@ -19,6 +21,7 @@ CommandMonitor::CommandMonitor(Runtime& runtime, QObject* parent)
     runtime.handlers.commandEnded = [this](const auto& words, Runtime::CommandEnd end) {
         End(words, end);
     };
+    runtime.handlers.commandProgress = [this](Progress progress) { NoteProgress(progress); };
     connect(&ticks_, &QTimer::timeout, this, &CommandMonitor::Tick);
 }
 
@@ -26,11 +29,15 @@ CommandMonitor::~CommandMonitor()
 {
     runtime_.handlers.commandStarted = {};
     runtime_.handlers.commandEnded = {};
+    runtime_.handlers.commandProgress = {};
 }
 
 QString CommandMonitor::Text() const
 {
-    const QString text = isRunning_ ? DescribeRunning(command_) : result_;
+    QString text = isRunning_ ? DescribeRunning(command_) : result_;
+    if (percent_ && !text.isEmpty()) {
+        text = tr("%1, %2 %").arg(text, QString::number(*percent_));
+    }
     const auto seconds = elapsed_.isValid() ? elapsed_.elapsed() / 1000 : 0;
     return isRunning_ && !text.isEmpty() && std::chrono::seconds(seconds) >= kLong
                ? tr("%1 (%2 s)").arg(text).arg(seconds)
@@ -51,6 +58,7 @@ void CommandMonitor::Begin(const std::vector<std::string>& words)
 void CommandMonitor::End(const std::vector<std::string>& words, Runtime::CommandEnd end)
 {
     isRunning_ = false;
+    percent_.reset();
     if (command_.kind != BoardCommand::Kind::Other) {
         result_ = end.isStopped ? tr("Stopped") : end.status == 0 ? tr("Finished") : tr("Failed");
     }
@@ -59,6 +67,15 @@ void CommandMonitor::End(const std::vector<std::string>& words, Runtime::Command
     Q_EMIT Ended(command_, end);
     if (end.isStopped && !DescribeStopped(command_).isEmpty()) {
         Q_EMIT Interrupted(command_, words);
+    }
+}
+
+void CommandMonitor::NoteProgress(Progress progress)
+{
+    const int percent =
+        static_cast<int>(100 * std::clamp(progress.done, 0L, progress.total) / progress.total);
+    if (isRunning_ && std::exchange(percent_, percent) != percent) {
+        Q_EMIT Changed();
     }
 }
 

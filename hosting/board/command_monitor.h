@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QTimer>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,8 @@ class CommandMonitor final : public QObject {
 
     bool IsRunning() const { return isRunning_; }
     const BoardCommand& command() const { return command_; }
+    // How much of the file has been copied; none if that is unknown.
+    std::optional<int> percent() const { return percent_; }
     // What runs, with the seconds once it takes long; for a few seconds afterwards, how it ended.
     QString Text() const;
 
@@ -35,11 +38,13 @@ class CommandMonitor final : public QObject {
   private:
     void Begin(const std::vector<std::string>& words);
     void End(const std::vector<std::string>& words, Runtime::CommandEnd end);
+    void NoteProgress(Progress progress);
     void Tick();
 
     Runtime& runtime_;
     BoardCommand command_;
     bool isRunning_ = false;
+    std::optional<int> percent_;
     QString result_;
     QElapsedTimer elapsed_;
     QTimer ticks_;

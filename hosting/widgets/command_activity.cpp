@@ -33,5 +33,7 @@ void CommandActivity::Show()
     const bool hasNote = isRunning && monitor_.command().kind == BoardCommand::Kind::Upload &&
                          !uploadNote_.isEmpty();
     busy_->setVisible(isRunning);
+    busy_->setRange(0, monitor_.percent() ? 100 : 0);
+    busy_->setValue(monitor_.percent().value_or(0));
     text_->setText(hasNote ? monitor_.Text() + " – " + uploadNote_ : monitor_.Text());
 }

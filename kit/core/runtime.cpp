@@ -106,11 +106,22 @@ void Runtime::StartWaitingJobs()
 void Runtime::StartJob(ShellJob& job)
 {
     job.Start(
-        {.threadExits = [this, raw = &job,
+        {.progress =
+             [this, raw = &job, queue = queue_](Progress progress) {
+                 queue->Post([this, raw, progress] { ReportProgress(*raw, progress); });
+             },
+         .threadExits = [this, raw = &job,
                          queue = queue_] { queue->Post([this, raw] { OnJobFinished(raw); }); },
          .stuck = [this, raw = &job] { OnJobStuck(*raw); }});
     if (job.group() == JobGroup::Board && handlers.commandStarted) {
         handlers.commandStarted(job.words());
+    }
+}
+
+void Runtime::ReportProgress(const ShellJob& job, Progress progress)
+{
+    if (!job.IsStopped() && job.group() == JobGroup::Board && handlers.commandProgress) {
+        handlers.commandProgress(progress);
     }
 }
 

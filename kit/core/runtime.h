@@ -1,6 +1,7 @@
 #pragma once
 
 #include "job_group.h"
+#include "progress.h"
 #include "ui_queue.h"
 
 #include <functional>
@@ -38,6 +39,8 @@ class Runtime {
         // by one end, before the next start. `words` are the words of the command line.
         std::function<void(const std::vector<std::string>& words)> commandStarted;
         std::function<void(const std::vector<std::string>& words, CommandEnd end)> commandEnded;
+        // The running one copies a file. Called at most about 20 times a second.
+        std::function<void(Progress progress)> commandProgress;
         // For hosts without windows: if set, pop-up menus are not shown. Instead, the action of the
         // returned item runs immediately; null for none.
         std::function<const BMenuItem*(const BMenu& menu)> choosePopUpItem;
@@ -96,6 +99,7 @@ class Runtime {
     void StartJob(ShellJob& job);
     void OnJobStuck(ShellJob& job);
     void OnJobFinished(const ShellJob* job);
+    void ReportProgress(const ShellJob& job, Progress progress);
     void ReportEnd(const ShellJob& job);
     void NotifyIfIdle();
 

@@ -167,11 +167,16 @@ TEST(Board, AMountedFolderIsReadAndWritten)
         "a = array.array('H', [0] * 200)\nwith open('\u00fc.bin', 'rb') as f:\n"
         "  print(f.readinto(a), bytes(a)[:200] == bytes(range(200)))\n"
         "  with open('copy \u00fc', 'wb') as copy: copy.write(bytes(range(200)) + f.read())\n"
+        "for i in range(200): print(os.stat('helper.py')[6], end=str(i))\n"
         "sys.exit()\n");
     auto variables = board.variables();
     variables.push_back("QUILP_MOUNT=" + folder.path());
     const auto result = RunProgram({QUILP_MPREMOTE, "run", program}, variables);
-    EXPECT_EQ(result.output, "42 ['helper.py', 'x.py', '\\xfc.bin']\r\n200 True\r\n");
+    std::string expected = "42 ['helper.py', 'x.py', '\\xfc.bin']\r\n200 True\r\n";
+    for (int i = 0; i < 200; ++i) {
+        expected += "12" + std::to_string(i);
+    }
+    EXPECT_EQ(result.output, expected);
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(ReadFile(folder / "copy \u00fc"), EveryByte());
 }

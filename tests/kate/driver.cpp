@@ -2,6 +2,7 @@
 // the scenario that the environment names, and quits Kate. At the first condition that does not
 // hold it prints it and ends the process.
 
+#include <KAcceleratorManager>
 #include <KActionCollection>
 #include <KPluginFactory>
 #include <KTextEditor/Application>
@@ -175,6 +176,7 @@ void OpenDeviceWindow()
         const auto* const list = DeviceWindow()->findChild<QAbstractItemView*>("listing");
         return list->model()->rowCount() > 0;
     });
+    KAcceleratorManager::manage(DeviceWindow());  // As Kate does, at some time.
     for (const auto* const button : DeviceWindow()->findChildren<QAbstractButton*>()) {
         Require(!HasMnemonic(button->text()), "no mnemonic: " + button->text());
     }

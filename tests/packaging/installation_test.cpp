@@ -27,6 +27,10 @@ TEST(Installation, RunsAfterItWasStagedAndMoved)
             EXPECT_EQ(ReadFile(entry.path()).find(QUILP_SOURCE "/build"), std::string::npos)
                 << entry.path();
         }
+        if (entry.path().extension() == ".so") {
+            const auto libraries = RunProgram({"ldd", entry.path()}).output;
+            EXPECT_EQ(libraries.find("not found"), std::string::npos) << entry.path() << libraries;
+        }
     }
 }
 

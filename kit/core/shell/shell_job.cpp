@@ -45,6 +45,7 @@ ShellJob::ShellJob(Program program, std::shared_ptr<const OnOutput> onOutput, Ui
 void ShellJob::Start(const Events& events)
 {
     started_ = true;
+    onProgress_ = events.progress;
     onStuck_ = events.stuck;
     std::ignore = MakePipe(wake_);  // Without a pipe, Wait polls for a stop.
     try {
@@ -108,8 +109,8 @@ void ShellJob::Join()
     if (thread_.joinable()) {
         thread_.join();
     }
-    for (int& fd : wake_) {
-        CloseDescriptor(std::exchange(fd, -1));
+    for (int* const fd : {&wake_[0], &wake_[1], &progress_[0]}) {
+        CloseDescriptor(std::exchange(*fd, -1));
     }
 }
 
@@ -128,9 +129,14 @@ void ShellJob::RunProgram()
     if (!program_.words) {
         return Forward(program_.words.error() + "\n");
     }
+    auto environment = program_.environment;
+    if (program_.reportsProgress && MakePipe(progress_)) {
+        environment.push_back("QUILP_PROGRESS=" + std::to_string(ChildProcess::kExtraDescriptor));
+    }
     auto child = ChildProcess::Start(
-        *program_.words, program_.environment, program_.folder,
-        program_.takesInput ? ChildProcess::Input::Pipe : ChildProcess::Input::Empty);
+        *program_.words, environment, program_.folder,
+        program_.takesInput ? ChildProcess::Input::Pipe : ChildProcess::Input::Empty, progress_[1]);
+    CloseDescriptor(std::exchange(progress_[1], -1));
     if (!child) {
         return Forward(child.error() + "\n");
     }
@@ -177,16 +183,20 @@ void ShellJob::Wait(const ChildProcess& child)
     }
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now());
     // poll() ignores a descriptor of -1.
-    std::array<pollfd, 4> fds{{{outputOpen_ ? child.outputFd() : -1, POLLIN, 0},
+    std::array<pollfd, 5> fds{{{outputOpen_ ? child.outputFd() : -1, POLLIN, 0},
                                {programExited_ ? -1 : child.exitFd(), POLLIN, 0},
                                {wake_[0], POLLIN, 0},
-                               {HasInput() ? child.inputFd() : -1, POLLOUT, 0}}};
+                               {HasInput() ? child.inputFd() : -1, POLLOUT, 0},
+                               {progress_[0], POLLIN, 0}}};
     poll(fds.data(), fds.size(), std::max(0, static_cast<int>(left.count())));
     if (fds[2].revents != 0) {
         std::ignore = ReadAvailable(wake_[0]);
     }
     if (fds[3].revents != 0) {
         WriteInput(child);
+    }
+    if (fds[4].revents != 0) {
+        ReadProgress();
     }
     if (fds[0].revents != 0) {
         ReadOutput(child);
@@ -225,6 +235,19 @@ void ShellJob::ReadOutput(const ChildProcess& child)
     flushAt_.reset();
     if (splitter_.hasUnfinished()) {
         flushAt_ = Clock::now() + kFlushDelay;
+    }
+}
+
+void ShellJob::ReadProgress()
+{
+    const std::string bytes = ReadAvailable(progress_[0]);
+    if (bytes.empty()) {
+        CloseDescriptor(std::exchange(progress_[0], -1));
+        return;
+    }
+    progressLine_ += bytes;
+    if (const auto progress = TakeProgress(progressLine_)) {
+        onProgress_(*progress);
     }
 }
 

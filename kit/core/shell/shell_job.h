@@ -3,6 +3,7 @@
 #include "child_process.h"
 #include "job_group.h"
 #include "line_splitter.h"
+#include "progress.h"
 #include "toolkit.h"
 #include "ui_queue.h"
 #include "unique_function.h"
@@ -38,9 +39,13 @@ class ShellJob {
         bool takesInput = false;         // Otherwise its standard input is empty.
         bool splitsLines = true;         // Otherwise output is forwarded as it arrives.
         bool forwardsAfterStop = false;  // Otherwise a stopped program's output is discarded.
-        bool yields = false;             // It is stopped when another job of its group is started.
+        // It is told to report its progress (see resources/mpremote/launcher.py).
+        bool reportsProgress = false;
+        bool yields = false;  // It is stopped when another job of its group is started.
     };
     struct Events {
+        // Called on the job's thread with the bytes that were copied, and those of the file.
+        std::function<void(Progress)> progress;
         // Called on the job's thread, as its last function.
         std::function<void()> threadExits;
         // The program was stopped and has not ended for kStuckTime.
@@ -106,6 +111,7 @@ class ShellJob {
     void WriteInput(const ChildProcess& child);
     void ReadOutput(const ChildProcess& child);
     void DrainAfterExit(const ChildProcess& child);
+    void ReadProgress();
     void CheckDeadlines(const ChildProcess& child);
     bool IsFinished() const;
     void ForwardAll(std::string bytes);
@@ -120,6 +126,7 @@ class ShellJob {
 
     bool started_ = false;
     bool isStuck_ = false;
+    std::function<void(Progress)> onProgress_;
     std::function<void()> onStuck_;
     std::unique_ptr<EventSource> stuckTimer_;
     std::thread thread_;
@@ -136,6 +143,8 @@ class ShellJob {
     LineSplitter splitter_;
     bool outputOpen_ = true;
     bool inputOpen_ = false;
+    std::array<int, 2> progress_{-1, -1};
+    std::string progressLine_;  // Not yet complete.
     bool programExited_ = false;
     std::optional<Clock::time_point> flushAt_;  // When to forward the unfinished line.
     // When to stop reading the pipe of an exited program: other processes may keep it open.

@@ -36,7 +36,8 @@ void SimpleShell::Run(const std::string& commandLine, unique_function<void()>&& 
     const auto job = std::make_shared<ShellJob>(ShellJob::Program{.words = std::move(words),
                                                                   .environment = ToolEnvironment(),
                                                                   .folder = {},
-                                                                  .takesInput = true},
+                                                                  .takesInput = true,
+                                                                  .reportsProgress = true},
                                                 state_->onOutput, runtime.queue());
     job->SetCompletion(std::move(done));
     if (runtime.Start(job)) {

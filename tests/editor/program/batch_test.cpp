@@ -184,8 +184,8 @@ TEST_F(Batch, PromptsKeepTheBoardsStateUntilARestartAndMainRunsItsProgram)
     EXPECT_EQ(OutputOf({"--batch", "prompt=x = 'a'", "prompt=for c in 'bc':\n  print(x + c)",
                         "prompt=x", "restart", "prompt='x' in globals()", "main"}),
               "ab\r\nac\r\n'a'\r\nFalse\r\nquilp-editor: The board has no main.py.\n");
-    const std::string tooLongForTheTool(140'000, 'x');
-    EXPECT_EQ(OutputOf({"--batch", "prompt=print(1)\n#" + tooLongForTheTool}), "1\r\n");
+    const std::string tooLongForAWord(110'000, 'x');
+    EXPECT_EQ(OutputOf({"--batch", "prompt=print(1)\n#" + tooLongForAWord}), "1\r\n");
     board.files().Write("main.py", "import time\nprint(__name__)\nwhile True: time.sleep(1)\n");
     EXPECT_EQ(OutputOf({"--batch", "main", "wait=1", "stop", "prompt=1"}), "__main__\r\n1\r\n");
 }
