@@ -1,4 +1,5 @@
-# Lights the LED while a button is pressed. The button connects pin 14 with ground.
+# Lights the LED while a button is pressed. The button connects pin 14
+# with ground.
 
 import time
 from machine import Pin

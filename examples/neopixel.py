@@ -1,5 +1,5 @@
-# Moves a rainbow along eight NeoPixels at pin 0. Do not upload this file under its own name: it would
-# hide the module neopixel on the board.
+# Moves a rainbow along eight NeoPixels at pin 0. Do not upload this
+# file under its own name: it would hide the module neopixel.
 
 import time
 from machine import Pin

@@ -13,6 +13,7 @@ namespace {
 
 // Longer than programs wait for contacts that bounce.
 constexpr std::chrono::milliseconds kMinPress{120};
+constexpr double kDisabledOpacity = 0.4;
 
 void DrawSwitch(QPainter& painter, bool isPressed, bool isEnabled, const QColor& mark)
 {
@@ -137,6 +138,7 @@ void InputButton::paintEvent(QPaintEvent* /*event*/)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const double size = std::min(width(), height());
+    painter.setOpacity(parentWidget()->isEnabled() ? 1 : kDisabledOpacity);
     painter.translate((width() - size) / 2, (height() - size) / 2);
     painter.scale(size / 40, size / 40);
     const QColor mark = palette().color(QPalette::Highlight);
