@@ -144,8 +144,8 @@ bool SendFully(int fd, std::string_view data)
     return true;
 }
 
-// Opens a pipe again, with flags of its own: the program may take the bytes that poll has announced,
-// and then reading must not wait.
+// Opens a pipe again, with flags of its own: the program may take the bytes that poll has
+// announced, and then reading must not wait.
 int OpenNonBlocking(int pipe)
 {
     const std::string path = "/dev/fd/" + std::to_string(pipe);
