@@ -56,7 +56,9 @@ std::expected<void, std::string> Board::Plug()
     }
     port_.reset();
     port_.emplace(std::move(*port));
-    folderGuard_.emplace(options_.folder);
+    if (!folderGuard_) {  // Otherwise a program that resets the board could use the disk up.
+        folderGuard_.emplace(options_.folder);
+    }
     RestartInterpreter();
     if (!failure_.empty()) {
         return std::unexpected(failure_);

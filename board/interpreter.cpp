@@ -144,6 +144,14 @@ bool SendFully(int fd, std::string_view data)
     return true;
 }
 
+// Opens a pipe again, with flags of its own: the program may take the bytes that poll has
+// announced, and then reading must not wait.
+int OpenNonBlocking(int pipe)
+{
+    const std::string path = "/dev/fd/" + std::to_string(pipe);
+    return open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+}
+
 std::string Header(char mode, int sequence, std::size_t length)
 {
     std::array<char, 40> text{};
@@ -187,7 +195,8 @@ std::expected<Interpreter, std::string> Interpreter::Start(const InterpreterFile
     CloseDescriptor(command.fileRules);
     self.control_ = pipes->control[0];
     self.output_ = pipes->output[0];
-    self.inputRead_ = pipes->input[0];
+    self.inputRead_ = OpenNonBlocking(pipes->input[0]);
+    CloseDescriptor(pipes->input[0]);
     self.inputWrite_ = pipes->input[1];
     if (self.pid_ < 0) {
         return std::unexpected(std::string("cannot start a process: ") + std::strerror(forkError));

@@ -164,6 +164,7 @@ void BoardPanel::ShowPixels(const QString& pin)
     if (const auto row = rowOf_.find(pin); row != rowOf_.end()) {
         delete row->second;
         rowOf_.erase(row);
+        ShowButton();
     }
 }
 

@@ -129,8 +129,10 @@ void InputButton::keyPressEvent(QKeyEvent* event)
     if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
         return QAbstractButton::keyPressEvent(event);
     }
-    isLocked_ = !isLocked_;
-    Drive(isLocked_);
+    if (!event->isAutoRepeat()) {
+        isLocked_ = !isLocked_;
+        Drive(isLocked_);
+    }
 }
 
 void InputButton::paintEvent(QPaintEvent* /*event*/)

@@ -2,6 +2,8 @@
 
 #include "command_monitor.h"
 
+#include <QElapsedTimer>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QProgressBar>
@@ -10,10 +12,34 @@ namespace {
 
 constexpr QSize kBusySize(48, 8);
 
+// A program may run for hours: the bar is drawn less often than its style wants, because that would
+// cost more than everything else in the window.
+class BusyBar final : public QProgressBar {
+  public:
+    using QProgressBar::QProgressBar;
+
+  protected:
+    bool event(QEvent* event) override
+    {
+        constexpr int kInterval = 160;  // ms
+        if (event->type() == QEvent::StyleAnimationUpdate) {
+            if (sinceDrawn_.isValid() && sinceDrawn_.elapsed() < kInterval) {
+                event->accept();  // Otherwise the style would end the animation.
+                return true;
+            }
+            sinceDrawn_.start();
+        }
+        return QProgressBar::event(event);
+    }
+
+  private:
+    QElapsedTimer sinceDrawn_;
+};
+
 }  // namespace
 
 CommandActivity::CommandActivity(const CommandMonitor& monitor, QWidget* parent)
-    : QWidget(parent), monitor_(monitor), busy_(new QProgressBar(this)), text_(new QLabel(this))
+    : QWidget(parent), monitor_(monitor), busy_(new BusyBar(this)), text_(new QLabel(this))
 {
     text_->setObjectName("activity");
     busy_->setRange(0, 0);

@@ -86,6 +86,28 @@ TEST(Confinement, AProgramThatGetsAroundTheFileSystemOrTheProtocolIsReset)
     }
 }
 
+TEST(Confinement, AProgramThatResetsTheBoardAgainAndAgainDoesNotUseTheDiskUp)
+{
+    const BoardProcess board;
+    board.files().Write("boot.py",
+                        "import machine, os, sys\ndel sys.modules['vfs']\nimport vfs\n"
+                        "file = vfs.VfsPosix().open('" +
+                            board.files().path() +
+                            "/%d' % len(os.listdir()), 'wb')\n"
+                            "file.seek((16 << 20) - 1)\nfile.write(b'x')\nmachine.reset()");
+    board.Tool({"reset"});
+    const auto countFiles = [&] {
+        return std::distance(std::filesystem::directory_iterator(board.files().path()), {});
+    };
+    EXPECT_TRUE(WaitUntil([&] { return countFiles() > 2; }));
+    // Each reset opens another device.
+    EXPECT_TRUE(WaitUntil([&] {
+        BoardLine line(board.link());
+        line.Send("\r");
+        return line.ReadTo(">>> ", std::chrono::milliseconds(200)).ends_with(">>> ");
+    })) << countFiles();
+}
+
 TEST(Confinement, ProgramsHaveAsMuchMemoryAsTheUserChose)
 {
     const TemporaryFolder folder;
