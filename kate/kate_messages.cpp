@@ -17,6 +17,12 @@ KateMessages::KateMessages(std::function<KTextEditor::MainWindow*()> window)
 {
 }
 
+// Kate shows a text without tags as it is.
+static QString ToHtml(const QString& text)
+{
+    return "<qt>" + text.toHtmlEscaped() + "</qt>";
+}
+
 // The choices must not be used any more.
 KateMessages::~KateMessages()
 {
@@ -36,14 +42,14 @@ void KateMessages::Withdraw(Topic topic)
 
 void KateMessages::Report(const QString& message)
 {
-    Show(new Message(message.toHtmlEscaped(), Message::Warning));
+    Show(new Message(ToHtml(message), Message::Warning));
 }
 
 void KateMessages::Ask(Topic topic, const QString& question,
                        const std::vector<MessageChoice>& choices)
 {
     Withdraw(topic);
-    auto* const message = new Message(question.toHtmlEscaped(), Message::Information);
+    auto* const message = new Message(ToHtml(question), Message::Information);
     for (const auto& choice : choices) {
         auto* const action = new QAction(QString(choice.label).replace('&', "&&"), nullptr);
         QObject::connect(action, &QAction::triggered, choice.action);

@@ -143,6 +143,7 @@ void KateWindow::MakeBoardView(KTextEditor::Plugin& plugin)
                                             ActionIcon(Action::Board), tr("Virtual Board"));
     auto* const panel = new BoardPanel(host_.pins(), boardView_);
     KAcceleratorManager::setNoAccel(panel);
+    boardView_->setMinimumWidth(panel->minimumWidth());
     connect(panel, &BoardPanel::AttachRequested, &host_.boardActions(),
             &BoardActions::UseVirtualBoard);
 }
