@@ -39,7 +39,7 @@ bool IsPython(const KTextEditor::Document& document)
 
 KateHost::KateHost(PluginModule module, const Installation& installation)
     : module_(std::move(module)),
-      messages_([this] { return FrontWindow(); }),
+      messages_([this] { return FrontWindow(); }, output_),
       host_(module_, runtime_, [this](const std::string& text) { output_.Append(text); }),
       tool_(runtime_, ResourceFolder(module_.bundle()) + "/mpremote/mpremote.py",
             [this](const std::string& text) { output_.Append(text); }),
