@@ -51,6 +51,9 @@ ends the input. A bar in the margin of the worksheet marks where the output of e
 the only one while it is attached. If a command reports <i>no device found</i>, there is no board, or
 another program uses its port. If it reports <i>failed to access</i>, you lack the permission: run
 <code>sudo usermod -aG dialout "$USER"</code> and log in again.</p>
+<p><b>Show Board</b> in the Board menu shows the virtual board beside the documents: its LED, its
+NeoPixels and the pins that the program uses. Click the button of an input to press it, or Shift-click
+to keep it pressed. The slider of an analog pin sets its voltage.</p>
 <h2><a name="device"></a>The Device window</h2>
 <p>The Device window shows the files on the board. Double-click a folder to open it; the menu above
 the list leads back. Drop a file or a folder on the list to copy it to the board. Control-Backspace

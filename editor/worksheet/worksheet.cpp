@@ -231,28 +231,31 @@ void Worksheet::SetWraps(bool wraps)
 
 void Worksheet::FollowEnd()
 {
-    feed_.Flush();
-    follower_.FollowEnd();
+    feed_.Then([this] { follower_.FollowEnd(); });
 }
 
 void Worksheet::BeginCommand()
 {
-    feed_.Flush();
-    begins_ = true;
-    caretBefore_ = Send(*this, SCI_GETCURRENTPOS);
+    feed_.Then([this] {
+        begins_ = true;
+        caretBefore_ = Send(*this, SCI_GETCURRENTPOS);
+    });
 }
 
 void Worksheet::EndCommand()
 {
-    feed_.Flush();
+    feed_.Then([this] { LeaveCaretAtEnd(); });
+}
+
+void Worksheet::LeaveCaretAtEnd()
+{
     const bool isSilent = std::exchange(begins_, false);
     const bool isCaretMoved =
         std::exchange(caretBefore_, -1) != Send(*this, SCI_GETCURRENTPOS) || hasSelectedText();
     if (isSilent || isCaretMoved) {
         return;
     }
-    AppendLines({});
-    feed_.Flush();
+    feed_.StartLine();
     follower_.Change([this] { Send(*this, SCI_SETEMPTYSELECTION, Length(*this)); });
 }
 

@@ -80,6 +80,7 @@ class Worksheet final : public QsciScintilla, public OutputView {
     qsizetype LastColumn() const;
     void Apply(const OutputChange& change);
     void RemoveAll();
+    void LeaveCaretAtEnd();
     void DropOldLines();
     void RemoveText(long end);
     void RecordChange(int position, int type, int length);

@@ -12,7 +12,7 @@ constexpr std::size_t kBlockSize = 65'536;
 void OutputBacklog::Append(std::string_view bytes)
 {
     while (!bytes.empty()) {
-        if (blocks_.empty() || blocks_.back().bytes.size() == kBlockSize) {
+        if (blocks_.empty() || blocks_.back().action || blocks_.back().bytes.size() == kBlockSize) {
             blocks_.emplace_back();
         }
         auto& block = blocks_.back();
@@ -26,19 +26,18 @@ void OutputBacklog::Append(std::string_view bytes)
     }
 }
 
-std::string OutputBacklog::Take()
+void OutputBacklog::AppendAction(std::function<void()> action)
+{
+    blocks_.push_back({.bytes = {}, .action = std::move(action)});
+}
+
+OutputBacklog::Block OutputBacklog::Take()
 {
     auto block = std::move(blocks_.front());
     blocks_.pop_front();
     size_.lines -= block.lines;
     size_.bytes -= block.bytes.size();
-    return std::move(block.bytes);
-}
-
-void OutputBacklog::Clear()
-{
-    blocks_.clear();
-    size_ = {};
+    return block;
 }
 
 bool OutputBacklog::IsExcessive() const
@@ -46,7 +45,7 @@ bool OutputBacklog::IsExcessive() const
     return size_.lines > 2 * capacity_.lines || size_.bytes > capacity_.bytes + capacity_.bytes / 4;
 }
 
-std::optional<std::string> OutputBacklog::TakeSuperfluous()
+std::optional<OutputBacklog::Block> OutputBacklog::TakeSuperfluous()
 {
     if (blocks_.empty()) {
         return std::nullopt;

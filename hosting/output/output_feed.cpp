@@ -30,11 +30,32 @@ void OutputFeed::Append(std::string_view utf8)
 
 void OutputFeed::AppendLines(std::string_view utf8)
 {
-    Flush();
-    if (text_.lastColumn() > 0) {
-        Append("\n");
-    }
+    Then([this] { StartLine(); });
     Append(utf8);
+}
+
+void OutputFeed::Then(std::function<void()> action)
+{
+    if (pending_.IsEmpty()) {
+        return action();
+    }
+    pending_.AppendAction(std::move(action));
+}
+
+void OutputFeed::StartLine()
+{
+    if (text_.lastColumn() > 0) {
+        Pass("\n");
+    }
+}
+
+void OutputFeed::PassBlock()
+{
+    const auto block = pending_.Take();
+    if (block.action) {
+        return block.action();
+    }
+    Pass(block.bytes);
 }
 
 void OutputFeed::PassForAWhile()
@@ -52,7 +73,11 @@ void OutputFeed::PassForAWhile()
 void OutputFeed::SkipSuperfluous()
 {
     while (const auto block = pending_.TakeSuperfluous()) {
-        parser_.Skip(*block);
+        if (block->action) {
+            block->action();
+        } else {
+            parser_.Skip(block->bytes);
+        }
     }
     text_.removeAll();
 }
@@ -68,6 +93,10 @@ void OutputFeed::Flush()
 void OutputFeed::Clear()
 {
     timer_.stop();
-    pending_.Clear();
+    while (!pending_.IsEmpty()) {
+        if (const auto block = pending_.Take(); block.action) {
+            block.action();
+        }
+    }
     parser_ = {};
 }

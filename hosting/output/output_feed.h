@@ -28,16 +28,22 @@ class OutputFeed {
     void Append(std::string_view utf8);
     // Appends lines, beginning with a new one.
     void AppendLines(std::string_view utf8);
+    // Performs an action when all earlier output has been passed, at once if it has been. The
+    // action must not append output, except by StartLine.
+    void Then(std::function<void()> action);
+    // Starts a new line in the text, unless its last one is empty.
+    void StartLine();
     // A program has ended: its colours, or its unfinished control sequence, end as well.
     void EndOutput() { Append("\x1b[m"); }
-    // Passes everything that is pending.
+    // Passes everything that is pending at once, which can take long.
     void Flush();
-    // Forgets it instead.
+    // Forgets it instead, but performs the actions.
     void Clear();
 
   private:
     void PassForAWhile();
-    void PassBlock() { text_.apply(parser_.Feed(pending_.Take(), text_.lastColumn())); }
+    void PassBlock();
+    void Pass(std::string_view bytes) { text_.apply(parser_.Feed(bytes, text_.lastColumn())); }
     void SkipSuperfluous();
 
     Text text_;

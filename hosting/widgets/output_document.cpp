@@ -32,8 +32,7 @@ void OutputDocument::SetColors(const QColor& background, const QColor& link)
 
 void OutputDocument::FollowEnd()
 {
-    feed_.Flush();
-    Q_EMIT FollowEndRequested();
+    feed_.Then([this] { Q_EMIT FollowEndRequested(); });
 }
 
 void OutputDocument::ClearAll()

@@ -46,7 +46,7 @@ import termios
 import threading
 import time
 
-# Python puts this file's folder first, where "mpremote" would be this file.
+# mpremote.py puts this folder first, where "mpremote" would be that file.
 OWN_FOLDER = os.path.dirname(os.path.realpath(__file__))
 sys.path[:] = [folder for folder in sys.path if os.path.realpath(folder) != OWN_FOLDER]
 # A bundled mpremote is located next to the plug-in's bundle. Otherwise it is installed for Python.

@@ -333,6 +333,7 @@ TEST(Launcher, RunsTheToolOfItsPythonAndWorksWithoutStandardOutput)
     auto variables = board.variables();
     variables.push_back("PYTHONPATH=" + (folder / "mpremote.py") +
                         "/..:" QUILP_BUNDLE "/../mpremote");
+    variables.push_back("PYTHONSAFEPATH=1");  // Python does not search the launcher's folder.
     EXPECT_EQ(RunProgram({folder / "mpremote.py", "ls"}, variables).output, "ls :\n");
     EXPECT_EQ(RunProgram({"sh", "-c", "'" QUILP_MPREMOTE "' touch :t >&-"}, variables).status, 0);
     EXPECT_TRUE(std::filesystem::exists(board.files() / "t"));

@@ -124,8 +124,6 @@ class ShellJob {
     std::function<void(int status)> onFinished_;
     UiQueue& queue_;
 
-    bool started_ = false;
-    bool isStuck_ = false;
     std::function<void(Progress)> onProgress_;
     std::function<void()> onStuck_;
     std::unique_ptr<EventSource> stuckTimer_;
@@ -133,6 +131,8 @@ class ShellJob {
     std::promise<void> exits_;
     std::future<void> exited_ = exits_.get_future();
     std::array<int, 2> wake_{-1, -1};
+    bool started_ = false;
+    bool isStuck_ = false;
     std::atomic<bool> stopped_ = false;
     std::atomic<bool> discardsOutput_ = false;
     std::mutex inputMutex_;
@@ -141,14 +141,14 @@ class ShellJob {
 
     // Used on the job's thread only.
     LineSplitter splitter_;
-    bool outputOpen_ = true;
-    bool inputOpen_ = false;
     std::array<int, 2> progress_{-1, -1};
     std::string progressLine_;  // Not yet complete.
-    bool programExited_ = false;
     std::optional<Clock::time_point> flushAt_;  // When to forward the unfinished line.
     // When to stop reading the pipe of an exited program: other processes may keep it open.
     std::optional<Clock::time_point> abandonPipeAt_;
     std::optional<Clock::time_point> killAt_;  // When to send SIGKILL; set with SIGTERM.
+    bool outputOpen_ = true;
+    bool inputOpen_ = false;
+    bool programExited_ = false;
     bool killed_ = false;
 };

@@ -217,6 +217,26 @@ TEST_F(WorksheetTest, AFloodLeavesItsLastLinesInTheColourThatItSet)
     EXPECT_EQ(sheet.markerFindNext(0, ~0U), -1) << "a line is marked as the beginning";
 }
 
+TEST_F(WorksheetTest, ACommandThatStartsDuringAFloodDoesNotWaitForIt)
+{
+    sheet.Append(Lines(90'000));
+    sheet.BeginCommand();
+    sheet.FollowEnd();
+    sheet.Append("output");
+    sheet.EndCommand();
+    sheet.AppendLines("next");
+    EXPECT_LT(sheet.lines(), 90'000) << "everything was appended at once";
+    EXPECT_TRUE(sheet.Content().endsWith("line 89999\noutput\nnext"));
+    EXPECT_EQ(sheet.markerFindNext(0, 1U << 2), 90'000);
+    const auto caret = Send(sheet, QsciScintilla::SCI_GETCURRENTPOS);
+    EXPECT_EQ(LineAt(sheet, caret), 90'001);
+    sheet.Append(Lines(90'000));
+    sheet.BeginCommand();
+    sheet.ClearAll();
+    Append("output of the command");
+    EXPECT_EQ(sheet.markerFindNext(0, 1U << 2), 0) << "the command was forgotten, too";
+}
+
 TEST_F(WorksheetTest, TheOldestLinesAreRemoved)
 {
     Append(Lines(Worksheet::kMaxLines + 50'000));

@@ -26,8 +26,9 @@ struct Shown {
 
     void Append(const std::string& text)
     {
+        const auto last = QString::fromStdString(text).section('\n', -2, -2);
         output.AppendLines(text);
-        output.AppendLines({});  // Passes what is pending.
+        EXPECT_TRUE(WaitUntil([&] { return output.lastBlock().previous().text() == last; }));
     }
     bool IsAtEnd() const
     {

@@ -239,6 +239,7 @@ TEST(SimpleShell, AProgramThatCannotBeKilledBlocksNeitherTheNextCommandNorTheEnd
         ptrace(PTRACE_SEIZE, process, nullptr, PTRACE_O_TRACEEXIT);
         return poll(nullptr, 0, -1);
     };
+    const Holdings before = CurrentHoldings();
     std::string text;
     std::string warning;
     Runtime runtime;
@@ -247,7 +248,7 @@ TEST(SimpleShell, AProgramThatCannotBeKilledBlocksNeitherTheNextCommandNorTheEnd
         [&](std::string&& line) { runtime.queue().Post([&text, line] { text += line; }); }, "Test");
     shell.Run(Sh("echo $$; exec sleep 1000"), {});
     ASSERT_TRUE(WaitUntil([&] { return text.ends_with("\n"); }));
-    const ForkedChild tracer([&] { return hold(std::stoi(text)); });
+    ForkedChild tracer([&] { return hold(std::stoi(text)); });
     const std::string status = "/proc/" + text.substr(0, text.size() - 1) + "/status";
     ASSERT_TRUE(WaitUntil([&] { return !ReadFile(status).contains("TracerPid:\t0\n"); }));
     shell.Run("echo next", {});
@@ -255,6 +256,11 @@ TEST(SimpleShell, AProgramThatCannotBeKilledBlocksNeitherTheNextCommandNorTheEnd
     EXPECT_TRUE(warning.starts_with("The program sh was killed and has not ended")) << warning;
     EXPECT_TRUE(WaitUntil([&] { return runtime.IsIdle(); }));
     runtime.ShutDown();
+    tracer.Kill();
+    EXPECT_TRUE(WaitUntil([&] {
+        const auto now = CurrentHoldings();
+        return now.threads == before.threads && !now.children;
+    })) << "the thread that was left behind has not ended with its program";
 }
 
 TEST_F(SimpleShellTest, AProgramThatTheSystemHasReapedHasExited)
