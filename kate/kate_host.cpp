@@ -19,7 +19,6 @@
 #include <QEvent>
 #include <QFileInfo>
 
-#include <cstdlib>
 #include <utility>
 
 namespace {
@@ -40,7 +39,7 @@ bool IsPython(const KTextEditor::Document& document)
 
 KateHost::KateHost(PluginModule module, const Installation& installation)
     : module_(std::move(module)),
-      messages_([this] { return FrontWindow(); }),
+      messages_([this] { return FrontWindow(); }, output_),
       host_(module_, runtime_, [this](const std::string& text) { output_.Append(text); }),
       tool_(runtime_, ResourceFolder(module_.bundle()) + "/mpremote/mpremote.py",
             [this](const std::string& text) { output_.Append(text); }),
@@ -52,11 +51,9 @@ KateHost::KateHost(PluginModule module, const Installation& installation)
           host_, messages_, [this] { return SaveFront(); }, nullptr),
       boardActions_(BoardParts(), nullptr),
       questions_(boardActions_, monitor_, BoardParts(), nullptr),
-      boardMenu_(std::make_unique<BoardMenu>(boardActions_, board_, nullptr)),
       target_(settings_.group().readEntry("Target", QString()))
 {
-    connect(boardMenu_.get(), &BoardMenu::DeviceWindowRequested, &commands_,
-            &PluginActions::OpenDeviceWindow);
+    pins_.Follow(board_);
     ConnectRuntime();
     qApp->installEventFilter(this);
 }
@@ -123,11 +120,10 @@ void KateHost::RestoreBoard()
 {
     const auto& group = settings_.group();
     if (const QStringList port = group.readEntry("Board", QStringList()); port.size() == 3) {
-        board_.Choose(
-            BoardPort{port[0].toStdString(), port[1].toStdString(), port[2].toStdString()});
+        board_.RestoreChoice({port[0].toStdString(), port[1].toStdString(), port[2].toStdString()});
     }
-    if (group.readEntry("VirtualBoard", false) && std::getenv("QUILP_VIRTUAL_BOARD") == nullptr) {
-        boardActions_.UseVirtualBoard();
+    if (group.readEntry("VirtualBoard", false)) {
+        boardActions_.RestoreVirtualBoard();
     }
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "board_actions.h"
-#include "board_menu.h"
 #include "board_monitor.h"
 #include "board_questions.h"
 #include "board_tool.h"
@@ -10,6 +9,7 @@
 #include "kate_messages.h"
 #include "kate_settings.h"
 #include "output_document.h"
+#include "pins_client.h"
 #include "plugin_actions.h"
 #include "plugin_host.h"
 
@@ -57,7 +57,7 @@ class KateHost final : public QObject {
     BoardMonitor& board() { return board_; }
     PluginActions& commands() { return commands_; }
     BoardActions& boardActions() { return boardActions_; }
-    BoardMenu& boardMenu() { return *boardMenu_; }
+    PinsClient& pins() { return pins_; }
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -87,6 +87,6 @@ class KateHost final : public QObject {
     PluginActions commands_;
     BoardActions boardActions_;
     BoardQuestions questions_;
-    std::unique_ptr<BoardMenu> boardMenu_;
+    PinsClient pins_;
     QString target_;
 };

@@ -12,11 +12,13 @@ class MainWindow;
 class Message;
 }  // namespace KTextEditor
 
-// Shows messages above the front document, or in Kate's output if there is none. [ui]
+class OutputView;
+
+// Shows messages above the front document, or in the output of commands if there is none. [ui]
 class KateMessages final : public HostMessages {
   public:
-    // `window` returns the front window, or null.
-    explicit KateMessages(std::function<KTextEditor::MainWindow*()> window);
+    // `window` returns the front window, or null. `output` must outlive this object.
+    KateMessages(std::function<KTextEditor::MainWindow*()> window, OutputView& output);
     ~KateMessages() override;
 
     void Report(const QString& message) override;
@@ -25,8 +27,9 @@ class KateMessages final : public HostMessages {
     void Withdraw(Topic topic) override;
 
   private:
-    void Show(KTextEditor::Message* message) const;
+    void Show(KTextEditor::Message* message, const QString& text) const;
 
     std::function<KTextEditor::MainWindow*()> window_;
+    OutputView& output_;
     std::map<Topic, QPointer<KTextEditor::Message>> questions_;
 };

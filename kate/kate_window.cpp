@@ -2,6 +2,8 @@
 
 #include "action_icons.h"
 #include "board_button.h"
+#include "board_menu.h"
+#include "board_panel.h"
 #include "board_prompt.h"
 #include "command_activity.h"
 #include "input_field.h"
@@ -36,10 +38,10 @@ QKeySequence DefaultKeys(const QString& action)
 }
 
 // Where a menu of the action opens: its button in a tool bar, or else the menu bar.
-const QWidget& PlaceOfMenu(const QWidget& window, QAction& action)
+const QWidget& PlaceOfMenu(const QWidget& window, QAction* action)
 {
     for (const auto* const bar : window.findChildren<QToolBar*>()) {
-        const auto* const button = bar->widgetForAction(&action);
+        const auto* const button = bar->widgetForAction(action);
         if (button != nullptr && button->isVisible()) {
             return *button;
         }
@@ -68,6 +70,7 @@ KateWindow::KateWindow(KateHost& host, KTextEditor::Plugin& plugin,
     setComponentName(QStringLiteral("katequilpplugin"), tr("MicroPython"));
     setXMLFile(QStringLiteral("ui.rc"));
     MakeToolView(plugin);
+    MakeBoardView(plugin);
     ConnectInput();
     AddCommands();
     AddActions();
@@ -93,6 +96,7 @@ KateWindow::~KateWindow()
     mainWindow_.guiFactory()->removeClient(this);
     delete prompt_;
     delete toolView_;
+    delete boardView_;
 }
 
 void KateWindow::MakeToolView(KTextEditor::Plugin& plugin)
@@ -118,7 +122,30 @@ void KateWindow::MakeToolView(KTextEditor::Plugin& plugin)
     connect(&host_.boardActions(), &BoardActions::UploadNoteChanged, activity,
             &CommandActivity::SetUploadNote);
     row->addWidget(activity);
-    row->addWidget(new BoardButton(host_.board(), &host_.boardMenu(), content));
+    MakeBoardMenu(*content);
+    auto* const board = new BoardButton(host_.board(), boardMenu_, content);
+    board->ShowLedOf(host_.pins());
+    row->addWidget(board);
+}
+
+// Each window has its own menu: a button loses a menu of another window's action with that window.
+void KateWindow::MakeBoardMenu(QWidget& parent)
+{
+    boardMenu_ = new BoardMenu(host_.boardActions(), host_.board(), &parent);
+    connect(boardMenu_, &BoardMenu::DeviceWindowRequested, &host_.commands(),
+            &PluginActions::OpenDeviceWindow);
+}
+
+void KateWindow::MakeBoardView(KTextEditor::Plugin& plugin)
+{
+    boardView_ = mainWindow_.createToolView(&plugin, QStringLiteral("katequilpplugin_board"),
+                                            KTextEditor::MainWindow::Right,
+                                            ActionIcon(Action::Board), tr("Virtual Board"));
+    auto* const panel = new BoardPanel(host_.pins(), boardView_);
+    KAcceleratorManager::setNoAccel(panel);
+    boardView_->setMinimumWidth(panel->minimumWidth());
+    connect(panel, &BoardPanel::AttachRequested, &host_.boardActions(),
+            &BoardActions::UseVirtualBoard);
 }
 
 void KateWindow::ConnectInput()
@@ -168,8 +195,7 @@ void KateWindow::AddCommands()
         host_.commands().ShowStatus();
     });
     auto* const menu = Add("quilp_menu", tr("&All Commands…"), [this] {
-        auto& window = *mainWindow_.window();
-        host_.commands().OpenPopUp(PlaceOfMenu(window, *actionCollection()->action("quilp_menu")));
+        host_.commands().OpenPopUp(PlaceOfMenu(*mainWindow_.window(), action("quilp_menu")));
     });
     menu->setIcon(QIcon::fromTheme(QStringLiteral("application-menu"), ActionIcon(Action::Board)));
 }
@@ -186,7 +212,14 @@ void KateWindow::AddActions()
         ShowOutput();
         host_.ShowHelp();
     });
-    Add("quilp_board", tr("&Board"), {})->setMenu(&host_.boardMenu());
+    Add("quilp_show_board", tr("Show &Virtual Board"),
+        [this] { mainWindow_.showToolView(boardView_); });
+    // With keys or in a tool bar, the action is triggered itself.
+    auto* const board = Add("quilp_board", tr("&Board"), [this] {
+        const auto& place = PlaceOfMenu(*mainWindow_.window(), action("quilp_board"));
+        boardMenu_->popup(place.mapToGlobal(QPoint(0, place.height())));
+    });
+    board->setMenu(boardMenu_);
 }
 
 // What runs can be stopped.

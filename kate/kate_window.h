@@ -9,6 +9,7 @@
 #include <functional>
 #include <string>
 
+class BoardMenu;
 class BoardPrompt;
 class InputField;
 class KateHost;
@@ -33,6 +34,8 @@ class KateWindow final : public QObject, public KXMLGUIClient {
 
   private:
     void MakeToolView(KTextEditor::Plugin& plugin);
+    void MakeBoardView(KTextEditor::Plugin& plugin);
+    void MakeBoardMenu(QWidget& parent);
     void ConnectInput();
     QAction* Add(const QString& name, const QString& text, const std::function<void()>& perform);
     void AddCommands();
@@ -46,6 +49,8 @@ class KateWindow final : public QObject, public KXMLGUIClient {
     KateHost& host_;
     KTextEditor::MainWindow& mainWindow_;
     QPointer<QWidget> toolView_;  // Kate may have destroyed it, with the pane and the field.
+    QPointer<QWidget> boardView_;
+    BoardMenu* boardMenu_ = nullptr;
     OutputPane* pane_ = nullptr;
     InputField* field_ = nullptr;
     BoardPrompt* prompt_ = nullptr;

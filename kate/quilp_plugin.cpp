@@ -33,10 +33,9 @@ QObject* QuilpPlugin::createView(KTextEditor::MainWindow* mainWindow)
     if (host_) {
         return new KateWindow(*host_, *this, *mainWindow);
     }
-    const QVariantMap message{{"text", tr("MicroPython: %1").arg(QString::fromStdString(error_))},
-                              {"type", "Error"},
-                              {"category", "MicroPython"}};
-    mainWindow->showMessage(message);
+    mainWindow->showMessage({{"text", tr("MicroPython: %1").arg(QString::fromStdString(error_))},
+                             {"type", "Error"},
+                             {"category", "MicroPython"}});
     return new QObject(mainWindow);
 }
 

@@ -37,6 +37,7 @@ BoardMonitor::BoardMonitor(std::string program, std::string boardFolder, FindPor
     if (const char* const node = std::getenv(kBoardVariable)) {
         choice_ = BoardPort{node, {}, {}};
         isBoardNamed_ = true;
+        VirtualBoard::ForgetNamedLink();  // The tool ignores it, too.
     }
     board_ = FindBoard();
 }
@@ -55,6 +56,14 @@ BoardMonitor::Board BoardMonitor::FindBoard()
     if (virtualBoard_ && !IsStarting()) {
         return {Kind::Virtual, {}};
     }
+    std::error_code ignored;
+    const std::string link = VirtualBoard::NamedLink();
+    if (!link.empty() && std::filesystem::exists(link, ignored)) {
+        return {Kind::Virtual, {link, {}, {}}};
+    }
+    if (!choice_ && !link.empty()) {
+        return {Kind::Missing, {link, {}, {}}};
+    }
     if (!choice_) {
         return ports_.empty() ? Board() : Board{Kind::Real, ports_.front()};
     }
@@ -64,7 +73,6 @@ BoardMonitor::Board BoardMonitor::FindBoard()
         return {Kind::Real, *found};
     }
     // The user may name a device that is not in the list, or a link to one.
-    std::error_code ignored;
     const bool exists = choice_->id.empty() && std::filesystem::exists(choice_->node, ignored);
     return {exists ? Kind::Real : Kind::Missing, *choice_};
 }
@@ -111,6 +119,13 @@ void BoardMonitor::Choose(std::optional<BoardPort> port)
     DetachVirtualBoard();
 }
 
+void BoardMonitor::RestoreChoice(BoardPort port)
+{
+    choice_ = std::move(port);
+    hasAsked_ = true;
+    Poll();
+}
+
 void BoardMonitor::SetFirmware(const QString& firmware)
 {
     if (std::exchange(firmware_, firmware) != firmware) {
@@ -148,6 +163,7 @@ void BoardMonitor::DetachVirtualBoard()
 {
     startTimer_.stop();
     virtualBoard_.reset();
+    VirtualBoard::ForgetNamedLink();
     Poll();
 }
 

@@ -13,8 +13,9 @@
 #include <vector>
 
 // Monitors which board the tool uses, and lets the user choose it: the virtual board if it is
-// attached, otherwise the real one that was chosen, otherwise the first real one. The tool's
-// launcher is told by the environment, so that a command never goes to another board. [ui]
+// attached, otherwise the real one that was chosen, otherwise the first real one. A virtual board
+// that the environment names counts as attached while its link exists. The tool's launcher is told
+// by the environment, so that a command never goes to another board. [ui]
 class BoardMonitor final : public QObject {
     Q_OBJECT
 
@@ -28,7 +29,9 @@ class BoardMonitor final : public QObject {
 
     struct Board {
         Kind kind = Kind::None;
-        BoardPort port;  // Of a real board; the last known one if it is missing.
+        // Of a real board; the last known one if it is missing. Its node is the link of a virtual
+        // board that the environment names.
+        BoardPort port;
 
         bool IsAttached() const { return kind == Kind::Real || kind == Kind::Virtual; }
         // Whether both are the same board, at whatever port.
@@ -51,12 +54,14 @@ class BoardMonitor final : public QObject {
     // when the program was started. Choosing detaches the virtual board.
     const std::optional<BoardPort>& choice() const { return choice_; }
     void Choose(std::optional<BoardPort> port);
+    // What the user chose in an earlier session. The virtual board remains attached.
+    void RestoreChoice(BoardPort port);
 
     // The virtual board becomes the board when it is ready. If it cannot be started, Failed is
     // emitted.
     void AttachVirtualBoard();
     // True also while the virtual board is starting.
-    bool HasVirtualBoard() const { return virtualBoard_.has_value(); }
+    bool HasVirtualBoard() const { return virtualBoard_ || board_.kind == Kind::Virtual; }
     // Simulates unplugging the board.
     void DetachVirtualBoard();
 

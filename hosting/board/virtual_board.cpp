@@ -115,6 +115,17 @@ std::string VirtualBoard::ExitReport()
     return "The virtual board has stopped: " + (reason.empty() ? "it gave no reason" : reason);
 }
 
+std::string VirtualBoard::NamedLink()
+{
+    const char* const link = std::getenv(kLinkVariable);
+    return link != nullptr ? link : "";
+}
+
+void VirtualBoard::ForgetNamedLink()
+{
+    unsetenv(kLinkVariable);
+}
+
 std::string VirtualBoard::pinsPath() const
 {
     return PinsIn(linkFolder_);
@@ -126,7 +137,7 @@ VirtualBoard::~VirtualBoard()
         return;  // Moved from.
     }
     process_.Terminate(kStopTimeout);
-    unsetenv(kLinkVariable);
+    ForgetNamedLink();
     std::error_code ignored;
     std::filesystem::remove_all(linkFolder_, ignored);
 }

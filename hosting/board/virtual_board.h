@@ -26,6 +26,12 @@ class VirtualBoard {
     // Waits until the board is ready.
     std::expected<void, std::string> WaitUntilReady();
 
+    // The link to a virtual board that another program runs, by which the environment names it for
+    // tools; empty if it names none.
+    static std::string NamedLink();
+    // Makes tools search for other boards.
+    static void ForgetNamedLink();
+
     // The path of the socket of its pins.
     std::string pinsPath() const;
 

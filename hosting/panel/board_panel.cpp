@@ -64,7 +64,6 @@ void BoardPanel::MakeContents()
     hint_ = new QLabel(contents);
     hint_->setWordWrap(true);
     hint_->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
-    hint_->setForegroundRole(QPalette::PlaceholderText);
     column->addWidget(hint_);
     attach_ = new QPushButton(tr("Attach Virtual Board"), contents);
     column->addWidget(attach_, 0, Qt::AlignHCenter);

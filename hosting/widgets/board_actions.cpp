@@ -13,6 +13,7 @@
 #include <QFileInfo>
 #include <QInputDialog>
 #include <QMessageBox>
+#include <QPointer>
 #include <QUrl>
 
 #include <utility>
@@ -51,6 +52,14 @@ void BoardActions::UseVirtualBoard()
 {
     usesVirtualBoard_ = true;
     parts_.board.AttachVirtualBoard();
+}
+
+void BoardActions::RestoreVirtualBoard()
+{
+    usesVirtualBoard_ = true;
+    if (VirtualBoard::NamedLink().empty()) {
+        parts_.board.AttachVirtualBoard();
+    }
 }
 
 void BoardActions::DetachVirtualBoard()
@@ -152,7 +161,10 @@ void BoardActions::ChooseEntry(const QString& title, const QString& accept, bool
     connect(dialog, &BoardFilesDialog::Chosen, this, onChosen);
     dialog->open();
     RunBoardTask(parts_.tool, ListFilesWords(), *dialog,
-                 [this, dialog, withDirectories](const BoardResult& result) {
+                 [this, self = QPointer(this), dialog, withDirectories](const BoardResult& result) {
+                     if (!self) {  // The window, and with it the dialog, may exist longer.
+                         return dialog->reject();
+                     }
                      if (!result.IsSuccess()) {
                          dialog->reject();
                          return ShowOutput(result);

@@ -35,6 +35,8 @@ class BoardActions final : public QObject {
     void UseBoard(std::optional<BoardPort> port);
     // Attaches the virtual board, now and whenever the host starts, until it is detached.
     void UseVirtualBoard();
+    // The same as in an earlier session, unless the environment names another virtual board.
+    void RestoreVirtualBoard();
     void DetachVirtualBoard();
     bool usesVirtualBoard() const { return usesVirtualBoard_; }
     // Opens the folder of its files in the desktop's file manager.

@@ -123,7 +123,7 @@ void BoardButton::ShowBoard(const BoardMonitor& monitor)
     if (!monitor.firmware().isEmpty()) {
         tip.append(monitor.firmware());
     }
-    setText(text);
+    setText(QString(text).replace('&', "&&"));
     setAccessibleName(text);
     setToolTip(tip.join('\n'));
 }

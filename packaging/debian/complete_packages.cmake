@@ -12,9 +12,10 @@ function(depend_on_libraries component package)
   file(WRITE "${work}/debian/control" "Source: quilp\n\nPackage: ${package}\nArchitecture: any\n")
   file(MAKE_DIRECTORY "${root}/DEBIAN")  # Marks the package's root for dpkg-shlibdeps.
   file(GLOB programs "${root}/usr/bin/*" "${root}/usr/lib/quilp/*.so" "${root}/usr/lib/quilp/*/*.so"
-    "${root}/usr/lib/*/qt5/plugins/*/*.so")
+    "${root}/usr/lib/*/qt5/plugins/*/*.so" "${root}/usr/lib/*/qt6/plugins/*/*/*.so")
   execute_process(COMMAND dpkg-shlibdeps -O --ignore-missing-info
-    "-l${CPACK_TEMPORARY_INSTALL_DIRECTORY}/editor/usr/lib/quilp" ${programs}
+    "-l${CPACK_TEMPORARY_INSTALL_DIRECTORY}/editor/usr/lib/quilp"
+    "-l${CPACK_TEMPORARY_INSTALL_DIRECTORY}/common/usr/lib/quilp" ${programs}
     WORKING_DIRECTORY "${work}"
     OUTPUT_VARIABLE found OUTPUT_STRIP_TRAILING_WHITESPACE
     COMMAND_ERROR_IS_FATAL ANY)

@@ -24,6 +24,7 @@
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
+#include <QToolButton>
 #include <QTreeWidget>
 
 #include <cstdio>
@@ -182,8 +183,23 @@ void OpenDeviceWindow()
     }
 }
 
+QToolButton* BoardCorner()
+{
+    return Front().window()->findChild<QToolButton*>("board");
+}
+
+// By its button, and as by keys.
+void OpenBoardMenu()
+{
+    Require(BoardCorner()->menu() != nullptr, "the menu of the board's button");
+    Trigger("quilp_board");
+    WaitFor("the board's menu", [] { return QApplication::activePopupWidget() != nullptr; });
+    QApplication::activePopupWidget()->close();
+}
+
 void RunAndBrowse()
 {
+    Require(BoardCorner()->text() == "Virtual board", "the board that the environment names");
     Press(Qt::Key_R);
     WaitForOutput("ZeroDivisionError");
     Require(CountOutput(Front().activeView()->document()->url().toLocalFile()) == 3,
@@ -191,8 +207,8 @@ void RunAndBrowse()
     ClickTraceback();
     OpenDeviceWindow();
     QFile maps("/proc/self/maps");
-    Require(maps.open(QFile::ReadOnly) && !maps.readAll().contains("libQt6Core"),
-            "one version of Qt");
+    const char* const other = QT_VERSION_MAJOR == 6 ? "libQt5Core" : "libQt6Core";
+    Require(maps.open(QFile::ReadOnly) && !maps.readAll().contains(other), "one version of Qt");
 }
 
 void EndInFlood()
@@ -255,6 +271,7 @@ void CloseWindows()
     WaitFor("one window", [] { return Kate().mainWindows().size() == 1; });
     Press(Qt::Key_S);
     WaitFor("the stop", [] { return !FindAction(Front(), "QuilpStop")->isEnabled(); });
+    OpenBoardMenu();
 }
 
 const std::map<std::string, std::function<void()>> kScenarios{

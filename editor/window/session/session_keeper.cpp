@@ -82,11 +82,11 @@ void SessionKeeper::RestoreBoard()
         return;  // By the command line.
     }
     if (!last_.board.node.empty()) {
-        parts_.board.Choose(last_.board);
+        parts_.board.RestoreChoice(last_.board);
     }
     if (last_.usesVirtualBoard) {
         // Show the window first.
-        QTimer::singleShot(0, &timer_, [this] { parts_.boardActions.UseVirtualBoard(); });
+        QTimer::singleShot(0, &timer_, [this] { parts_.boardActions.RestoreVirtualBoard(); });
     }
 }
 

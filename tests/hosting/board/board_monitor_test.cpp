@@ -77,3 +77,29 @@ TEST(BoardMonitor, ShowsTheToolOnlyTheChosenBoard)
     EXPECT_EQ(NamedBoard(), "");
     EXPECT_EQ(questions, 1);
 }
+
+TEST(BoardMonitor, UsesTheVirtualBoardThatTheEnvironmentNames)
+{
+    const TemporaryFolder folder;
+    const std::string link = folder.Write("port", "");
+    setenv("QUILP_VIRTUAL_BOARD", link.c_str(), 1);
+    BoardMonitor monitor(
+        "/no/program", "/no/folder",
+        [] {
+            return std::vector{kPico, kEsp};
+        },
+        nullptr);
+    using Kind = BoardMonitor::Kind;
+    monitor.RestoreChoice(kEsp);
+    EXPECT_EQ(monitor.board().kind, Kind::Virtual);
+    EXPECT_TRUE(monitor.HasVirtualBoard());
+    EXPECT_EQ(NamedBoard(), "") << "It would take precedence.";
+    monitor.Choose(std::nullopt);
+    EXPECT_EQ(monitor.board().port, kPico);
+    EXPECT_EQ(std::getenv("QUILP_VIRTUAL_BOARD"), nullptr) << "The tool would see no other board.";
+
+    setenv("QUILP_VIRTUAL_BOARD", "/no/link", 1);
+    EXPECT_TRUE(WaitUntil([&] { return monitor.board().kind == Kind::Missing; }));
+    monitor.DetachVirtualBoard();
+    EXPECT_EQ(monitor.board().kind, Kind::Real);
+}
