@@ -23,7 +23,7 @@ std::string_view ValidStart(std::string_view bytes)
 {
     const char* end = nullptr;
     g_utf8_validate_len(bytes.data(), bytes.size(), &end);
-    return {bytes.data(), end};
+    return bytes.substr(0, static_cast<std::size_t>(end - bytes.data()));
 }
 
 bool IsEscaped(QChar character)

@@ -124,7 +124,9 @@ void DrawConnector(QPainter& painter)
 void DrawChip(QPainter& painter)
 {
     painter.setPen(QPen(kSilver.darker(115), 1.6));
-    for (double offset = 6; offset < kChip.width() - 4; offset += 5) {
+    const int legs = static_cast<int>((kChip.width() - 6) / 5);
+    for (int leg = 0; leg < legs; ++leg) {
+        const double offset = 6 + 5.0 * leg;
         const double x = kChip.left() + offset;
         const double y = kChip.top() + offset;
         painter.drawLine(QPointF(x, kChip.top() - 2.5), QPointF(x, kChip.bottom() + 2.5));

@@ -1,5 +1,7 @@
 #include "board_state.h"
 
+#include "qt_version.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -45,9 +47,9 @@ int IntIn(const QJsonValue& value, int max)
 std::vector<QColor> ParsePixels(const QJsonArray& values)
 {
     std::vector<QColor> pixels;
-    const int count = std::min(static_cast<int>(values.size()), kMaxPixels);
+    const auto count = std::min<QtSize>(values.size(), kMaxPixels);
     pixels.reserve(static_cast<std::size_t>(count));
-    for (int i = 0; i < count; ++i) {
+    for (QtSize i = 0; i < count; ++i) {
         const auto rgb = values.at(i).toArray();
         const int white = IntIn(rgb.at(3), 255);  // Some have a white light, too.
         const auto light = [&](int color) {

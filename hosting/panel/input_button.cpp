@@ -140,7 +140,8 @@ void InputButton::paintEvent(QPaintEvent* /*event*/)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const double size = std::min(width(), height());
-    painter.setOpacity(parentWidget()->isEnabled() ? 1 : kDisabledOpacity);
+    const auto* const row = parentWidget();
+    painter.setOpacity(row == nullptr || row->isEnabled() ? 1 : kDisabledOpacity);
     painter.translate((width() - size) / 2, (height() - size) / 2);
     painter.scale(size / 40, size / 40);
     const QColor mark = palette().color(QPalette::Highlight);
