@@ -145,8 +145,8 @@ void InputButton::paintEvent(QPaintEvent* /*event*/)
     painter.translate((width() - size) / 2, (height() - size) / 2);
     painter.scale(size / 40, size / 40);
     const QColor mark = palette().color(QPalette::Highlight);
-    const bool isPressed = other_ != nullptr ? other_->isPressed_ : isPressed_;
-    DrawSwitch(painter, isPressed, isEnabled(), mark);
+    const auto* const source = other_ != nullptr ? other_.data() : this;
+    DrawSwitch(painter, source->isPressed_, isEnabled(), mark);
     if (hasFocus()) {
         painter.setPen(QPen(mark, 2));
         painter.setBrush(Qt::NoBrush);

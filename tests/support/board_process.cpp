@@ -79,9 +79,11 @@ ProgramResult BoardProcess::Tool(const std::vector<std::string>& words) const
 
 bool BoardProcess::IsAtPrompt() const
 {
+    // An answer of its own: the board prints its first prompt at any time.
+    const std::string answer = "'ready'\r\n'ready'\r\n>>> ";
     BoardLine line(devicePath());
     return WaitUntil([&] {
-        line.Send("\r");
-        return line.ReadTo(">>> ", std::chrono::seconds(1)).ends_with(">>> ");
+        line.Send("\r'ready'\r");
+        return line.ReadTo(answer, std::chrono::seconds(1)).ends_with(answer);
     });
 }
