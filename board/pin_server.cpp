@@ -1,11 +1,9 @@
 #include "pin_server.h"
 
 #include "descriptors.h"
+#include "local_socket.h"
 
-#include <fcntl.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -20,67 +18,16 @@ constexpr std::size_t kMaxClients = 16;
 constexpr std::size_t kMaxLine = 4096;    // bytes
 constexpr std::size_t kMaxErrors = 4096;  // bytes in the queue, beyond which no more are added
 
-std::string ErrorText(const std::string& path)
-{
-    return "cannot serve the pins at " + path + ": " + std::strerror(errno);
-}
-
-int Configured(int fd)
-{
-    if (fd >= 0) {
-        fcntl(fd, F_SETFD, FD_CLOEXEC);
-        SetNonBlocking(fd);
-    }
-    return fd;
-}
-
-// A socket that refuses connections has been left behind.
-void RemoveStale(const sockaddr_un& address)
-{
-    struct stat status {};
-    if (lstat(address.sun_path, &status) != 0 || !S_ISSOCK(status.st_mode)) {
-        return;
-    }
-    const int probe = Configured(socket(AF_UNIX, SOCK_STREAM, 0));
-    if (probe < 0) {
-        return;
-    }
-    if (connect(probe, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 &&
-        errno == ECONNREFUSED) {
-        unlink(address.sun_path);
-    }
-    CloseDescriptor(probe);
-}
-
-bool BindForUserOnly(int fd, const sockaddr_un& address)
-{
-    const mode_t before = umask(0177);
-    const int result = bind(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address);
-    umask(before);
-    return result == 0;
-}
-
 }  // namespace
 
 std::expected<PinServer, std::string> PinServer::Listen(const std::string& path)
 {
     PinServer server;
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    if (path.size() >= sizeof address.sun_path) {
-        errno = ENAMETOOLONG;
-        return std::unexpected(ErrorText(path));
-    }
-    path.copy(address.sun_path, path.size());
-    RemoveStale(address);
-    server.listener_ = Configured(socket(AF_UNIX, SOCK_STREAM, 0));
-    if (server.listener_ < 0 || !BindForUserOnly(server.listener_, address)) {
-        return std::unexpected(ErrorText(path));
+    server.listener_ = ListenOnLocalSocket(path, static_cast<int>(kMaxClients));
+    if (server.listener_ < 0) {
+        return std::unexpected("cannot serve the pins at " + path + ": " + std::strerror(errno));
     }
     server.path_ = path;
-    if (listen(server.listener_, kMaxClients) != 0) {
-        return std::unexpected(ErrorText(path));
-    }
     return server;
 }
 
@@ -148,7 +95,7 @@ std::optional<PinServer::Clock::time_point> PinServer::nextUpdate(bool mayChange
 
 void PinServer::Accept(const PinBlock& block)
 {
-    const int fd = Configured(accept(listener_, nullptr, nullptr));
+    const int fd = AcceptConnection(listener_);
     if (fd >= 0 && clients_.size() < kMaxClients) {
         clients_.push_back({.fd = fd, .received = {}, .queue = {}, .resets = block.resets()});
         isOutdated_ = true;

@@ -1,8 +1,9 @@
 #include "editor_proxy_style.h"
 
+#include "painted_icon_engine.h"
+
 #include <QFileDialog>
 #include <QHeaderView>
-#include <QIconEngine>
 #include <QPainter>
 #include <QStyleOption>
 #include <QTreeView>
@@ -26,7 +27,7 @@ const std::array<DialogIcon, 4> kDialogIcons{{
 }};
 
 // A sign on a disc, sharp in any size.
-class DiscIcon final : public QIconEngine {
+class DiscIcon final : public PaintedIconEngine {
   public:
     explicit DiscIcon(const DialogIcon& icon) : icon_(icon) {}
 
@@ -43,15 +44,6 @@ class DiscIcon final : public QIconEngine {
         painter->setFont(font);
         painter->setPen(Qt::white);
         painter->drawText(rect, Qt::AlignCenter, icon_.sign);
-    }
-
-    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override
-    {
-        QPixmap pixmap(size);
-        pixmap.fill(Qt::transparent);
-        QPainter painter(&pixmap);
-        paint(&painter, pixmap.rect(), mode, state);
-        return pixmap;
     }
 
     QIconEngine* clone() const override { return new DiscIcon(icon_); }

@@ -7,7 +7,6 @@
 #include "scintilla_text.h"
 #include "source_link.h"
 
-#include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QRegularExpression>
 

@@ -2,9 +2,9 @@
 
 #include "action_icons.h"
 #include "board_monitor.h"
+#include "painted_icon_engine.h"
 #include "pins_client.h"
 
-#include <QIconEngine>
 #include <QPainter>
 #include <QStyle>
 
@@ -22,7 +22,7 @@ constexpr std::chrono::milliseconds kUpdateInterval{50};
 constexpr int kIconSpace = 16;  // pixels
 
 // The icon of the board with its LED.
-class BoardIconEngine final : public QIconEngine {
+class BoardIconEngine final : public PaintedIconEngine {
   public:
     explicit BoardIconEngine(std::shared_ptr<const double> brightness)
         : board_(ActionIcon(Action::Board)), brightness_(std::move(brightness))
@@ -43,15 +43,6 @@ class BoardIconEngine final : public QIconEngine {
         const double radius = rect.width() * 0.17;
         painter->drawEllipse(QRectF(rect).center(), radius, radius);
         painter->restore();
-    }
-
-    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override
-    {
-        QPixmap pixmap(size);
-        pixmap.fill(Qt::transparent);
-        QPainter painter(&pixmap);
-        paint(&painter, pixmap.rect(), mode, state);
-        return pixmap;
     }
 
     QIconEngine* clone() const override { return new BoardIconEngine(brightness_); }

@@ -1,9 +1,10 @@
 #include "picture_icon.h"
 
+#include "painted_icon_engine.h"
+
 #include <QFile>
 #include <QGuiApplication>
 #include <QHash>
-#include <QIconEngine>
 #include <QPainter>
 #include <QPalette>
 #include <QSvgRenderer>
@@ -24,7 +25,7 @@ QByteArray InColorsOf(const QPalette& palette, QByteArray picture)
     return picture.replace("background", color(QPalette::Base));
 }
 
-class PictureEngine final : public QIconEngine {
+class PictureEngine final : public PaintedIconEngine {
   public:
     explicit PictureEngine(const QByteArray& picture) : picture_(picture) {}
 
@@ -39,15 +40,6 @@ class PictureEngine final : public QIconEngine {
         painter->setOpacity(mode == QIcon::Disabled ? kDisabledOpacity : 1.0);
         renderer_.render(painter, QRectF(rect));
         painter->restore();
-    }
-
-    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override
-    {
-        QPixmap pixmap(size);
-        pixmap.fill(Qt::transparent);
-        QPainter painter(&pixmap);
-        paint(&painter, QRect(QPoint(0, 0), size), mode, state);
-        return pixmap;
     }
 
     QIconEngine* clone() const override { return new PictureEngine(picture_); }
