@@ -122,7 +122,7 @@ bool IsProcessRunning(const QString& name)
     QProcess list;
     list.start("ps",
                {"-o", "args=", "--ppid", QString::number(QCoreApplication::applicationPid())});
-    list.waitForFinished();
+    Require(list.waitForFinished(), "the list of processes");
     return list.readAllStandardOutput().contains(name.toUtf8());
 }
 
