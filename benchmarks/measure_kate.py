@@ -41,7 +41,7 @@ def main():
         print(f"the start of Kate is not measured without {', '.join(missing)}")
         return
     # A separate session bus, so that no other Kate is asked to open the document.
-    command = ["dbus-run-session", "--", "kate", "-n", DOCUMENT]
+    command = ["dbus-run-session", "--", "kate", "--block", "-n", DOCUMENT]
     with tempfile.TemporaryDirectory() as folder, Screen() as screen:
         homes = [make_home(folder, is_enabled) for is_enabled in (False, True)]
         rounds = [

@@ -97,7 +97,7 @@ QPlainTextEdit* Output()
     return Front().window()->findChild<QPlainTextEdit*>("micropython_output");
 }
 
-int CountOutput(const QString& text)
+qsizetype CountOutput(const QString& text)
 {
     return Output() != nullptr ? Output()->toPlainText().count(text) : 0;
 }
