@@ -169,8 +169,11 @@ void BoardMonitor::DetachVirtualBoard()
 
 std::string BoardMonitor::pinsPath() const
 {
-    return board_.kind == Kind::Virtual && virtualBoard_ ? virtualBoard_->pinsPath()
-                                                         : std::string();
+    if (board_.kind != Kind::Virtual) {
+        return {};
+    }
+    return virtualBoard_ && !IsStarting() ? virtualBoard_->pinsPath()
+                                          : VirtualBoard::NamedPinsPath();
 }
 
 void BoardMonitor::Fail(const std::string& error)
