@@ -80,6 +80,22 @@ TEST(BoardMonitor, ShowsTheToolOnlyTheChosenBoard)
     EXPECT_EQ(questions, 1);
 }
 
+TEST(BoardMonitor, ABoardThatTheEnvironmentNamesIsNotTheUsersChoice)
+{
+    const auto ports = [] { return std::vector{kPico, kEsp}; };
+    setenv("QUILP_BOARD", kPico.node.c_str(), 1);
+    BoardMonitor monitor("/no/program", "/no/folder", ports, nullptr);
+    EXPECT_EQ(monitor.userChoice(), std::nullopt);
+    monitor.RestoreChoice(kEsp);
+    EXPECT_EQ(monitor.userChoice(), kEsp) << "It would be forgotten.";
+    EXPECT_EQ(monitor.board().port, kPico);
+    EXPECT_EQ(NamedBoard(), kPico.node);
+    monitor.Choose(kEsp);
+    EXPECT_EQ(NamedBoard(), kEsp.node);
+    monitor.Choose(std::nullopt);
+    EXPECT_EQ(monitor.userChoice(), std::nullopt);
+}
+
 TEST(BoardMonitor, UsesTheVirtualBoardThatTheEnvironmentNames)
 {
     const TemporaryFolder folder;
