@@ -117,6 +117,16 @@ void Press(Qt::Key key)
     QTest::keyClick(window.windowHandle(), key, Qt::ControlModifier | Qt::AltModifier);
 }
 
+// At the prompt.
+void Enter(const QString& text)
+{
+    Trigger("quilp_prompt");
+    auto* const field = Front().window()->focusWidget();
+    QTest::keyClicks(field, text);
+    QTest::keyClick(field, Qt::Key_Return);
+    WaitForOutput("\n" + text + "\n");
+}
+
 bool IsProcessRunning(const QString& name)
 {
     QProcess list;
@@ -256,6 +266,7 @@ void UnloadAndReload()
 void CloseWindows()
 {
     auto& first = Front();
+    Enter("'first'");
     Press(Qt::Key_R);
     WaitForOutput("flood 1\n");
     Trigger("view_new_view");
@@ -272,6 +283,7 @@ void CloseWindows()
     Press(Qt::Key_S);
     WaitFor("the stop", [] { return !FindAction(Front(), "QuilpStop")->isEnabled(); });
     OpenBoardMenu();
+    Enter("'second'");
 }
 
 const std::map<std::string, std::function<void()>> kScenarios{

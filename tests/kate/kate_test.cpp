@@ -92,6 +92,10 @@ TEST_P(Kate, WorksForAUserAndLeavesNoProcessBehind)
     EXPECT_TRUE(WaitUntil([&] { return ProcessesOf(home_.path()).empty(); }))
         << testing::PrintToString(ProcessesOf(home_.path()));
     EXPECT_TRUE(board_.IsAtPrompt()) << "The board was not stopped.";
+    if (std::string_view(GetParam()) == "CloseWindows") {
+        const std::string settings = ReadFile(home_ / ".config/katerc");
+        EXPECT_NE(settings.find("PromptHistory='first','second'\n"), std::string::npos) << settings;
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(, Kate,
