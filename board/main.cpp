@@ -2,6 +2,8 @@
 
 #include "board.h"
 #include "descriptors.h"
+#include "local_socket.h"
+#include "pins_path.h"
 #include "process_setup.h"
 
 #include <getopt.h>
@@ -14,6 +16,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <expected>
 #include <filesystem>
 #include <string>
@@ -30,7 +33,8 @@ constexpr const char* kUsage =
     "again, and SIGINT and SIGTERM terminate the program.\n"
     "  --link PATH    make PATH a symbolic link to the serial device while the board is plugged "
     "in\n"
-    "  --pins PATH    serve the state of the pins on the local socket PATH\n"
+    "  --pins PATH    serve the state of the pins on the local socket PATH; by default on that of\n"
+    "                 the link with \".pins\" appended\n"
     "  --heap SIZE    the memory for programs, from 64K to 1024M; 256K by default\n"
     "  --parent PID   exit when the parent process PID exits, and remove the folder of the link\n"
     "  --version      show the version and exit\n"
@@ -168,15 +172,28 @@ std::expected<void, std::string> RunBoard(BoardOptions options, int commands)
     return board.Run(commands);
 }
 
+// Serves the pins beside the link, where the editor finds them, unless the user wants another path.
+void ChoosePinsPath(BoardOptions& options)
+{
+    if (!options.pins.empty() || options.link.empty()) {
+        return;
+    }
+    const std::string path = PinsPathFor(options.link);
+    if (CanBeSocketPath(path)) {
+        options.pins = path;
+    } else {
+        std::fprintf(stderr, "virtual-board: warning: the pins are not served: %s is too long\n",
+                     path.c_str());
+    }
+}
+
 int Fail(const std::string& message)
 {
     std::fprintf(stderr, "virtual-board: %s\n", message.c_str());
     return 1;
 }
 
-}  // namespace
-
-int main(int argc, char** argv)
+int RunProgram(int argc, char** argv)
 {
     PrepareProcess();
     const int commands = CommandsFromSignals();
@@ -196,9 +213,21 @@ int main(int argc, char** argv)
     options.interpreter.program = FromEnvironment("QUILP_MICROPYTHON", micropython.string());
     options.interpreter.script = (ProgramFolder() / QUILP_INTERPRETER_SCRIPT).string();
 
+    ChoosePinsPath(options);
     const auto served = RunBoard(std::move(options), commands);
     if (arguments.removesLinkFolder) {
         std::filesystem::remove(std::filesystem::path(arguments.board.link).parent_path(), error);
     }
     return served ? 0 : Fail(served.error());
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return RunProgram(argc, argv);
+    } catch (const std::exception& error) {
+        return Fail(error.what());
+    }
 }

@@ -131,7 +131,7 @@ void KateHost::SaveBoard()
 {
     auto& group = settings_.group();
     QStringList port;
-    if (const auto& choice = board_.choice()) {
+    if (const auto& choice = board_.userChoice()) {
         for (const auto& part : {choice->node, choice->name, choice->id}) {
             port.append(QString::fromStdString(part));
         }

@@ -12,6 +12,7 @@
 
 #include <KAcceleratorManager>
 #include <KActionCollection>
+#include <KConfig>
 #include <KSyntaxHighlighting/Theme>
 #include <KTextEditor/Document>
 #include <KTextEditor/Editor>
@@ -90,13 +91,23 @@ KateWindow::KateWindow(KateHost& host, KTextEditor::Plugin& plugin,
 KateWindow::~KateWindow()
 {
     if (toolView_) {
-        host_.settings().writeEntry(kHistoryEntry, field_->promptHistory());
+        KeepPromptHistory();
     }
     host_.Remove(*this);
     mainWindow_.guiFactory()->removeClient(this);
     delete prompt_;
     delete toolView_;
     delete boardView_;
+}
+
+// Another window may have kept its own inputs since this one was opened.
+void KateWindow::KeepPromptHistory()
+{
+    auto& settings = host_.settings();
+    settings.config()->reparseConfiguration();
+    const QStringList kept = settings.readEntry(kHistoryEntry, QStringList());
+    settings.writeEntry(kHistoryEntry, field_->PromptHistoryAppendedTo(kept));
+    settings.sync();
 }
 
 void KateWindow::MakeToolView(KTextEditor::Plugin& plugin)

@@ -33,6 +33,7 @@ class KateWindow final : public QObject, public KXMLGUIClient {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
+    void KeepPromptHistory();
     void MakeToolView(KTextEditor::Plugin& plugin);
     void MakeBoardView(KTextEditor::Plugin& plugin);
     void MakeBoardMenu(QWidget& parent);

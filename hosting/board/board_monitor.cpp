@@ -36,7 +36,7 @@ BoardMonitor::BoardMonitor(std::string program, std::string boardFolder, FindPor
     connect(&startTimer_, &QTimer::timeout, this, &BoardMonitor::PollStart);
     if (const char* const node = std::getenv(kBoardVariable)) {
         choice_ = BoardPort{node, {}, {}};
-        isBoardNamed_ = true;
+        isBoardNamed_ = isChosenByEnvironment_ = true;
         VirtualBoard::ForgetNamedLink();  // The tool ignores it, too.
     }
     board_ = FindBoard();
@@ -114,14 +114,18 @@ void BoardMonitor::Poll()
 
 void BoardMonitor::Choose(std::optional<BoardPort> port)
 {
-    choice_ = std::move(port);
+    choice_ = userChoice_ = std::move(port);
+    isChosenByEnvironment_ = false;
     hasAsked_ = true;
     DetachVirtualBoard();
 }
 
 void BoardMonitor::RestoreChoice(BoardPort port)
 {
-    choice_ = std::move(port);
+    userChoice_ = std::move(port);
+    if (!isChosenByEnvironment_) {
+        choice_ = userChoice_;
+    }
     hasAsked_ = true;
     Poll();
 }
@@ -169,8 +173,11 @@ void BoardMonitor::DetachVirtualBoard()
 
 std::string BoardMonitor::pinsPath() const
 {
-    return board_.kind == Kind::Virtual && virtualBoard_ ? virtualBoard_->pinsPath()
-                                                         : std::string();
+    if (board_.kind != Kind::Virtual) {
+        return {};
+    }
+    return virtualBoard_ && !IsStarting() ? virtualBoard_->pinsPath()
+                                          : VirtualBoard::NamedPinsPath();
 }
 
 void BoardMonitor::Fail(const std::string& error)

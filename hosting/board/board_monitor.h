@@ -50,9 +50,13 @@ class BoardMonitor final : public QObject {
     const std::vector<BoardPort>& ports() const { return ports_; }
     const std::string& boardFolder() const { return boardFolder_; }
 
-    // What the user chose: a real board, or none in particular. The environment may have named one
-    // when the program was started. Choosing detaches the virtual board.
+    // The chosen board: a real one, or none in particular. Until the user chooses, one that the
+    // environment names takes precedence over the choice of an earlier session.
     const std::optional<BoardPort>& choice() const { return choice_; }
+    bool isChosenByEnvironment() const { return isChosenByEnvironment_; }
+    // What the user chose in this or an earlier session, to be kept for the next one.
+    const std::optional<BoardPort>& userChoice() const { return userChoice_; }
+    // Detaches the virtual board.
     void Choose(std::optional<BoardPort> port);
     // What the user chose in an earlier session. The virtual board remains attached.
     void RestoreChoice(BoardPort port);
@@ -92,6 +96,8 @@ class BoardMonitor final : public QObject {
     FindPorts findPorts_;
     std::vector<BoardPort> ports_;
     std::optional<BoardPort> choice_;
+    std::optional<BoardPort> userChoice_;
+    bool isChosenByEnvironment_ = false;
     bool hasAsked_ = false;
     bool isBoardNamed_ = false;  // In the environment.
     std::optional<VirtualBoard> virtualBoard_;

@@ -22,7 +22,7 @@ class CommandMonitor final : public QObject {
 
     bool IsRunning() const { return isRunning_; }
     const BoardCommand& command() const { return command_; }
-    // How much of the file has been copied; none if that is unknown.
+    // How much of all files has been copied; none if that is unknown.
     std::optional<int> percent() const { return percent_; }
     // What runs, with the seconds once it takes long; for a few seconds afterwards, how it ended.
     QString Text() const;

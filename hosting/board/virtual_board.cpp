@@ -1,15 +1,15 @@
 #include "virtual_board.h"
 
 #include "descriptors.h"
-#include "local_socket.h"
+#include "pins_path.h"
 
 #include <poll.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -17,9 +17,12 @@ namespace {
 // The variable with the path at which the tool's launcher searches for a virtual board.
 constexpr const char* kLinkVariable = "QUILP_VIRTUAL_BOARD";
 
+// The variable with the path of the socket of its pins, if that is not beside the link.
+constexpr const char* kPinsVariable = "QUILP_VIRTUAL_BOARD_PINS";
+
 constexpr std::chrono::seconds kStartTimeout{10};
 constexpr std::chrono::milliseconds kStopTimeout{500};
-constexpr std::chrono::duration<int, std::milli> kPollInterval{100};
+constexpr std::chrono::duration<int, std::milli> kOutputWait{100};
 
 std::string MakePrivateFolder()
 {
@@ -37,9 +40,18 @@ std::string LinkIn(const std::string& folder)
     return folder + "/port";
 }
 
-std::string PinsIn(const std::string& folder)
+std::optional<std::string> LastLine(std::string text)
 {
-    return folder + "/pins";
+    while (text.ends_with('\n')) {
+        text.pop_back();
+    }
+    return text.empty() ? std::nullopt : std::optional(text.substr(text.rfind('\n') + 1));
+}
+
+std::string FromEnvironment(const char* name)
+{
+    const char* const value = std::getenv(name);
+    return value != nullptr ? value : "";
 }
 
 }  // namespace
@@ -59,14 +71,9 @@ std::expected<VirtualBoard, std::string> VirtualBoard::Start(const std::string& 
         return std::unexpected(
             "The virtual board cannot be started: cannot create a temporary folder");
     }
-    std::vector<std::string> words{program, "--parent", std::to_string(getpid()), "--link",
-                                   LinkIn(linkFolder)};
-    // In a temporary folder with a very long path the board works without its panel.
-    if (const auto pins = PinsIn(linkFolder); CanBeSocketPath(pins)) {
-        words.insert(words.end(), {"--pins", pins});
-    }
-    words.insert(words.end(), {"--", folder});
-    auto process = ChildProcess::Start(words, CurrentEnvironment());
+    auto process = ChildProcess::Start(
+        {program, "--parent", std::to_string(getpid()), "--link", LinkIn(linkFolder), "--", folder},
+        CurrentEnvironment());
     if (!process) {
         std::error_code ignored;
         std::filesystem::remove(linkFolder, ignored);
@@ -80,15 +87,17 @@ std::expected<bool, std::string> VirtualBoard::CheckReady()
     // Checked before reading, so that all output of a finished process is read.
     const bool isOver = process_.HasExited() || std::chrono::steady_clock::now() >= deadline_;
     output_ += ReadAvailable(process_.outputFd());
-    const auto end = output_.find('\n');
-    if (end == std::string::npos && !isOver) {
-        return false;
-    }
-    const std::string line = output_.substr(0, end);
-    if (!line.starts_with("/dev/")) {
+    // Warnings may come first.
+    const auto begin = ("\n" + output_).find("\n/dev/");
+    const auto end = output_.find('\n', begin);
+    if (begin == std::string::npos || end == std::string::npos) {
+        if (!isOver) {
+            return false;
+        }
         return std::unexpected("The virtual board did not start: " +
-                               (line.empty() ? "it printed nothing" : line));
+                               LastLine(output_).value_or("it printed nothing"));
     }
+    output_.erase(0, end + 1);
     setenv(kLinkVariable, LinkIn(linkFolder_).c_str(), 1);
     return true;
 }
@@ -102,23 +111,19 @@ std::expected<void, std::string> VirtualBoard::WaitUntilReady()
             return {};
         }
         pollfd output{process_.outputFd(), POLLIN, 0};
-        poll(&output, 1, kPollInterval.count());
+        poll(&output, 1, kOutputWait.count());
     }
 }
 
 std::string VirtualBoard::ExitReport()
 {
     output_ += ReadAvailable(process_.outputFd());
-    // After the first line, which was the device.
-    const std::string printed = output_.substr(std::min(output_.find('\n') + 1, output_.size()));
-    const std::string reason = printed.substr(0, printed.find('\n'));
-    return "The virtual board has stopped: " + (reason.empty() ? "it gave no reason" : reason);
+    return "The virtual board has stopped: " + LastLine(output_).value_or("it gave no reason");
 }
 
 std::string VirtualBoard::NamedLink()
 {
-    const char* const link = std::getenv(kLinkVariable);
-    return link != nullptr ? link : "";
+    return FromEnvironment(kLinkVariable);
 }
 
 void VirtualBoard::ForgetNamedLink()
@@ -126,9 +131,15 @@ void VirtualBoard::ForgetNamedLink()
     unsetenv(kLinkVariable);
 }
 
+std::string VirtualBoard::NamedPinsPath()
+{
+    const std::string path = FromEnvironment(kPinsVariable);
+    return path.empty() ? PinsPathFor(NamedLink()) : path;
+}
+
 std::string VirtualBoard::pinsPath() const
 {
-    return PinsIn(linkFolder_);
+    return PinsPathFor(LinkIn(linkFolder_));
 }
 
 VirtualBoard::~VirtualBoard()

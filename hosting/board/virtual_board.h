@@ -29,6 +29,8 @@ class VirtualBoard {
     // The link to a virtual board that another program runs, by which the environment names it for
     // tools; empty if it names none.
     static std::string NamedLink();
+    // The path of the socket of its pins. It serves them there unless it was started otherwise.
+    static std::string NamedPinsPath();
     // Makes tools search for other boards.
     static void ForgetNamedLink();
 
@@ -45,6 +47,6 @@ class VirtualBoard {
 
     ChildProcess process_;
     std::string linkFolder_;
-    std::string output_;
+    std::string output_;                              // Since it was ready.
     std::chrono::steady_clock::time_point deadline_;  // For becoming ready.
 };

@@ -84,7 +84,7 @@ void BoardPanel::MakeContents()
 
 void BoardPanel::ShowBoard()
 {
-    picture_->setEnabled(pins_.hasBoard());
+    picture_->setEnabled(pins_.hasBoard() && pins_.problem().isEmpty());
     attach_->setVisible(!pins_.hasBoard());
     if (!pins_.hasBoard()) {
         RemoveUnused();
@@ -95,7 +95,8 @@ void BoardPanel::ShowBoard()
 void BoardPanel::ShowHint()
 {
     const bool isEmpty = rowOf_.empty() && stripOf_.empty();
-    hint_->setText(pins_.hasBoard()
+    hint_->setText(!pins_.problem().isEmpty() ? pins_.problem()
+                   : pins_.hasBoard()
                        ? tr("Run a program that uses the pins, such as examples/blink.py. Its LED, "
                             "NeoPixels and pins appear here, and you can press its buttons.")
                        : tr("The virtual board shows its LED and its pins here. A real board "

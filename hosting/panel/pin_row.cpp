@@ -63,7 +63,11 @@ PinRow::PinRow(const QString& pin, QWidget* parent) : Card(pin, parent)
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     restTimer_.setSingleShot(true);
     restTimer_.setInterval(kRest);
-    connect(&restTimer_, &QTimer::timeout, this, &PinRow::Describe);
+    connect(&restTimer_, &QTimer::timeout, this, [this] {
+        driven_.reset();
+        ShowInControl();
+        Describe();
+    });
     MakeControl();
     Describe();
 }
@@ -99,6 +103,7 @@ void PinRow::MakeControl()
 {
     delete std::exchange(button_, nullptr);
     delete std::exchange(slider_, nullptr);
+    driven_.reset();
     if (state_.mode == Mode::In) {
         button_ = new InputButton(this);
         button_->SetPin(pin());
@@ -111,11 +116,17 @@ void PinRow::MakeControl()
         slider_->setSingleStep(PinState::kMax / 100);
         slider_->setPageStep(PinState::kMax / 10);
         slider_->setAccessibleName(tr("Voltage at pin %1").arg(pin()));
-        connect(slider_, &QSlider::valueChanged, this,
-                [this](int value) { Q_EMIT AnalogDriven(pin(), value); });
+        connect(slider_, &QSlider::valueChanged, this, &PinRow::Drive);
         slider_->show();
     }
     PlaceControl();
+}
+
+void PinRow::Drive(int value)
+{
+    driven_ = value;
+    restTimer_.start();
+    Q_EMIT AnalogDriven(pin(), value);
 }
 
 void PinRow::PlaceControl()
@@ -136,7 +147,11 @@ void PinRow::ShowInControl()
     if (button_ != nullptr) {
         button_->ShowLevel(state_.value);
     }
-    if (slider_ != nullptr && !slider_->isSliderDown()) {
+    if (driven_ == state_.analog) {
+        driven_.reset();
+    }
+    // An older value would take the user's last steps back.
+    if (slider_ != nullptr && !slider_->isSliderDown() && !driven_) {
         const QSignalBlocker blocker(slider_);
         slider_->setValue(state_.analog);
         slider_->setToolTip(tr("The program reads %1 of 65535").arg(state_.analog));

@@ -39,6 +39,7 @@ class PinRow final : public Card {
     void MakeControl();
     void PlaceControl();
     void ShowInControl();
+    void Drive(int value);
     void Describe();
     QRect ValueRect() const;
     QRect MeterRect() const;
@@ -48,5 +49,6 @@ class PinRow final : public Card {
     PinState state_;
     InputButton* button_ = nullptr;
     QSlider* slider_ = nullptr;  // Of an ADC, otherwise null.
+    std::optional<int> driven_;  // The slider's value, until the board reports it.
     QTimer restTimer_;           // Until the state counts as at rest.
 };

@@ -3,6 +3,7 @@
 #include "board_monitor.h"
 #include "descriptors.h"
 #include "local_socket.h"
+#include "path_text.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -13,6 +14,7 @@
 namespace {
 
 constexpr std::chrono::milliseconds kRetryInterval{250};
+constexpr int kMaxAttempts = 40;   // Ten seconds.
 constexpr int kMaxLine = 1 << 20;  // bytes
 
 }  // namespace
@@ -41,6 +43,8 @@ void PinsClient::SetPath(const std::string& path)
         return;
     }
     Disconnect();
+    attempts_ = 0;
+    problem_.clear();
     Reset();
     Q_EMIT BoardChanged();
     if (hasBoard()) {
@@ -52,10 +56,28 @@ void PinsClient::Connect()
 {
     fd_ = ConnectToLocalSocket(path_);
     if (fd_ < 0) {
-        return retryTimer_.start();
+        return TryLater();
     }
     notifier_ = std::make_unique<QSocketNotifier>(fd_, QSocketNotifier::Read);
     connect(notifier_.get(), &QSocketNotifier::activated, this, [this] { Read(); });
+}
+
+void PinsClient::TryLater()
+{
+    if (!CanBeSocketPath(path_)) {
+        GiveUp(tr("the path %1 is too long for a socket"));
+    } else if (++attempts_ >= kMaxAttempts) {
+        GiveUp(tr("nothing serves them at %1"));
+    } else {
+        retryTimer_.start();
+    }
+}
+
+void PinsClient::GiveUp(const QString& reason)
+{
+    problem_ = tr("The pins of this virtual board cannot be shown: %1.")
+                   .arg(reason.arg(PathToText(path_)));
+    Q_EMIT BoardChanged();
 }
 
 void PinsClient::Disconnect()
@@ -75,7 +97,7 @@ void PinsClient::Break()
 {
     Disconnect();
     Reset();
-    retryTimer_.start();
+    TryLater();
 }
 
 void PinsClient::Reset()
@@ -90,6 +112,7 @@ void PinsClient::Read()
     if (bytes.empty() || (received_.size() > kMaxLine && !received_.contains('\n'))) {
         return Break();
     }
+    attempts_ = 0;
     const auto end = received_.lastIndexOf('\n') + 1;
     const auto lines = received_.left(end).split('\n');
     received_.remove(0, end);

@@ -35,6 +35,11 @@ class InputField final : public QWidget {
 
     // What was entered at the prompt, for hosts to keep.
     QStringList promptHistory() const { return promptHistory_.entries(); }
+    // The same for hosts with several windows: what they kept, with what was entered here.
+    QStringList PromptHistoryAppendedTo(const QStringList& entries) const
+    {
+        return promptHistory_.AppendedTo(entries);
+    }
     void SetPromptHistory(const QStringList& entries) { promptHistory_.SetEntries(entries); }
 
     void SetTextFont(const QFont& font);

@@ -1,11 +1,24 @@
 #include "input_history.h"
 
+#include <algorithm>
+
 void InputHistory::SetEntries(const QStringList& entries)
 {
     entries_.clear();
     for (const auto& entry : entries) {
         Add(entry);
     }
+    added_ = 0;
+}
+
+QStringList InputHistory::AppendedTo(const QStringList& entries) const
+{
+    InputHistory all;
+    all.SetEntries(entries);
+    for (const auto& entry : entries_.mid(entries_.size() - added_)) {
+        all.Add(entry);
+    }
+    return all.entries_;
 }
 
 void InputHistory::Add(const QString& text)
@@ -14,6 +27,7 @@ void InputHistory::Add(const QString& text)
     if (isNew && !text.trimmed().isEmpty() && text.size() <= kMaxLength) {
         entries_.append(text);
         entries_ = entries_.mid(std::max<QtSize>(0, entries_.size() - kMaxEntries));
+        added_ = std::min(added_ + 1, kMaxEntries);
     }
     index_ = entries_.size();
     draft_.clear();

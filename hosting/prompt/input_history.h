@@ -17,6 +17,8 @@ class InputHistory {
     // From the oldest to the newest.
     const QStringList& entries() const { return entries_; }
     void SetEntries(const QStringList& entries);
+    // These entries, followed by those that were added here since SetEntries.
+    QStringList AppendedTo(const QStringList& entries) const;
 
     // Ends walking. Adds the text, unless it equals the newest entry.
     void Add(const QString& text);
@@ -30,6 +32,7 @@ class InputHistory {
     QString Text(QtSize index) const;
 
     QStringList entries_;
+    QtSize added_ = 0;  // The number of entries since SetEntries.
     QtSize index_ = 0;  // The number of entries before the shown text.
     QString draft_;     // The text of the start.
 };

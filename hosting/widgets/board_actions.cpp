@@ -57,7 +57,7 @@ void BoardActions::UseVirtualBoard()
 void BoardActions::RestoreVirtualBoard()
 {
     usesVirtualBoard_ = true;
-    if (VirtualBoard::NamedLink().empty()) {
+    if (VirtualBoard::NamedLink().empty() && !parts_.board.isChosenByEnvironment()) {
         parts_.board.AttachVirtualBoard();
     }
 }

@@ -35,7 +35,7 @@ class BoardActions final : public QObject {
     void UseBoard(std::optional<BoardPort> port);
     // Attaches the virtual board, now and whenever the host starts, until it is detached.
     void UseVirtualBoard();
-    // The same as in an earlier session, unless the environment names another virtual board.
+    // The same as in an earlier session, unless the environment names another board.
     void RestoreVirtualBoard();
     void DetachVirtualBoard();
     bool usesVirtualBoard() const { return usesVirtualBoard_; }

@@ -15,7 +15,8 @@ If mpremote is terminated, its terminal is closed, or its output pipe is closed,
 the program on the board. Without this, the program would keep running.
 
 If the environment variable QUILP_PROGRESS is the number of an open descriptor, lines such as "1024 4096"
-are written to it while a file is copied: the bytes that were copied, and those of the file.
+are written to it while files are copied: the bytes that were copied, and those of all files, as far as
+that is known.
 
 mpremote starts and communicates faster than by itself (lazy_imports.py, fast_transport.py). The
 environment variable QUILP_PLAIN_MPREMOTE=1 turns this off.
@@ -70,6 +71,7 @@ END_OF_OUTPUT = b"\x04"  # Follows what a program prints.
 INPUT_SIZE = 4096  # Bytes that are read at once. More are read when these have been sent.
 OUTPUT_SIZE = 65536  # Bytes of output that may wait for their reader.
 MOUNT_REQUEST = b"\x18"  # Begins a request of a board on which a folder is mounted.
+IS_FOLDER = 0x4000  # In the mode of a file.
 REPORT_INTERVAL = 0.05  # Seconds between two reports of progress.
 QUIET_TIME = 0.3  # Seconds without such requests before input is sent.
 
@@ -295,25 +297,85 @@ def mount_folder_for_run(tool, folder):
     sys.argv[1:1] = ["mount", folder]
 
 
-def report_progress(commands):
+def size_of(path):
+    """The bytes of a file, or of all files in a folder."""
+    paths = [path]
+    if os.path.isdir(path):
+        walk = os.walk(path, followlinks=True)
+        paths = [os.path.join(folder, name) for folder, _, names in walk for name in names]
+    size = 0
+    for file in paths:
+        with contextlib.suppress(OSError):  # mpremote reports it.
+            size += os.path.getsize(file)
+    return size
+
+
+class CopyProgress:
+    """Reports how much of all files of a command has been copied."""
+
+    def __init__(self, descriptor):
+        self.descriptor = descriptor
+        self.total = 0  # As far as it is known.
+        self.copied = 0  # The files that are finished.
+        self.file_size = 0  # Of the present one.
+        self.next_report = 0.0
+
+    def report(self, size):
+        done = self.copied + size
+        total = max(self.total, self.copied + self.file_size)
+        now = time.monotonic()
+        if now >= self.next_report or done >= total:
+            self.next_report = now + REPORT_INTERVAL
+            with contextlib.suppress(OSError):  # Nobody reads it.
+                os.write(self.descriptor, b"%d %d\n" % (done, total))
+
+    def begin(self, transport, args):
+        sources = args.path[:-1] if args.command[0] == "cp" else []
+        self.total = sum(size_of(path) for path in sources if not path.startswith(":"))
+        self.copied = 0
+        if sources and args.recursive:
+            transport.fs_listdir = lambda path: self.list_board(transport, path)
+
+    def list_board(self, transport, path):
+        """Of a folder on the board, all files are listed before the first one is copied."""
+        entries = type(transport).fs_listdir(transport, path)
+        self.total += sum(entry.st_size for entry in entries if not entry.st_mode & IS_FOLDER)
+        return entries
+
+    def show(self, size, total_size):
+        self.file_size = total_size
+        self.report(size)
+
+    def copy(self, copy_by_mpremote, state, source, *args):
+        self.file_size = 0 if source.startswith(":") else size_of(source)
+        copy_by_mpremote(state, source, *args)
+        self.copied += self.file_size  # Also if the board has the same file already.
+        self.file_size = 0
+        self.report(0)
+
+
+def report_progress(tool, commands):
     number = os.environ.pop("QUILP_PROGRESS", "")
     show = getattr(commands, "show_progress_bar", None)
-    # Of a folder's files, each would start anew.
-    if not number.isdigit() or not show or not {"-r", "--recursive"}.isdisjoint(sys.argv):
+    copy = getattr(commands, "do_filesystem_cp", None)
+    if not number.isdigit() or not show or not copy:
         return
     os.set_blocking(int(number), False)
-    next_report = 0
+    progress = CopyProgress(int(number))
+    perform, parser = tool._COMMANDS["fs"]
+
+    def perform_with_progress(state, args):
+        state.ensure_raw_repl()
+        progress.begin(state.transport, args)
+        perform(state, args)
 
     def show_and_report(size, total_size, *args, **kwargs):
-        nonlocal next_report
         show(size, total_size, *args, **kwargs)
-        now = time.monotonic()
-        if now >= next_report or size >= total_size:
-            next_report = now + REPORT_INTERVAL
-            with contextlib.suppress(OSError):  # Nobody reads it.
-                os.write(int(number), b"%d %d\n" % (size, total_size))
+        progress.show(size, total_size)
 
+    tool._COMMANDS["fs"] = perform_with_progress, parser
     commands.show_progress_bar = show_and_report
+    commands.do_filesystem_cp = lambda *args: progress.copy(copy, *args)
 
 
 def load_tool():
@@ -328,7 +390,7 @@ def load_tool():
         fast_transport.show_returned_bytes_at_prompt(console.Console)
     connect_programs_with_standard_streams(tool, transport_serial.SerialTransport)
     improve_mount(tool, transport_serial)
-    report_progress(commands)
+    report_progress(tool, commands)
     return tool
 
 

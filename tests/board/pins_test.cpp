@@ -189,6 +189,17 @@ time.sleep(0.1)
 )",
          {{R"({"neopixel":"0","pixels":[[0,0,0],[255,2,3]]})", ""}},
          ""},
+        {"names",
+         R"(
+for name in (48, 'GP0', 'GPIO29', 'LED', 'WL_GPIO0', 'GPIO30', 'GP05', 'gp5', 'GPIO', ''):
+    try: print(repr(Pin(name)).split(',')[0], end=' ')
+    except ValueError as error: print(error, end=' ')
+print(repr(Pin.cpu.GPIO15) == repr(Pin.board.GP15))
+)",
+         {},
+         "Pin(GPIO48 Pin(GPIO0 Pin(GPIO29 Pin(\"LED\" Pin(\"LED\" unknown named pin \"GPIO30\" "
+         "unknown named pin \"GP05\" unknown named pin \"gp5\" unknown named pin \"GPIO\" "
+         "unknown named pin \"\" True\r\n"},
         {"no devices",
          R"(
 import dht, network, machine

@@ -97,7 +97,7 @@ QPlainTextEdit* Output()
     return Front().window()->findChild<QPlainTextEdit*>("micropython_output");
 }
 
-int CountOutput(const QString& text)
+qsizetype CountOutput(const QString& text)
 {
     return Output() != nullptr ? Output()->toPlainText().count(text) : 0;
 }
@@ -117,12 +117,22 @@ void Press(Qt::Key key)
     QTest::keyClick(window.windowHandle(), key, Qt::ControlModifier | Qt::AltModifier);
 }
 
+// At the prompt.
+void Enter(const QString& text)
+{
+    Trigger("quilp_prompt");
+    auto* const field = Front().window()->focusWidget();
+    QTest::keyClicks(field, text);
+    QTest::keyClick(field, Qt::Key_Return);
+    WaitForOutput("\n" + text + "\n");
+}
+
 bool IsProcessRunning(const QString& name)
 {
     QProcess list;
     list.start("ps",
                {"-o", "args=", "--ppid", QString::number(QCoreApplication::applicationPid())});
-    list.waitForFinished();
+    Require(list.waitForFinished(), "the list of processes");
     return list.readAllStandardOutput().contains(name.toUtf8());
 }
 
@@ -256,6 +266,7 @@ void UnloadAndReload()
 void CloseWindows()
 {
     auto& first = Front();
+    Enter("'first'");
     Press(Qt::Key_R);
     WaitForOutput("flood 1\n");
     Trigger("view_new_view");
@@ -272,6 +283,7 @@ void CloseWindows()
     Press(Qt::Key_S);
     WaitFor("the stop", [] { return !FindAction(Front(), "QuilpStop")->isEnabled(); });
     OpenBoardMenu();
+    Enter("'second'");
 }
 
 const std::map<std::string, std::function<void()>> kScenarios{

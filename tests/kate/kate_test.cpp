@@ -83,14 +83,19 @@ TEST_P(Kate, WorksForAUserAndLeavesNoProcessBehind)
     const bool usesTraceback = std::string_view(GetParam()) == "RunAndBrowse";
     const std::string document = home_.Write(
         "a b.py", usesTraceback ? ReadFile(QUILP_SOURCE "/examples/traceback.py") : flood);
+    // Without the option, newer versions of Kate leave the terminal and exit at once.
     const auto kate =
-        RunProgram({"xvfb-run", "-a", "dbus-run-session", "--", "kate", "-n", document},
+        RunProgram({"xvfb-run", "-a", "dbus-run-session", "--", "kate", "--block", "-n", document},
                    Variables(GetParam()));
     EXPECT_EQ(kate.status, 0) << kate.output;
     EXPECT_NE(kate.output.find("driver: done"), std::string::npos) << kate.output;
     EXPECT_TRUE(WaitUntil([&] { return ProcessesOf(home_.path()).empty(); }))
         << testing::PrintToString(ProcessesOf(home_.path()));
     EXPECT_TRUE(board_.IsAtPrompt()) << "The board was not stopped.";
+    if (std::string_view(GetParam()) == "CloseWindows") {
+        const std::string settings = ReadFile(home_ / ".config/katerc");
+        EXPECT_NE(settings.find("PromptHistory='first','second'\n"), std::string::npos) << settings;
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(, Kate,

@@ -47,8 +47,8 @@ BoardProcess::BoardProcess(const Files& files)
 
 void BoardProcess::Start()
 {
-    process_ = std::make_unique<BackgroundProgram>(std::vector<std::string>{
-        QUILP_BIN "/virtual-board", "--link", link(), "--pins", pins(), files_.path()});
+    process_ = std::make_unique<BackgroundProgram>(
+        std::vector<std::string>{QUILP_BIN "/virtual-board", "--link", link(), files_.path()});
     if (!process_->WaitForOutput("\n")) {
         throw std::runtime_error("the board did not start: " + process_->output());
     }

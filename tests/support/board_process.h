@@ -39,7 +39,7 @@ class BoardProcess {
     // A permanent link to it.
     std::string link() const { return run_ / "port"; }
     // The socket that serves its pins.
-    std::string pins() const { return run_ / "pins"; }
+    std::string pins() const { return run_ / "port.pins"; }
     void SetPlugged(bool plugged);
     // The environment of programs that use this board.
     std::vector<std::string> variables() const;

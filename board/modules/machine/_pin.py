@@ -5,7 +5,8 @@ from _board import PinBase, DRIVE, MODE, OUT, PINS, PIN_COUNT, PIN_SIZE, PULL, R
 
 _LED = PIN_COUNT - 1
 _LED_NAMES = ("LED", "WL_GPIO0")
-_NAMED_COUNT = 30  # GP0 to GP29
+_NAME_STARTS = ("GP", "GPIO")  # With a number: names of the board and of its processor.
+_NAMED_COUNT = 30
 
 
 def _index(name):
@@ -17,9 +18,10 @@ def _index(name):
         raise ValueError("invalid pin")
     if name in _LED_NAMES:
         return _LED
-    if isinstance(name, str) and name[:2] == "GP" and name[2:].isdigit():
-        if int(name[2:]) < _NAMED_COUNT:
-            return int(name[2:])
+    for start in _NAME_STARTS:
+        number = name[len(start) :] if isinstance(name, str) else ""
+        if number.isdigit() and int(number) < _NAMED_COUNT and name == start + str(int(number)):
+            return int(number)
     raise ValueError('unknown named pin "%s"' % name)
 
 

@@ -78,9 +78,6 @@ void SessionKeeper::Restore()
 
 void SessionKeeper::RestoreBoard()
 {
-    if (parts_.board.choice()) {
-        return;  // By the command line.
-    }
     if (!last_.board.node.empty()) {
         parts_.board.RestoreChoice(last_.board);
     }
@@ -136,7 +133,7 @@ Session SessionKeeper::Current() const
         .folder = parts_.project.folder(),
         .target = parts_.project.target(),
         .foldersWithFiles = parts_.project.foldersWithFiles(),
-        .board = parts_.board.choice().value_or(BoardPort()),
+        .board = parts_.board.userChoice().value_or(BoardPort()),
         .usesVirtualBoard = parts_.boardActions.usesVirtualBoard(),
         .zoom = parts_.texts.zoom(),
         .savesBeforeCommands = parts_.frontSaver.savesFirst(),

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-// How much of a file has been copied, in bytes. [any]
+// How much of the files has been copied, in bytes. [any]
 struct Progress {
     long done = 0;
     long total = 0;

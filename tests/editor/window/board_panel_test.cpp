@@ -148,6 +148,32 @@ TEST_F(BoardPanelTest, DrivesAnAnalogInputByKeys)
     EXPECT_TRUE(editor().hasFocus());
 }
 
+TEST_F(BoardPanelTest, ASliderKeepsTheUsersStepsUntilTheBoardReportsThem)
+{
+    PinRow row("26", nullptr);
+    PinState state{.mode = PinState::Mode::Adc};
+    const auto report = [&](int analog) {
+        state.analog = analog;
+        row.Show(state);
+        return row.findChild<QSlider*>()->value();
+    };
+    report(0);
+    int driven = 0;
+    QObject::connect(&row, &PinRow::AnalogDriven,
+                     [&](const QString&, int value) { driven = value; });
+    auto* const slider = row.findChild<QSlider*>();
+    for (int i = 1; i <= 3; ++i) {
+        QTest::keyClick(slider, Qt::Key_Right);
+        EXPECT_EQ(report(slider->singleStep() * (i - 1)), slider->singleStep() * i);
+    }
+    EXPECT_EQ(driven, slider->singleStep() * 3);
+    report(driven);
+    EXPECT_EQ(report(7), 7) << "by another client";
+    QTest::keyClick(slider, Qt::Key_Home);
+    report(8);
+    EXPECT_TRUE(WaitUntil([&] { return slider->value() == 8; })) << "The step was lost.";
+}
+
 TEST_F(BoardPanelTest, IsRememberedWithItsWidth)
 {
     Start();

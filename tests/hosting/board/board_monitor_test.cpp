@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <cstdlib>
 #include <filesystem>
 
@@ -78,6 +80,22 @@ TEST(BoardMonitor, ShowsTheToolOnlyTheChosenBoard)
     EXPECT_EQ(questions, 1);
 }
 
+TEST(BoardMonitor, ABoardThatTheEnvironmentNamesIsNotTheUsersChoice)
+{
+    const auto ports = [] { return std::vector{kPico, kEsp}; };
+    setenv("QUILP_BOARD", kPico.node.c_str(), 1);
+    BoardMonitor monitor("/no/program", "/no/folder", ports, nullptr);
+    EXPECT_EQ(monitor.userChoice(), std::nullopt);
+    monitor.RestoreChoice(kEsp);
+    EXPECT_EQ(monitor.userChoice(), kEsp) << "It would be forgotten.";
+    EXPECT_EQ(monitor.board().port, kPico);
+    EXPECT_EQ(NamedBoard(), kPico.node);
+    monitor.Choose(kEsp);
+    EXPECT_EQ(NamedBoard(), kEsp.node);
+    monitor.Choose(std::nullopt);
+    EXPECT_EQ(monitor.userChoice(), std::nullopt);
+}
+
 TEST(BoardMonitor, UsesTheVirtualBoardThatTheEnvironmentNames)
 {
     const TemporaryFolder folder;
@@ -102,4 +120,23 @@ TEST(BoardMonitor, UsesTheVirtualBoardThatTheEnvironmentNames)
     EXPECT_TRUE(WaitUntil([&] { return monitor.board().kind == Kind::Missing; }));
     monitor.DetachVirtualBoard();
     EXPECT_EQ(monitor.board().kind, Kind::Real);
+}
+
+TEST(BoardMonitor, AVirtualBoardThatPrintsWarningsStartsAndReportsItsEnd)
+{
+    const TemporaryFolder folder;
+    const std::string program = folder.Write(
+        "board", "#!/bin/sh\necho a warning\necho /dev/null\nread line <$6/go\necho broken\n");
+    fs::permissions(program, fs::perms::owner_all);
+    ASSERT_EQ(mkfifo((folder / "go").c_str(), 0600), 0);
+    BoardMonitor monitor(
+        program, folder.path(), [] { return std::vector<BoardPort>(); }, nullptr);
+    QString message;
+    QObject::connect(&monitor, &BoardMonitor::Failed,
+                     [&](const QString& error) { message = error; });
+    monitor.AttachVirtualBoard();
+    EXPECT_TRUE(WaitUntil([&] { return monitor.board().kind == BoardMonitor::Kind::Virtual; }));
+    folder.Write("go", "\n");
+    EXPECT_TRUE(WaitUntil([&] { return !message.isEmpty(); }));
+    EXPECT_EQ(message, "The virtual board has stopped: broken");
 }

@@ -1,5 +1,7 @@
 #include "pins_client.h"
 
+#include "board_monitor.h"
+#include "board_process.h"
 #include "descriptors.h"
 #include "wait.h"
 
@@ -9,6 +11,7 @@
 #include <sys/un.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <string>
 #include <utility>
 
@@ -114,4 +117,24 @@ TEST(PinsClient, ConnectsAgainAfterTheEndAndAfterALineWithoutEnd)
     ASSERT_TRUE(server.Accept());
     server.Send("{\"pin\":\"2\",\"mode\":\"in\",\"value\":0}\n");
     EXPECT_TRUE(hasPin("2"));
+}
+
+TEST(PinsClient, ShowsThePinsOfTheVirtualBoardThatTheEnvironmentNames)
+{
+    const BoardProcess board;
+    setenv("QUILP_VIRTUAL_BOARD", board.link().c_str(), 1);
+    const BoardMonitor monitor(
+        "/no/program", "/no/folder", [] { return std::vector<BoardPort>(); }, nullptr);
+    PinsClient client;
+    client.Follow(monitor);
+    board.Tool({"exec", "from machine import Pin; Pin(2, Pin.OUT).on()"});
+    EXPECT_TRUE(WaitUntil([&] { return client.state().pins().count("2") != 0; }));
+    EXPECT_EQ(client.problem(), "");
+
+    setenv("QUILP_VIRTUAL_BOARD_PINS", std::string(200, 'x').c_str(), 1);
+    PinsClient other;
+    other.Follow(monitor);
+    EXPECT_TRUE(other.problem().endsWith("x is too long for a socket.")) << "It is not retried.";
+    unsetenv("QUILP_VIRTUAL_BOARD_PINS");
+    unsetenv("QUILP_VIRTUAL_BOARD");
 }

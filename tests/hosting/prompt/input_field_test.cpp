@@ -65,6 +65,8 @@ TEST_F(InputFieldTest, UpAndDownWalkTheHistoryFromTheFirstAndLastLine)
         Press(Qt::Key_Return);
     }
     EXPECT_EQ(field.promptHistory(), (QStringList{"1", "two\nlines", "3"}));
+    EXPECT_EQ(field.PromptHistoryAppendedTo({"1", "two\nlines", "of another field"}),
+              (QStringList{"1", "two\nlines", "of another field", "3"}));
     Type("draft");
     const std::pair<Qt::Key, QString> steps[] = {
         {Qt::Key_Up, "3"},   {Qt::Key_Up, "two\nlines"}, {Qt::Key_Up, "two\nlines"},
