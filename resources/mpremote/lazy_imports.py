@@ -2,8 +2,11 @@
 
 import contextlib
 import importlib
+import os
 import sys
 import types
+
+from fast_transport import has_parameters
 
 # For each module, the names that others import from it, which must be callable. If another name is
 # imported, the module is loaded at once. Without names, the module itself is imported, and its first
@@ -13,16 +16,43 @@ DEFERRED = {
     "mpremote.repl": ("do_repl",),
     "configparser": ("ConfigParser",),
     "pathlib": ("Path",),
+    "textwrap": ("dedent",),
+    "ast": (),
     "hashlib": (),
     "tempfile": (),
 }
 
 
+def user_config_dir(*args, appname=None, **options):
+    """What platformdirs returns on Linux, in the case that mpremote needs."""
+    chosen = os.environ.get("XDG_CONFIG_HOME", "")
+    is_simple = sys.platform == "linux" and "ANDROID_DATA" not in os.environ
+    if args or not appname or options != {"appauthor": False} or not is_simple:
+        return None
+    if chosen and (chosen != chosen.strip() or not os.path.isabs(chosen)):
+        return None
+    return os.path.join(chosen or os.path.expanduser("~/.config"), appname)
+
+
+# Functions that mpremote and argparse always call, with what they return. The module is loaded only
+# if that is None. Python has no translations of argparse, for which it would search at each text.
+ANSWERED = {
+    "gettext": {
+        "gettext": lambda text: text,
+        "ngettext": lambda one, many, count: one if count == 1 else many,
+    },
+    "platform": {"system": lambda: os.uname().sysname},
+    "platformdirs": {"user_config_dir": user_config_dir},
+}
+
+
 class StandIn(types.ModuleType):
-    def __init__(self, name, functions):
+    def __init__(self, name, functions=(), answers=None):
         super().__init__(name)
         for function in functions:
             setattr(self, function, self.defer(function))
+        for function, answer in (answers or {}).items():
+            setattr(self, function, self.answer_first(answer, self.defer(function)))
 
     def load(self):
         if sys.modules.get(self.__name__) is self:
@@ -31,6 +61,14 @@ class StandIn(types.ModuleType):
 
     def defer(self, function):
         return lambda *args, **kwargs: getattr(self.load(), function)(*args, **kwargs)
+
+    @staticmethod
+    def answer_first(answer, function):
+        def call(*args, **kwargs):
+            known = answer(*args, **kwargs)
+            return function(*args, **kwargs) if known is None else known
+
+        return call
 
     def __getattr__(self, name):
         if name.startswith("__"):  # The import system looks for such names.
@@ -78,9 +116,27 @@ def stand_ins(*modules):
 @contextlib.contextmanager
 def deferred():
     """Defers these modules for mpremote, which must be imported in this context."""
-    metadata = VersionStandIn("importlib.metadata", ())
+    metadata = VersionStandIn("importlib.metadata")
     with stand_ins(metadata):
         import mpremote
     defer_version(metadata, mpremote)
-    with stand_ins(*(StandIn(*row) for row in DEFERRED.items())):
+    deferred_modules = [StandIn(name, functions) for name, functions in DEFERRED.items()]
+    answering = [StandIn(name, answers=answers) for name, answers in ANSWERED.items()]
+    with stand_ins(*deferred_modules, *answering):
         yield
+    spare_width_of_terminal()
+
+
+def spare_width_of_terminal():
+    """argparse loads shutil for the width of the terminal, which is 80 where there is none. Of that, it
+    leaves two columns free."""
+    formatter = getattr(sys.modules.get("argparse"), "HelpFormatter", None)
+    init_of_argparse = getattr(formatter, "__init__", None)
+    names = ("self", "prog", "indent_increment", "max_help_position", "width")
+    if os.isatty(1) or "COLUMNS" in os.environ or not has_parameters(init_of_argparse, *names):
+        return
+
+    def __init__(self, prog, indent_increment=2, max_help_position=24, width=None):
+        init_of_argparse(self, prog, indent_increment, max_help_position, width or 78)
+
+    formatter.__init__ = __init__

@@ -356,6 +356,8 @@ TEST(Launcher, EveryCommandDoesTheSameAsInThePlainTool)
         {"version"},
         {"help"},
         {"unknown"},
+        {"cp", "--help"},
+        {"ls", "--unknown"},
         {"run", program},
         {"run", local / "none"},
         {"exec", "for i in range(1000): print('line', i)"},
@@ -392,6 +394,32 @@ TEST(Launcher, EveryCommandDoesTheSameAsInThePlainTool)
     }
     EXPECT_EQ(ReadFile(fast.files() / "back"), large);
     EXPECT_EQ(RunProgram({"diff", "-r", fast.files().path(), plain.files().path()}).output, "");
+}
+
+TEST(Launcher, FindsTheUsersConfigurationWhereThePlainToolDoes)
+{
+    const TemporaryFolder home;
+    home.Write(".config/mpremote/config.py", "print('of the home folder')");
+    home.Write("xdg/mpremote/config.py", "print('of the variable')");
+    home.Write(" spaces /mpremote/config.py", "print('of a name with spaces')");
+    const struct {
+        std::string folder, output;
+    } rows[] = {
+        {"", "of the home folder"},
+        {"  ", "of the home folder"},
+        {home / "xdg", "of the variable"},
+        {home / " spaces ", "of a name with spaces"},
+        {std::filesystem::relative(home / "xdg"), ""},  // As the version of platformdirs does.
+    };
+    for (const auto& row : rows) {
+        const auto output = [&](const std::string& tool) {
+            return RunProgram({QUILP_MPREMOTE, "version"},
+                              {"HOME=" + home.path(), "XDG_CONFIG_HOME=" + row.folder, tool})
+                .output;
+        };
+        EXPECT_NE(output(fast_tool).find(row.output), std::string::npos) << row.folder;
+        EXPECT_EQ(output(fast_tool), output("QUILP_PLAIN_MPREMOTE=1")) << row.folder;
+    }
 }
 
 // On this board, a file refuses large pieces, and loses the last byte if its name says so.
