@@ -5,6 +5,7 @@ start of each.
 Usage: measure_kate.py BUILD_FOLDER [PAIRS]
 """
 
+import glob
 import os
 import shutil
 import statistics
@@ -30,16 +31,17 @@ def make_home(folder, is_enabled):
 
 
 def main():
-    plugins = os.path.join(Build(sys.argv[1]).folder, "lib", "qt5", "plugins")
+    libraries = os.path.join(Build(sys.argv[1]).folder, "lib")
+    plugins = ":".join(os.path.join(libraries, qt, "plugins") for qt in ("qt5", "qt6"))
     pairs = int(sys.argv[2]) if len(sys.argv) > 2 else 10
     missing = [name for name in PROGRAMS if shutil.which(name) is None]
-    if not os.path.exists(os.path.join(plugins, "ktexteditor", "katequilpplugin.so")):
+    if not glob.glob(os.path.join(libraries, "qt*", "**", "katequilpplugin.so"), recursive=True):
         missing.append("the plug-in")
     if missing:
         print(f"the start of Kate is not measured without {', '.join(missing)}")
         return
     # A separate session bus, so that no other Kate is asked to open the document.
-    command = ["dbus-run-session", "--", "kate", "-n", DOCUMENT]
+    command = ["dbus-run-session", "--", "kate", "--block", "-n", DOCUMENT]
     with tempfile.TemporaryDirectory() as folder, Screen() as screen:
         homes = [make_home(folder, is_enabled) for is_enabled in (False, True)]
         rounds = [

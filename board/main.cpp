@@ -16,6 +16,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <exception>
 #include <expected>
 #include <filesystem>
 #include <string>
@@ -192,9 +193,7 @@ int Fail(const std::string& message)
     return 1;
 }
 
-}  // namespace
-
-int main(int argc, char** argv)
+int RunProgram(int argc, char** argv)
 {
     PrepareProcess();
     const int commands = CommandsFromSignals();
@@ -220,4 +219,15 @@ int main(int argc, char** argv)
         std::filesystem::remove(std::filesystem::path(arguments.board.link).parent_path(), error);
     }
     return served ? 0 : Fail(served.error());
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return RunProgram(argc, argv);
+    } catch (const std::exception& error) {
+        return Fail(error.what());
+    }
 }

@@ -13,9 +13,9 @@
 
 namespace {
 
-constexpr char16_t kEscape = 0xDC00;  // Added to a byte that is not part of UTF-8.
-constexpr char16_t kFirstEscaped = kEscape + 0x80;
-constexpr char16_t kLastEscaped = kEscape + 0xFF;
+constexpr char16_t kByteEscape = 0xDC00;  // Added to a byte that is not part of UTF-8.
+constexpr char16_t kFirstEscaped = kByteEscape + 0x80;
+constexpr char16_t kLastEscaped = kByteEscape + 0xFF;
 constexpr const char* kFileUrl = "file://";
 
 // The part at the beginning that is UTF-8.
@@ -49,8 +49,8 @@ QString PathToText(const std::string& path)
         text += QString::fromStdString(std::string(valid));
         rest.remove_prefix(valid.size());
         if (!rest.empty()) {
-            text +=
-                QChar(static_cast<char16_t>(kEscape + static_cast<unsigned char>(rest.front())));
+            text += QChar(
+                static_cast<char16_t>(kByteEscape + static_cast<unsigned char>(rest.front())));
             rest.remove_prefix(1);
         }
     }
@@ -65,7 +65,7 @@ std::string TextToPath(const QString& text)
     std::string path;
     for (QtSize at = 0; at < text.size();) {
         if (IsEscaped(text[at])) {
-            path += static_cast<char>(text[at].unicode() - kEscape);
+            path += static_cast<char>(text[at].unicode() - kByteEscape);
             ++at;
         } else {
             const QtSize length = text[at].isHighSurrogate() ? 2 : 1;

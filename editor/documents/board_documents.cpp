@@ -21,7 +21,7 @@
 
 namespace {
 
-constexpr std::chrono::seconds kSavePatience{30};
+constexpr std::chrono::seconds kBoardSavePatience{30};
 
 QByteArray HashOf(const QByteArray& bytes)
 {
@@ -143,7 +143,7 @@ bool BoardDocuments::Save(DocumentPage& page, bool waits)
             }
         };
         connect(this, &BoardDocuments::SaveEnded, &loop, quitWhenSaved);
-        QTimer::singleShot(kSavePatience, &loop, &QEventLoop::quit);
+        QTimer::singleShot(kBoardSavePatience, &loop, &QEventLoop::quit);
         loop.exec(QEventLoop::ExcludeUserInputEvents);
     }
     return saved && !saved->document().IsModified();

@@ -6,7 +6,6 @@
 #include "process_setup.h"
 #include "run_modes.h"
 #include "standard_output.h"
-#include "user_folders.h"
 #include "virtual_board.h"
 
 #include <QApplication>
@@ -26,11 +25,6 @@
 #include <optional>
 
 namespace {
-
-std::string ProgramFolder()
-{
-    return QCoreApplication::applicationDirPath().toStdString();
-}
 
 // The full path of a readable file. The error is a message for the user.
 std::expected<std::string, std::string> ReadableFile(const std::string& name)
@@ -143,7 +137,8 @@ std::unique_ptr<QCoreApplication> MakeApplication(const Options& options, char**
 
 int Run(const Options& options, const Files& files)
 {
-    const std::string ownPlugin = ProgramFolder() + "/../lib/quilp/Quilp.bundle/quilp.so";
+    const std::string ownPlugin = QCoreApplication::applicationDirPath().toStdString() +
+                                  "/../lib/quilp/Quilp.bundle/quilp.so";
     const auto plugin = PluginModule::Load(options.plugin.empty() ? ownPlugin : options.plugin);
     if (!plugin) {
         return ReportError(plugin.error(), kNoPlugin);
@@ -169,22 +164,6 @@ int Print(const std::string& text)
 }
 
 }  // namespace
-
-int ReportError(const std::string& message, int status)
-{
-    std::fprintf(stderr, "quilp-editor: %s\n", message.c_str());
-    return status;
-}
-
-std::string BoardProgram()
-{
-    return ProgramFolder() + "/virtual-board";
-}
-
-std::string BoardFolder(const Options& options)
-{
-    return options.boardFolder.empty() ? UserFolders::OfUser().boardFolder() : options.boardFolder;
-}
 
 int main(int argc, char** argv)
 {

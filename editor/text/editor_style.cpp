@@ -99,6 +99,10 @@ QFont EditorFont()
         font.setFamilies({preferred});
     }
     font.setPointSize(kPointSize);
+    // QScintilla measures text without the desktop's hint but would paint it with that, so that
+    // each font would be loaded twice, and substitutes for missing characters could differ in
+    // width.
+    font.setStyleHint(QFont::AnyStyle);
     return font;
 }
 

@@ -80,7 +80,6 @@ FindBar::FindBar(QWidget* parent)
 void FindBar::MakeFindRow(QGridLayout& rows)
 {
     searchText_->setAccessibleName(tr("Find"));
-    searchText_->setClearButtonEnabled(true);
     rows.addWidget(MakeLabel(tr("Fi&nd:"), searchText_), 0, 0);
     rows.addWidget(searchText_, 0, 1);
     rows.addWidget(MakeButton(tr("Ne&xt"), this, &FindBar::FindNext), 0, 2);
@@ -150,6 +149,7 @@ void FindBar::Open(bool replaces)
     if (!selected.isEmpty() && !selected.contains(u'\n') && !selected.contains(u'\r')) {
         searchText_->setText(selected);
     }
+    searchText_->setClearButtonEnabled(true);  // Not at the start: finding its icon takes a while.
     ShowMessage({});
     for (auto* const widget : replaceRow_) {
         widget->setVisible(replaces);

@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-using Sci = QsciScintilla;
+using Sci = QsciScintillaBase;
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <chrono>
 #include <utility>
 
-using Sci = QsciScintilla;
+using Sci = QsciScintillaBase;
 
 namespace {
 
@@ -84,7 +84,7 @@ void MatchMarker::Clear()
 void MatchMarker::DefineMark()
 {
     const QColor color = ColorsFor(editor_->palette()).match;
-    editor_->indicatorDefine(Sci::StraightBoxIndicator, kIndicator);
+    editor_->indicatorDefine(QsciScintilla::StraightBoxIndicator, kIndicator);
     editor_->setIndicatorForegroundColor(color, kIndicator);
     editor_->setIndicatorOutlineColor(color, kIndicator);
     editor_->setIndicatorDrawUnder(true, kIndicator);

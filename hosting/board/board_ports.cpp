@@ -28,6 +28,9 @@ std::string FirstLine(const fs::path& path)
 fs::path UsbDeviceOf(const fs::path& serial)
 {
     std::error_code error;
+    if (!fs::exists(serial / "device", error)) {
+        return {};  // A virtual terminal. There are many.
+    }
     fs::path device = fs::canonical(serial / "device", error);
     while (!error && device.has_relative_path()) {
         if (fs::exists(device / "idVendor", error)) {

@@ -22,7 +22,7 @@ constexpr const char* kPinsVariable = "QUILP_VIRTUAL_BOARD_PINS";
 
 constexpr std::chrono::seconds kStartTimeout{10};
 constexpr std::chrono::milliseconds kStopTimeout{500};
-constexpr std::chrono::duration<int, std::milli> kPollInterval{100};
+constexpr std::chrono::duration<int, std::milli> kOutputWait{100};
 
 std::string MakePrivateFolder()
 {
@@ -111,7 +111,7 @@ std::expected<void, std::string> VirtualBoard::WaitUntilReady()
             return {};
         }
         pollfd output{process_.outputFd(), POLLIN, 0};
-        poll(&output, 1, kPollInterval.count());
+        poll(&output, 1, kOutputWait.count());
     }
 }
 

@@ -19,7 +19,6 @@ constexpr double kPadPitch = 14;
 constexpr double kFirstPad = 29;
 constexpr double kPadInset = 5;  // From the edge of the board.
 
-const QColor kGold(0xe3, 0xb5, 0x4a);
 const QColor kSilver(0xc9, 0xce, 0xd5);
 const QColor kSilk(0xe8, 0xee, 0xf6);
 const QColor kLedColor(0x5c, 0xff, 0x9a);

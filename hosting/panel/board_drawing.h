@@ -14,6 +14,9 @@ class QPainter;
 // width. [ui]
 inline constexpr QSizeF kBoardSize(320, 150);
 
+inline constexpr QColor kGold(0xe3, 0xb5, 0x4a);  // Contacts are gold-plated.
+inline constexpr double kDisabledOpacity = 0.4;   // Of what cannot be used.
+
 // A contact at the edge of the board. Those without a pin are power and ground.
 struct Pad {
     QString pin;

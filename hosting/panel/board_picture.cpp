@@ -11,7 +11,6 @@
 namespace {
 
 constexpr int kMaxWidth = 440;
-constexpr double kDisabledOpacity = 0.4;
 
 // Few different levels are drawn.
 double Step(double level)

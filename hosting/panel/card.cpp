@@ -1,5 +1,7 @@
 #include "card.h"
 
+#include "board_drawing.h"
+
 #include <QPainter>
 
 #include <algorithm>
@@ -12,7 +14,6 @@ constexpr int kTitleWidth = 74;
 constexpr double kUnusedOpacity = 0.4;
 constexpr int kSpace = 8;
 constexpr int kBorder = 2;  // At least the width of what surrounds the card.
-const QColor kGold(0xe3, 0xb5, 0x4a);
 const QColor kBadgeText(0x2b, 0x22, 0x0c);
 
 QFont Scaled(QFont font, double factor, bool isBold)

@@ -1,5 +1,7 @@
 #include "input_button.h"
 
+#include "board_drawing.h"
+
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QPainter>
@@ -13,7 +15,6 @@ namespace {
 
 // Longer than programs wait for contacts that bounce.
 constexpr std::chrono::milliseconds kMinPress{120};
-constexpr double kDisabledOpacity = 0.4;
 
 void DrawSwitch(QPainter& painter, bool isPressed, bool isEnabled, const QColor& mark)
 {

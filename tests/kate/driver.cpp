@@ -97,7 +97,7 @@ QPlainTextEdit* Output()
     return Front().window()->findChild<QPlainTextEdit*>("micropython_output");
 }
 
-int CountOutput(const QString& text)
+qsizetype CountOutput(const QString& text)
 {
     return Output() != nullptr ? Output()->toPlainText().count(text) : 0;
 }
@@ -132,7 +132,7 @@ bool IsProcessRunning(const QString& name)
     QProcess list;
     list.start("ps",
                {"-o", "args=", "--ppid", QString::number(QCoreApplication::applicationPid())});
-    list.waitForFinished();
+    Require(list.waitForFinished(), "the list of processes");
     return list.readAllStandardOutput().contains(name.toUtf8());
 }
 

@@ -83,8 +83,9 @@ TEST_P(Kate, WorksForAUserAndLeavesNoProcessBehind)
     const bool usesTraceback = std::string_view(GetParam()) == "RunAndBrowse";
     const std::string document = home_.Write(
         "a b.py", usesTraceback ? ReadFile(QUILP_SOURCE "/examples/traceback.py") : flood);
+    // Without the option, newer versions of Kate leave the terminal and exit at once.
     const auto kate =
-        RunProgram({"xvfb-run", "-a", "dbus-run-session", "--", "kate", "-n", document},
+        RunProgram({"xvfb-run", "-a", "dbus-run-session", "--", "kate", "--block", "-n", document},
                    Variables(GetParam()));
     EXPECT_EQ(kate.status, 0) << kate.output;
     EXPECT_NE(kate.output.find("driver: done"), std::string::npos) << kate.output;

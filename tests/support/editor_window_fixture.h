@@ -15,6 +15,9 @@
 #include <optional>
 #include <string>
 
+// A program that prints until it is stopped.
+inline constexpr const char* kEndless = "while True:\n    print('round')\n";
+
 // The editor's window with the real plug-in and temporary folders.
 class EditorWindow : public testing::Test {
   protected:

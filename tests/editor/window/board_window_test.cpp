@@ -28,8 +28,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kEndless = "while True:\n    print('round')\n";
-
 }  // namespace
 
 TEST_F(EditorWindow, RunsFollowsErrorsStopsAndUploads)

@@ -41,8 +41,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kEndless = "while True:\n    print('round')\n";
-
 TableWidget* DeviceTable()
 {
     for (auto* const widget : QApplication::topLevelWidgets()) {
