@@ -233,7 +233,7 @@ TEST_F(ScriptedDeviceWindow, ThePathMenuLeadsToEveryDirectoryAbove)
         EXPECT_EQ(OpenPathMenu(), labels);
         const auto items = OpenMenu()->actions();
         EXPECT_EQ(icon(items.front()) == icon(items.back()), labels.size() == 1);
-        ClickItem(*OpenMenu(), chosen);
+        ChooseItem(*OpenMenu(), chosen);
         EXPECT_EQ(SettledCalls(), calls) << chosen;
         EXPECT_EQ(pathButton().text(), chosen);
     }
@@ -273,7 +273,7 @@ TEST_F(ScriptedDeviceWindow, DeletesTheSelectionByKeyOrMenuAndListsAgain)
     ASSERT_NE(OpenContextMenu(), nullptr);
     EXPECT_EQ(LabelsOf(*OpenMenu()), Strings{"Delete"});
     EXPECT_EQ(OpenMenu()->activeAction(), OpenMenu()->actions().at(0)) << "opened by a key";
-    ClickItem(*OpenMenu(), "Delete");
+    ChooseItem(*OpenMenu(), "Delete");
     EXPECT_EQ(SettledCalls(), (Strings{"rm -r :/lib", "ls /", "devs"}));
 }
 

@@ -38,7 +38,7 @@ TEST_F(DeviceWindowOnBoard, BrowsesUploadsAndDeletes)
     DoubleClick("deep/");
     EXPECT_EQ(Rows(), Strings{"a.py"});
     EXPECT_EQ(OpenPathMenu(), (Strings{"deep", "lib", board.devicePath()}));
-    ClickItem(*OpenMenu(), "lib");
+    ChooseItem(*OpenMenu(), "lib");
     Settle();
     EXPECT_EQ(Rows().size(), 3U) << "listed as //lib";
 

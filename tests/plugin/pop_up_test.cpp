@@ -94,7 +94,7 @@ TEST_F(PopUp, TheChosenCommandIsPerformedBeforeTheCallReturns)
     };
     for (const auto& [label, words] : rows) {
         EXPECT_EQ(host.worksheet, "");
-        Ask([&](QMenu& menu) { ClickItem(menu, label); });
+        Ask([&](QMenu& menu) { ChooseItem(menu, label); });
         EXPECT_EQ(TakeWords(), words);
     }
     EXPECT_EQ(host.worksheet, host.Tool() + " cp '<from>':'<to>'");
@@ -102,7 +102,7 @@ TEST_F(PopUp, TheChosenCommandIsPerformedBeforeTheCallReturns)
     // The window that becomes the active one only now is hidden and about to be destroyed.
     QuilpWindow::gInstance->Quit();
     ASSERT_TRUE(WaitUntil([&] { return QApplication::activeWindow() != window.get(); }));
-    Ask([](QMenu& menu) { ClickItem(menu, "List "); });
+    Ask([](QMenu& menu) { ChooseItem(menu, "List "); });
     EXPECT_EQ(TakeWords(), " ls \n");
 }
 
