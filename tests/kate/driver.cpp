@@ -25,7 +25,7 @@
 #include <QTest>
 #include <QTimer>
 #include <QToolButton>
-#include <QTreeWidget>
+#include <QTreeView>
 
 #include <cstdio>
 #include <cstdlib>
@@ -227,25 +227,38 @@ void EndInFlood()
     WaitForOutput("flood 30000");
 }
 
-QTreeWidgetItem* FindPluginItem()
+// The plug-in's entry in Kate's settings.
+QModelIndex FindPluginEntry()
 {
     for (const auto* const widget : QApplication::allWidgets()) {
-        const auto* const list = qobject_cast<const QTreeWidget*>(widget);
-        const auto items = list == nullptr ? QList<QTreeWidgetItem*>()
-                                           : list->findItems("MicroPython", Qt::MatchStartsWith);
-        if (!items.isEmpty()) {
-            return items.constFirst();
+        const auto* const list = qobject_cast<const QTreeView*>(widget);
+        const auto* const entries = list != nullptr ? list->model() : nullptr;
+        const auto found = entries == nullptr ? QModelIndexList()
+                                              : entries->match(entries->index(0, 0),
+                                                               Qt::DisplayRole, "MicroPython");
+        if (!found.isEmpty()) {
+            return found.constFirst();
         }
     }
-    return nullptr;
+    return {};
 }
 
-// In Kate's settings.
+void CheckPluginEntry(bool isChecked)
+{
+    const QModelIndex entry = FindPluginEntry();
+    const_cast<QAbstractItemModel*>(entry.model())
+        ->setData(entry, isChecked ? Qt::Checked : Qt::Unchecked, Qt::CheckStateRole);
+    if (auto* const dialog = QApplication::activeModalWidget()) {
+        auto* const buttons = dialog->findChild<QDialogButtonBox*>();
+        QTest::mouseClick(buttons->button(QDialogButtonBox::Ok), Qt::LeftButton);
+    }
+}
+
+// In Kate's settings. Newer versions of Kate wait for them to be confirmed.
 void SetLoaded(bool isLoaded)
 {
+    When([] { return FindPluginEntry().isValid(); }, [=] { CheckPluginEntry(isLoaded); });
     Trigger("options_configure");
-    WaitFor("the list of plug-ins", [] { return FindPluginItem() != nullptr; });
-    FindPluginItem()->setCheckState(0, isLoaded ? Qt::Checked : Qt::Unchecked);
     WaitFor("the plug-in's state",
             [=] { return (Kate().plugin("katequilpplugin") != nullptr) == isLoaded; });
 }
@@ -272,6 +285,7 @@ void CloseWindows()
     Trigger("view_new_view");
     WaitFor("two windows", [] { return Kate().mainWindows().size() == 2; });
     auto& second = *Kate().mainWindows()[Kate().mainWindows()[0] == &first ? 1 : 0];
+    second.openUrl(first.activeView()->document()->url());  // Newer versions of Kate do not.
     WaitFor("the output in both", [&] {
         return second.window()
             ->findChild<QPlainTextEdit*>("micropython_output")
