@@ -55,6 +55,12 @@ KateHost::KateHost(PluginModule module, const Installation& installation)
 {
     pins_.Follow(board_);
     ConnectRuntime();
+    connect(&commands_, &PluginActions::OutputExpected, this, &KateHost::ShowOutput);
+    connect(&monitor_, &CommandMonitor::Started, this, [this] {
+        if (monitor_.command().kind == BoardCommand::Kind::Run) {
+            ShowOutput();  // However the program was started.
+        }
+    });
     qApp->installEventFilter(this);
 }
 
@@ -101,6 +107,13 @@ void KateHost::ConnectRuntime()
     runtime_.handlers.error = [this](const std::string& error) {
         messages_.Report(tr("The plug-in failed: %1").arg(QString::fromStdString(error)));
     };
+}
+
+void KateHost::ShowOutput()
+{
+    if (front_ != nullptr) {
+        front_->ShowOutput();
+    }
 }
 
 std::expected<void, std::string> KateHost::Start()

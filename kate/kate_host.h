@@ -67,6 +67,7 @@ class KateHost final : public QObject {
     KTextEditor::Document* FrontDocument() const;
     BoardActions::Parts BoardParts();
     void ConnectRuntime();
+    void ShowOutput();
     void RestoreBoard();
     void SaveBoard();
     void SaveSettings();

@@ -187,10 +187,7 @@ QAction* KateWindow::Add(const QString& name, const QString& text,
 void KateWindow::AddCommands()
 {
     for (const auto& command : host_.commandList()) {
-        const auto perform = [this, name = command.name] {
-            ShowOutput();
-            host_.commands().Perform(name);
-        };
+        const auto perform = [this, name = command.name] { host_.commands().Perform(name); };
         auto* const action =
             Add(QString::fromStdString(command.name), CommandLabel(command), perform);
         action->setToolTip(QString::fromStdString(command.description));
@@ -201,10 +198,7 @@ void KateWindow::AddCommands()
     }
     Add("quilp_device_window", tr("&Device Window"),
         [this] { host_.commands().OpenDeviceWindow(); });
-    Add("quilp_status", tr("S&tatus"), [this] {
-        ShowOutput();
-        host_.commands().ShowStatus();
-    });
+    Add("quilp_status", tr("S&tatus"), [this] { host_.commands().ShowStatus(); });
     auto* const menu = Add("quilp_menu", tr("&All Commands…"), [this] {
         host_.commands().OpenPopUp(PlaceOfMenu(*mainWindow_.window(), action("quilp_menu")));
     });
@@ -247,7 +241,6 @@ QKeySequence KateWindow::Shortcut(const std::string& command) const
     return action != nullptr ? action->shortcut() : QKeySequence();
 }
 
-// The document keeps the focus.
 void KateWindow::ShowOutput()
 {
     QPointer<QWidget> focused = mainWindow_.window()->focusWidget();

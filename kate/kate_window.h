@@ -28,6 +28,8 @@ class KateWindow final : public QObject, public KXMLGUIClient {
     KTextEditor::MainWindow& mainWindow() const { return mainWindow_; }
     // The keys of one of the plug-in's commands.
     QKeySequence Shortcut(const std::string& command) const;
+    // Shows the tool view with the output. The document keeps the focus.
+    void ShowOutput();
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -42,7 +44,6 @@ class KateWindow final : public QObject, public KXMLGUIClient {
     void AddCommands();
     void AddActions();
     void ShowState();
-    void ShowOutput();
     void FocusDocument();
     void RunSelection();
     void ShowColors();

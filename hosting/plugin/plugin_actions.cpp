@@ -30,6 +30,7 @@ void PluginActions::Perform(const std::string& command)
     if (NeedsFile(FindCommandByName(command)) && !PrepareFile()) {
         return;
     }
+    Q_EMIT OutputExpected();
     if (!host_.Perform(command)) {
         messages_.Report(
             tr("The plug-in did not perform the command %1.").arg(QString::fromStdString(command)));
@@ -48,13 +49,24 @@ void PluginActions::OpenPopUp(const QWidget& control)
     const QPointF corner = control.mapTo(control.window(), QPoint(0, 0));
     host_.OpenPopUp(
         {corner.x(), corner.y(), corner.x() + control.width(), corner.y() + control.height()},
-        [this](const std::string& label) {
-            return !NeedsFile(FindCommandByLabel(label)) || saveFront_();
-        });
+        [this](const std::string& label) { return MayPerformFromMenu(label); });
+}
+
+bool PluginActions::MayPerformFromMenu(const std::string& label)
+{
+    const auto* const command = FindCommandByLabel(label);
+    if (NeedsFile(command) && !saveFront_()) {
+        return false;
+    }
+    if (command == nullptr || command->menuLabel != kOpenDeviceWindow) {
+        Q_EMIT OutputExpected();
+    }
+    return true;
 }
 
 void PluginActions::ShowStatus()
 {
+    Q_EMIT OutputExpected();
     if (!host_.Perform(*FindCommandByBatchName("status"))) {
         messages_.Report(tr("The plug-in cannot show the status."));
     }

@@ -30,8 +30,13 @@ class PluginActions final : public QObject {
     void ShowStatus();
     void OpenDeviceWindow();
 
+  Q_SIGNALS:
+    // A command begins whose result is read in the output.
+    void OutputExpected();
+
   private:
     bool PrepareFile();
+    bool MayPerformFromMenu(const std::string& label);
 
     PluginHost& host_;
     HostMessages& messages_;

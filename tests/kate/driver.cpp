@@ -165,23 +165,38 @@ bool HasMnemonic(const QString& text)
     return QString(text).remove("&&").contains('&');
 }
 
-void ChooseDeviceWindow()
+void ChooseItem(const QString& beginning)
 {
     auto* const menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
     for (auto* const action : menu->actions()) {
         Require(!HasMnemonic(action->text()), "no mnemonic: " + action->text());
-        if (action->text().startsWith("Open Device window")) {
+        if (action->text().startsWith(beginning)) {
             menu->setActiveAction(action);
         }
     }
     QTest::keyClick(menu, Qt::Key_Return);
 }
 
-// By the menu of all commands. Kate must not add mnemonics to what the plug-in shows.
+// In the menu of all commands. Kate must not add mnemonics to what the plug-in shows.
+void ChooseCommand(const QString& beginning)
+{
+    When([] { return QApplication::activePopupWidget() != nullptr; },
+         [=] { ChooseItem(beginning); });
+    Press(Qt::Key_M);
+}
+
+void RunFromMenuWithHiddenOutput()
+{
+    Front().hideToolView(Output()->parentWidget()->parentWidget());
+    WaitFor("the hidden output", [] { return !Output()->isVisible(); });
+    ChooseCommand("Run");
+    WaitFor("the output of the second run", [] { return CountOutput("ZeroDivisionError") == 2; });
+    Require(Output()->isVisible(), "the visible output");
+}
+
 void OpenDeviceWindow()
 {
-    When([] { return QApplication::activePopupWidget() != nullptr; }, ChooseDeviceWindow);
-    Press(Qt::Key_M);
+    ChooseCommand("Open Device window");
     WaitFor("the Device window", [] { return DeviceWindow() != nullptr; });
     WaitFor("its list", [] {
         const auto* const list = DeviceWindow()->findChild<QAbstractItemView*>("listing");
@@ -215,6 +230,7 @@ void RunAndBrowse()
     Require(CountOutput(Front().activeView()->document()->url().toLocalFile()) == 3,
             "the document's path in each line of the traceback");
     ClickTraceback();
+    RunFromMenuWithHiddenOutput();
     OpenDeviceWindow();
     QFile maps("/proc/self/maps");
     const char* const other = QT_VERSION_MAJOR == 6 ? "libQt5Core" : "libQt6Core";
