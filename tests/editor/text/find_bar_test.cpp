@@ -64,6 +64,7 @@ class FindBarTest : public testing::Test {
     void Search(const QString& text, const std::vector<Step>& steps) const
     {
         editor->setText(text);
+        Send(*editor, QsciScintilla::SCI_GOTOPOS, 0);  // QScintilla 2.14 leaves it at the end.
         bar->OpenForFind();
         for (const auto& step : steps) {
             SCOPED_TRACE(step.act);
