@@ -34,10 +34,12 @@ std::expected<void, std::string> Board::Open()
         return std::unexpected(pins.error());
     }
     pins_.emplace(std::move(*pins));
-    if (options_.pins.empty()) {
-        return {};
-    }
-    auto server = PinServer::Listen(options_.pins);
+    return {};
+}
+
+std::expected<void, std::string> Board::ServePins(const std::string& path)
+{
+    auto server = PinServer::Listen(path);
     if (!server) {
         return std::unexpected(server.error());
     }

@@ -16,7 +16,6 @@ struct BoardOptions {
     InterpreterFiles interpreter;
     std::string folder;              // The folder that is the board's file system; must exist.
     std::string link;                // A stable path that links to the serial device; may be empty.
-    std::string pins;                // The path of the socket that serves the pins; may be empty.
     std::size_t heap = 256UL << 10;  // bytes of memory that programs have
 };
 
@@ -29,6 +28,8 @@ class Board final : private ReplTarget {
     // Prepares what exists also while the board is unplugged. Must be called first. The error is a
     // sentence.
     std::expected<void, std::string> Open();
+    // Serves the pins on a local socket with this path. The error is a sentence.
+    std::expected<void, std::string> ServePins(const std::string& path);
     // Plugs the board in: opens the serial line and starts the interpreter, in place of those that
     // it may have. The error is a sentence.
     std::expected<void, std::string> Plug();

@@ -2,7 +2,6 @@
 
 #include "board.h"
 #include "descriptors.h"
-#include "local_socket.h"
 #include "pins_path.h"
 #include "process_setup.h"
 
@@ -78,6 +77,7 @@ bool Print(const std::string& text)
 
 struct Arguments {
     BoardOptions board;
+    std::string pins;  // The path of the socket that serves the pins; may be empty.
     bool removesLinkFolder = false;
 };
 
@@ -120,7 +120,7 @@ Arguments ParseArguments(int argc, char** argv)
         if (c == 'l') {
             arguments.board.link = optarg;
         } else if (c == 'i') {
-            arguments.board.pins = optarg;
+            arguments.pins = optarg;
         } else if (c == 'm') {
             arguments.board.heap = ParseHeap(optarg);
         } else if (c == 'p') {
@@ -154,13 +154,31 @@ std::string FromEnvironment(const char* name, const std::string& defaultValue)
     return value != nullptr && *value != '\0' ? value : defaultValue;
 }
 
-std::expected<void, std::string> RunBoard(BoardOptions options, int commands)
+// By default beside the link, where the editor finds them. A board without them is useful, too.
+std::expected<void, std::string> ServePins(Board& board, const Arguments& arguments)
 {
-    Board board(std::move(options));
-    for (const auto step : {&Board::Open, &Board::Plug}) {
-        if (const auto done = (board.*step)(); !done) {
-            return done;
+    if (!arguments.pins.empty()) {
+        return board.ServePins(arguments.pins);
+    }
+    if (const std::string& link = arguments.board.link; !link.empty()) {
+        if (const auto served = board.ServePins(PinsPathFor(link)); !served) {
+            std::fprintf(stderr, "virtual-board: warning: %s\n", served.error().c_str());
         }
+    }
+    return {};
+}
+
+std::expected<void, std::string> RunBoard(const Arguments& arguments, int commands)
+{
+    Board board(arguments.board);
+    if (const auto opened = board.Open(); !opened) {
+        return opened;
+    }
+    if (const auto served = ServePins(board, arguments); !served) {
+        return served;
+    }
+    if (const auto plugged = board.Plug(); !plugged) {
+        return plugged;
     }
     if (!board.reachable().empty()) {
         std::fprintf(stderr, "virtual-board: warning: programs can reach %s\n",
@@ -170,21 +188,6 @@ std::expected<void, std::string> RunBoard(BoardOptions options, int commands)
         return std::unexpected("cannot print the path of the serial device");
     }
     return board.Run(commands);
-}
-
-// Serves the pins beside the link, where the editor finds them, unless the user wants another path.
-void ChoosePinsPath(BoardOptions& options)
-{
-    if (!options.pins.empty() || options.link.empty()) {
-        return;
-    }
-    const std::string path = PinsPathFor(options.link);
-    if (CanBeSocketPath(path)) {
-        options.pins = path;
-    } else {
-        std::fprintf(stderr, "virtual-board: warning: the pins are not served: %s is too long\n",
-                     path.c_str());
-    }
 }
 
 int Fail(const std::string& message)
@@ -197,8 +200,8 @@ int RunProgram(int argc, char** argv)
 {
     PrepareProcess();
     const int commands = CommandsFromSignals();
-    const Arguments arguments = ParseArguments(argc, argv);
-    BoardOptions options = arguments.board;
+    Arguments arguments = ParseArguments(argc, argv);
+    BoardOptions& options = arguments.board;
     std::error_code error;
     std::filesystem::create_directories(options.folder, error);
     if (!error) {
@@ -213,8 +216,7 @@ int RunProgram(int argc, char** argv)
     options.interpreter.program = FromEnvironment("QUILP_MICROPYTHON", micropython.string());
     options.interpreter.script = (ProgramFolder() / QUILP_INTERPRETER_SCRIPT).string();
 
-    ChoosePinsPath(options);
-    const auto served = RunBoard(std::move(options), commands);
+    const auto served = RunBoard(arguments, commands);
     if (arguments.removesLinkFolder) {
         std::filesystem::remove(std::filesystem::path(arguments.board.link).parent_path(), error);
     }

@@ -425,4 +425,9 @@ TEST(Pins, TheSocketIsTheUsersOnlyAndReplacesOneThatWasLeftBehind)
     folder.Write("pins", "a file");
     EXPECT_EQ(RunProgram(line).status, 1);
     EXPECT_EQ(ReadFile(path), "a file");
+    // Beside a link, they are served if that is possible.
+    folder.Write("port.pins", "a file");
+    BackgroundProgram linked({QUILP_BIN "/virtual-board", "--link", folder / "port", folder / "f"});
+    EXPECT_TRUE(linked.WaitForOutput("/dev/"));
+    EXPECT_NE(linked.output().find("warning: cannot serve the pins"), std::string::npos);
 }
