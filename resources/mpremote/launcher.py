@@ -298,16 +298,19 @@ def mount_folder_for_run(tool, folder):
 
 
 def size_of(path):
-    """The bytes of a file, or of all files in a folder."""
-    paths = [path]
-    if os.path.isdir(path):
-        walk = os.walk(path, followlinks=True)
-        paths = [os.path.join(folder, name) for folder, _, names in walk for name in names]
-    size = 0
-    for file in paths:
-        with contextlib.suppress(OSError):  # mpremote reports it.
-            size += os.path.getsize(file)
-    return size
+    """The bytes of a file."""
+    with contextlib.suppress(OSError):  # mpremote reports it.
+        return os.path.getsize(path)
+    return 0
+
+
+def size_of_all(path):
+    """The bytes of a file, or of all files in a folder but those in linked ones, which may lead back."""
+    if not os.path.isdir(path):
+        return size_of(path)
+    return sum(
+        size_of(os.path.join(folder, name)) for folder, _, names in os.walk(path) for name in names
+    )
 
 
 class CopyProgress:
@@ -331,7 +334,8 @@ class CopyProgress:
 
     def begin(self, transport, args):
         sources = args.path[:-1] if args.command[0] == "cp" else []
-        self.total = sum(size_of(path) for path in sources if not path.startswith(":"))
+        measure = size_of_all if args.recursive else size_of
+        self.total = sum(measure(path) for path in sources if not path.startswith(":"))
         self.copied = 0
         if sources and args.recursive:
             transport.fs_listdir = lambda path: self.list_board(transport, path)
