@@ -206,13 +206,17 @@ class Flash:
         return self.posix.stat(self.readable_path(path))
 
     def used_blocks(self, folder):
-        count = 1
-        for name, kind, _ in self.posix.ilistdir(folder):
-            path = folder + b"/" + name
-            if kind == DIRECTORY:
-                count += self.used_blocks(path)
-            elif kind != LINK:  # A link could lead back to this folder.
-                count += blocks(self.posix.stat(path)[6])
+        count = 0
+        folders = [folder]  # One at a time is open, since few files may be, however deep they lie.
+        while folders:
+            folder = folders.pop()
+            count += 1
+            for name, kind, _ in self.posix.ilistdir(folder):
+                path = folder + b"/" + name
+                if kind == DIRECTORY:
+                    folders.append(path)
+                elif kind != LINK:  # A link could lead back to this folder.
+                    count += blocks(self.posix.stat(path)[6])
         return count
 
     def statvfs(self, path):

@@ -69,6 +69,22 @@ with open('again', 'ab') as file:
     EXPECT_NE(board.Tool({"df"}).output.find("<Flash>    16777216"), std::string::npos);
 }
 
+// Only few files may be open at once.
+TEST(Confinement, DirectoriesMayBeNestedDeeply)
+{
+    const BoardProcess board;
+    const std::string program = R"(
+import os
+for depth in range(60):
+    os.mkdir('d')
+    os.chdir('d')
+open('file', 'w').close()
+print(os.statvfs('/')[2] - os.statvfs('/')[3])
+)";
+    EXPECT_EQ(board.Tool({"exec", program}).output, "62\r\n");
+    EXPECT_EQ(board.Tool({"touch", ":new"}).status, 0);
+}
+
 TEST(Confinement, AProgramThatGetsAroundTheFileSystemOrTheProtocolIsReset)
 {
     const BoardProcess board;
