@@ -243,6 +243,9 @@ QKeySequence KateWindow::Shortcut(const std::string& command) const
 
 void KateWindow::ShowOutput()
 {
+    if (!toolView_) {
+        return;  // Kate is closing the window.
+    }
     QPointer<QWidget> focused = mainWindow_.window()->focusWidget();
     mainWindow_.showToolView(toolView_);
     if (focused) {

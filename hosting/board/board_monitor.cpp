@@ -34,7 +34,7 @@ BoardMonitor::BoardMonitor(std::string program, std::string boardFolder, FindPor
     timer_.start(kPollInterval);
     startTimer_.setInterval(kStartPollInterval);
     connect(&startTimer_, &QTimer::timeout, this, &BoardMonitor::PollStart);
-    if (const char* const node = std::getenv(kBoardVariable)) {
+    if (const char* const node = std::getenv(kBoardVariable); node != nullptr && *node != '\0') {
         choice_ = BoardPort{node, {}, {}};
         isBoardNamed_ = isChosenByEnvironment_ = true;
         VirtualBoard::ForgetNamedLink();  // The tool ignores it, too.

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
@@ -97,7 +98,9 @@ std::expected<bool, std::string> VirtualBoard::CheckReady()
         return std::unexpected("The virtual board did not start: " +
                                LastLine(output_).value_or("it printed nothing"));
     }
+    std::fputs(output_.substr(0, begin).c_str(), stderr);
     output_.erase(0, end + 1);
+    ForgetNamedLink();  // With the pins of another board.
     setenv(kLinkVariable, LinkIn(linkFolder_).c_str(), 1);
     return true;
 }
@@ -129,6 +132,7 @@ std::string VirtualBoard::NamedLink()
 void VirtualBoard::ForgetNamedLink()
 {
     unsetenv(kLinkVariable);
+    unsetenv(kPinsVariable);
 }
 
 std::string VirtualBoard::NamedPinsPath()

@@ -67,7 +67,7 @@ void PinsClient::TryLater()
     if (!CanBeSocketPath(path_)) {
         GiveUp(tr("the path %1 is too long for a socket"));
     } else if (++attempts_ >= kMaxAttempts) {
-        GiveUp(tr("nothing serves them at %1"));
+        GiveUp(tr("they cannot be reached at %1"));
     } else {
         retryTimer_.start();
     }

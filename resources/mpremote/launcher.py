@@ -336,13 +336,13 @@ class CopyProgress:
         sources = args.path[:-1] if args.command[0] == "cp" else []
         measure = size_of_all if args.recursive else size_of
         self.total = sum(measure(path) for path in sources if not path.startswith(":"))
-        self.copied = 0
+        self.copied = self.file_size = 0
         if sources and args.recursive:
-            transport.fs_listdir = lambda path: self.list_board(transport, path)
+            transport.fs_listdir = lambda *path: self.list_board(transport, *path)
 
-    def list_board(self, transport, path):
+    def list_board(self, transport, *path):
         """Of a folder on the board, all files are listed before the first one is copied."""
-        entries = type(transport).fs_listdir(transport, path)
+        entries = type(transport).fs_listdir(transport, *path)
         self.total += sum(entry.st_size for entry in entries if not entry.st_mode & IS_FOLDER)
         return entries
 
@@ -350,9 +350,9 @@ class CopyProgress:
         self.file_size = total_size
         self.report(size)
 
-    def copy(self, copy_by_mpremote, state, source, *args):
+    def copy(self, copy_by_mpremote, state, source, *args, **kwargs):
         self.file_size = 0 if source.startswith(":") else size_of(source)
-        copy_by_mpremote(state, source, *args)
+        copy_by_mpremote(state, source, *args, **kwargs)
         self.copied += self.file_size  # Also if the board has the same file already.
         self.file_size = 0
         self.report(0)
@@ -364,7 +364,10 @@ def report_progress(tool, commands):
     copy = getattr(commands, "do_filesystem_cp", None)
     if not number.isdigit() or not show or not copy:
         return
-    os.set_blocking(int(number), False)
+    try:
+        os.set_blocking(int(number), False)
+    except OSError:  # It is not open.
+        return
     progress = CopyProgress(int(number))
     perform, parser = tool._COMMANDS["fs"]
 
@@ -379,7 +382,7 @@ def report_progress(tool, commands):
 
     tool._COMMANDS["fs"] = perform_with_progress, parser
     commands.show_progress_bar = show_and_report
-    commands.do_filesystem_cp = lambda *args: progress.copy(copy, *args)
+    commands.do_filesystem_cp = lambda *args, **kwargs: progress.copy(copy, *args, **kwargs)
 
 
 def load_tool():
