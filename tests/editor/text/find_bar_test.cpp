@@ -57,14 +57,19 @@ class FindBarTest : public testing::Test {
                std::to_string(Send(*editor, QsciScintilla::SCI_GETSELECTIONEND));
     }
 
+    void SetText(const QString& text) const
+    {
+        editor->setText(text);
+        editor->setCursorPosition(0, 0);  // QScintilla 2.14 leaves it at the end.
+    }
+
     // Searches a text step by step, each by entered words ("=words"), Return or a button.
     struct Step {
         std::string act, selection, message = {};
     };
     void Search(const QString& text, const std::vector<Step>& steps) const
     {
-        editor->setText(text);
-        Send(*editor, QsciScintilla::SCI_GOTOPOS, 0);  // QScintilla 2.14 leaves it at the end.
+        SetText(text);
         bar->OpenForFind();
         for (const auto& step : steps) {
             SCOPED_TRACE(step.act);
@@ -114,7 +119,7 @@ TEST_F(FindBarTest, AllMatchesOfALargeTextAreMarkedAndCountedInParts)
     for (int i = 0; i < 200'000; ++i) {
         text += QString::number(i) + "é\n";
     }
-    editor->setText(text);
+    SetText(text);
     bar->OpenForFind();
     Press("Regular expression");
     words()->insert("7é\\n");  // Some matches are divided by the end of a part.
@@ -134,7 +139,7 @@ TEST_F(FindBarTest, AllMatchesOfALargeTextAreMarkedAndCountedInParts)
     words()->insert("7é\\n");
     QCoreApplication::processEvents();
     Send(*editor, QsciScintilla::SCI_SETMODEVENTMASK, 0);
-    editor->setText("7é\n7é\n");  // As output in a worksheet, while the old text is searched.
+    SetText("7é\n7é\n");  // As output in a worksheet, while the old text is searched.
     shows("2 matches");
     QTest::keyClick(words(), Qt::Key_Escape);
     EXPECT_FALSE(isMarked(1)) << "the bar is closed";
@@ -191,7 +196,7 @@ TEST_F(FindBarTest, AnExpressionThatFailsIsReportedAndChangesNothing)
     Press("Regular expression");
     bar->OpenForReplace();
     for (const auto& row : rows) {
-        editor->setText(row.text);
+        SetText(row.text);
         Send(*editor, QsciScintilla::SCI_GOTOPOS, row.caret);
         words()->setText(row.words);
         Press(row.button);
@@ -218,7 +223,7 @@ TEST_F(FindBarTest, ReplaceAllIsOneUndoStepAndReportsTheNumber)
         if (std::exchange(isExpression, row.isExpression) != row.isExpression) {
             Press("Regular expression");
         }
-        editor->setText(row.before);
+        SetText(row.before);
         bar->OpenForReplace();
         words()->setText(row.words);
         Named<QLineEdit>("Replace with")->setText(row.with);
@@ -232,7 +237,7 @@ TEST_F(FindBarTest, ReplaceAllIsOneUndoStepAndReportsTheNumber)
 
 TEST_F(FindBarTest, ReplaceChangesTheSelectedMatchAndFindsTheNext)
 {
-    editor->setText("one two one");
+    SetText("one two one");
     bar->OpenForReplace();
     words()->setText("one");
     Named<QLineEdit>("Replace with")->setText("ones");
@@ -259,7 +264,7 @@ TEST_F(FindBarTest, FindNextWorksWhileTheBarIsClosed)
 
 TEST_F(FindBarTest, SearchesForTheSelectionAndWorksAfterItsEditorIsDestroyed)
 {
-    editor->setText("one two\nthree");
+    SetText("one two\nthree");
     editor->setSelection(0, 4, 0, 7);
     bar->OpenForReplace();
     EXPECT_EQ(words()->text(), "two");
