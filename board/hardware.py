@@ -70,6 +70,7 @@ class Hardware:
         self.watchdog_due = None
         self.is_enabled = True
         self.is_scheduled = False
+        self.is_dispatching = False
         self.runs_again = False
         self.deferrals = 0
         self.dispatch_method = self.dispatch
@@ -79,6 +80,13 @@ class Hardware:
 
     # In a signal handler.
     def on_alarm(self, _number):
+        try:
+            self.react()
+        except KeyboardInterrupt:  # Was meant for the program, which had not noticed it yet.
+            block[INTERRUPT] = 1
+            _setitimer(0, self.retry, None)
+
+    def react(self):
         if block[INTERRUPT]:
             return self.interrupt()
         if self.watchdog_due is not None and ticks_diff(ticks_us(), self.watchdog_due) >= 0:
@@ -97,23 +105,29 @@ class Hardware:
     # The interpreter ignores an exception that leaves a callback, so an interrupt waits for it.
     def interrupt(self):
         _setitimer(0, self.retry, None)
-        if self.is_scheduled and self.deferrals < MAX_DEFERRALS:
+        is_in_callback = self.is_scheduled or self.is_dispatching
+        if is_in_callback and self.deferrals < MAX_DEFERRALS:
             self.deferrals += 1
         else:
             self.deferrals = block[INTERRUPT] = 0
             _tgkill(_pid, _pid, SIGINT)
 
     def dispatch(self, _):
+        self.is_dispatching = True
         self.runs_again = False
         try:
             self.deliver_edges()
             self.run_timers()
+        except KeyboardInterrupt:
+            block[INTERRUPT] = 1  # For the program.
         finally:
             self.arm()
             self.is_scheduled = False
             if self.runs_again:
                 # Later, since a handler that interrupted this function would lose an interrupt.
                 _setitimer(0, self.retry, None)
+            # At the end: an interrupt that is sent from now on is raised in the program.
+            self.is_dispatching = False
 
     def call(self, function, argument):
         self.calls += 1
@@ -194,7 +208,7 @@ class Hardware:
         self.irqs.clear()
         self.watchdog_due = None
         self.is_enabled = True
-        self.is_scheduled = False
+        self.is_scheduled = self.is_dispatching = False
         block[INTERRUPT] = 0
         self.arm()
         for pin in range(PINS, PINS + PIN_COUNT * PIN_SIZE, PIN_SIZE):
